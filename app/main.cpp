@@ -1,0 +1,45 @@
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "app/commands.h"
+
+namespace {
+
+void PrintUsage(FILE* out) {
+    std::fprintf(out, "Usage: tervane COMMAND [OPTIONS] ...\n\n"
+                      "Localisation filter for the resources of Win32 executables.\n\n"
+                      "Commands:\n");
+    for (const auto& command : tervane::app::Commands())
+        std::fprintf(out, "  %-12s %s\n", command.name, command.summary);
+    std::fprintf(out, "\nRun 'tervane COMMAND --help' for the options of one command.\n");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        PrintUsage(stderr);
+        return 2;
+    }
+    std::string name = argv[1];
+    if (name == "--help" || name == "-h" || name == "help") {
+        PrintUsage(stdout);
+        return 0;
+    }
+    for (const auto& command : tervane::app::Commands()) {
+        if (name != command.name)
+            continue;
+        tervane::app::Args args(argv + 2, argv + argc);
+        for (const auto& arg : args) {
+            if (arg == "--help" || arg == "-h") {
+                std::printf("Usage: tervane %s\n\n%s\n", command.usage, command.summary);
+                return 0;
+            }
+        }
+        return command.run(args);
+    }
+    std::fprintf(stderr, "tervane: unknown command '%s'\n\n", name.c_str());
+    PrintUsage(stderr);
+    return 2;
+}

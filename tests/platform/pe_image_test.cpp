@@ -1,0 +1,70 @@
+#include "platform/pe/pe_image.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/win32/last_error.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane::pe {
+namespace {
+
+TEST(PeImage, ParsesBothWidths) {
+    for (const auto& [arch, is64] : {std::pair{"x64", true}, std::pair{"x86", false}}) {
+        auto bytes = test::ReadFile(test::FixturePath("sample", arch));
+        auto image = PeImage::Parse({bytes.begin(), bytes.end()});
+        ASSERT_TRUE(image) << image.error().context;
+        EXPECT_EQ(image->Is64(), is64);
+        EXPECT_EQ(image->FileAlignment(), 0x200u);
+        auto rsrc = image->Directory(kResourceDirectory);
+        ASSERT_NE(rsrc.rva, 0u);
+        auto index = image->SectionIndexForRva(rsrc.rva);
+        ASSERT_TRUE(index);
+        EXPECT_EQ(image->Sections()[*index].Name(), ".rsrc");
+        // The checksum the linker wrote is the one we compute.
+        EXPECT_EQ(ComputeChecksum(image->FileBytes(), image->Offsets().checksum),
+                  image->CheckSum());
+    }
+}
+
+TEST(PeImage, RejectsWhatIsNoImage) {
+    struct Case {
+        const char* what;
+        std::vector<std::uint8_t> bytes;
+        DWORD code;
+    };
+    auto good = test::ReadFile(test::FixturePath("sample", "x64"));
+    std::vector<std::uint8_t> noPe(good.begin(), good.end());
+    noPe[LoadU32LE(&noPe[0x3C])] = 'X';
+    std::vector<std::uint8_t> farLfanew(good.begin(), good.end());
+    StoreU32LE(&farLfanew[0x3C], 0xFFFFFFF0u);
+    std::vector<std::uint8_t> badMagic(good.begin(), good.end());
+    badMagic[LoadU32LE(&badMagic[0x3C]) + 24] = 0x99;
+    const Case cases[] = {
+        {"empty", {}, ERROR_FILE_INVALID},
+        {"text", {'h', 'e', 'l', 'l', 'o'}, ERROR_BAD_EXE_FORMAT},
+        {"MZ only", {'M', 'Z'}, ERROR_BAD_EXE_FORMAT},
+        {"no PE signature", noPe, ERROR_BAD_EXE_FORMAT},
+        {"e_lfanew past the end", farLfanew, ERROR_BAD_EXE_FORMAT},
+        {"unknown magic", badMagic, ERROR_BAD_EXE_FORMAT},
+    };
+    for (const Case& c : cases) {
+        auto image = PeImage::Parse(c.bytes);
+        ASSERT_FALSE(image) << c.what;
+        EXPECT_EQ(image.error().code, c.code) << c.what;
+    }
+}
+
+TEST(PeImage, EveryTruncationFailsCleanlyOrParses) {
+    auto good = test::ReadFile(test::FixturePath("sample", "x86"));
+    for (std::size_t size = 0; size < 1024 && size < good.size(); ++size) {
+        auto image = PeImage::Parse({good.begin(), good.begin() + size});
+        if (image) {
+            // Whatever parsed must read back only within bounds.
+            for (std::size_t i = 0; i < image->Sections().size(); ++i)
+                (void)image->ReadRva(image->Sections()[i].virtualAddress, 16);
+        }
+    }
+}
+
+} // namespace
+} // namespace tervane::pe
