@@ -45,12 +45,15 @@ struct ResourceDataEntry {
     std::uint32_t reserved = 0;
 };
 
-// The header fields of an IMAGE_RESOURCE_DIRECTORY other than its counts.
+// The header of an IMAGE_RESOURCE_DIRECTORY. The loader looks names up only
+// among the first numberOfNamedEntries entries and ordinals among the rest.
 struct ResourceDirectoryHeader {
     std::uint32_t characteristics = 0;
     std::uint32_t timeDateStamp = 0;
     std::uint16_t majorVersion = 0;
     std::uint16_t minorVersion = 0;
+    std::uint16_t numberOfNamedEntries = 0;
+    std::uint16_t numberOfIdEntries = 0;
 };
 
 struct ResourceLanguage {

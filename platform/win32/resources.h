@@ -36,8 +36,7 @@ using ENUMRESLANGPROCA = BOOL (*)(HMODULE module, const ResName& type, const Res
                                   WORD language, LONG_PTR param);
 
 BOOL EnumResourceTypesA(HMODULE module, ENUMRESTYPEPROCA proc, LONG_PTR param);
-BOOL EnumResourceNamesA(HMODULE module, const ResName& type, ENUMRESNAMEPROCA proc,
-                        LONG_PTR param);
+BOOL EnumResourceNamesA(HMODULE module, const ResName& type, ENUMRESNAMEPROCA proc, LONG_PTR param);
 BOOL EnumResourceLanguagesA(HMODULE module, const ResName& type, const ResName& name,
                             ENUMRESLANGPROCA proc, LONG_PTR param);
 
@@ -47,3 +46,9 @@ HGLOBAL LoadResource(HMODULE module, HRSRC resource);
 const void* LockResource(HGLOBAL loaded);
 DWORD SizeofResource(HMODULE module, HRSRC resource);
 BOOL FreeResource(HGLOBAL loaded);
+
+// String id of block id / 16 + 1 of RT_STRING, found as FindResourceA finds
+// it, in the process's code page (UTF-8), cut to size - 1 bytes on a
+// character boundary and terminated. Returns the bytes copied, 0 for a
+// missing string.
+int LoadStringA(HINSTANCE instance, UINT id, char* buffer, int size);
