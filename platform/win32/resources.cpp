@@ -92,7 +92,9 @@ void Fail(const Error& error) {
     SetLastError(error.code);
 }
 
-pe::ResourceId AskedId(const ResName& id) {
+pe::ResourceId AskedId(const ResName& asked) {
+    // A text "#123" asks for the number 123, wherever it came from.
+    ResName id = asked.IsOrdinal() ? asked : ResName::FromText(asked.Name());
     if (id.IsOrdinal())
         return pe::ResourceId(id.Ordinal());
     return pe::ResourceId(pe::UpcaseName(pe::Utf8ToUtf16(id.Name())));

@@ -1,0 +1,239 @@
+#include "platform/win32/resources.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+#include "platform/win32/last_error.h"
+#include "platform/win32/module_image.h"
+#include "tests/platform/resource_walk.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane {
+namespace {
+
+struct Module {
+    HMODULE handle;
+    explicit Module(const std::string& path)
+        : handle(LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE)) {}
+    ~Module() {
+        if (handle)
+            FreeLibrary(handle);
+    }
+};
+
+// The resource's bytes as text, or "error N" with the last error.
+std::string Lookup(HMODULE module, const ResName& type, const ResName& name, WORD language) {
+    SetLastError(0);
+    HRSRC found = FindResourceExA(module, type, name, language);
+    HGLOBAL loaded = found ? LoadResource(module, found) : nullptr;
+    const void* bytes = LockResource(loaded);
+    if (!bytes)
+        return "error " + std::to_string(GetLastError());
+    EXPECT_EQ(GetLastError(), 0u);
+    return std::string(static_cast<const char*>(bytes), SizeofResource(module, found));
+}
+
+TEST(Resources, EnumeratesInWin32Order) {
+    // Named entries first, names by UTF-16 unit, then numbers ascending;
+    // languages ascending within a name.
+    const std::vector<std::string> expected = {"MYTYPE/NAMED/1033",
+                                               "MYTYPE/7/1033",
+                                               "OTHER TYPE/3/1033",
+                                               "6/1/1031",
+                                               "6/1/1033",
+                                               "6/2/1033",
+                                               "10/ SPACED NAME /1033",
+                                               "10/A/0",
+                                               "10/A/7",
+                                               "10/A/1033",
+                                               "10/A-B/1033",
+                                               "10/AA/1033",
+                                               "10/AB/1031",
+                                               "10/AB/1033",
+                                               "10/A_B/1033",
+                                               "10/\xC3\x96/1033",
+                                               "10/\xC3\xB6/1033",
+                                               "10/1/1033",
+                                               "10/32767/1033",
+                                               "10/65535/1033",
+                                               "240/1/1033"};
+    for (const auto& path : test::FixtureImages("reader")) {
+        Module module(path);
+        ASSERT_TRUE(module.handle) << path;
+        auto walk = test::WalkResources(module.handle);
+        EXPECT_EQ(walk.seen, expected) << path;
+        EXPECT_EQ(walk.firstError, 0u) << path;
+        ASSERT_EQ(walk.data.size(), expected.size()) << path;
+        // A name the resource compiler left in lower case is looked up in
+        // upper case, as on Windows: "ö" reaches "Ö".
+        EXPECT_EQ(walk.data[16], "O umlaut") << path;
+        EXPECT_EQ(walk.data[0], "mytype named") << path;
+    }
+}
+
+TEST(Resources, FindsAsWin32Does) {
+    struct Case {
+        ResName type;
+        ResName name;
+        WORD language;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {RT_RCDATA, "ab", 0x409, "AB en"},
+        {ResName::FromText("#10"), ResName::FromText("AB"), 0x407, "AB de"},
+        {RT_RCDATA, "A-B", 0x409, "A-B"},
+        {RT_RCDATA, "a_b", 0x409, "A_B"},
+        {RT_RCDATA, "AA", 0x409, "AA"},
+        {RT_RCDATA, " spaced NAME ", 0x409, "spaced"},
+        {RT_RCDATA, "spaced name", 0x409, "error 1814"},
+        {RT_RCDATA, "\xC3\xB6", 0x409, "O umlaut"}, // upper-cased to the stored capital
+        {RT_RCDATA, ResName::FromText("#32767"), 0x409, "7fff"},
+        {RT_RCDATA, 65535, 0x409, "ffff"},
+        {RT_RCDATA, "#1", 0x409, "one"},
+        {"mytype", "named", 0x409, "mytype named"},
+        {"MYTYPE", 7, 0x409, "mytype 7"},
+        {"Other Type", 3, 0x409, "other"},
+        {RT_RCDATA, 2, 0x409, "error 1814"},
+        {RT_MENU, 1, 0x409, "error 1813"},
+        {"NOPE", 1, 0x409, "error 1813"},
+        {"7", "MYTYPE", 0x409, "error 1813"}, // a name that looks like a number is a name
+        // Exact, then primary with a neutral sublanguage, then neutral.
+        {RT_RCDATA, "A", 0x0409, "A en"},
+        {RT_RCDATA, "A", 0x0407, "A de neutral"},
+        {RT_RCDATA, "A", 0x0807, "A de neutral"},
+        {RT_RCDATA, "A", 0x040C, "A neutral"},
+        {RT_RCDATA, "A", 0x0000, "A neutral"},
+        {RT_RCDATA, "AB", 0x0809, "error 1815"},
+        {RT_RCDATA, "AB", 0x040C, "error 1815"},
+        // Neutral asked where none is stored: the first language stored.
+        {RT_RCDATA, "AB", 0x0000, "AB de"},
+    };
+    for (const auto& path : test::FixtureImages("reader")) {
+        Module module(path);
+        ASSERT_TRUE(module.handle);
+        for (const Case& c : cases)
+            EXPECT_EQ(Lookup(module.handle, c.type, c.name, c.language), c.expected)
+                << path << " " << c.type.ToString() << "/" << c.name.ToString() << "/"
+                << c.language;
+        // FindResourceA asks for the neutral language.
+        HRSRC found = FindResourceA(module.handle, "AB", RT_RCDATA);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found, FindResourceExA(module.handle, RT_RCDATA, "AB", 0x407));
+    }
+}
+
+TEST(Resources, CallbackFalseStopsEnumeration) {
+    Module module(test::FixturePath("reader", "x64"));
+    int calls = 0;
+    SetLastError(0);
+    BOOL ok = EnumResourceTypesA(
+        module.handle,
+        [](HMODULE, const ResName&, LONG_PTR p) -> BOOL {
+            return ++*reinterpret_cast<int*>(p) < 2;
+        },
+        reinterpret_cast<LONG_PTR>(&calls));
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(GetLastError(), 0u);
+
+    calls = 0;
+    ok = EnumResourceLanguagesA(
+        module.handle, RT_RCDATA, "A",
+        [](HMODULE, const ResName&, const ResName&, WORD, LONG_PTR p) -> BOOL {
+            ++*reinterpret_cast<int*>(p);
+            return FALSE;
+        },
+        reinterpret_cast<LONG_PTR>(&calls));
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(Resources, LoadingFailsWithWin32Errors) {
+    std::string dir = test::TempDir();
+    test::WriteFile(dir + "/empty.dll", {});
+    test::WriteFile(dir + "/text.dll", {'h', 'e', 'l', 'l', 'o'});
+    std::string good = test::FixturePath("reader", "x86");
+    struct Case {
+        std::string path;
+        DWORD flags;
+        DWORD error;
+    };
+    const Case cases[] = {
+        {dir + "/missing.dll", LOAD_LIBRARY_AS_DATAFILE, ERROR_FILE_NOT_FOUND},
+        {dir, LOAD_LIBRARY_AS_DATAFILE, ERROR_ACCESS_DENIED},
+        {dir + "/empty.dll", LOAD_LIBRARY_AS_DATAFILE, ERROR_FILE_INVALID},
+        {dir + "/text.dll", LOAD_LIBRARY_AS_DATAFILE, ERROR_BAD_EXE_FORMAT},
+        {good, DONT_RESOLVE_DLL_REFERENCES, ERROR_INVALID_PARAMETER},
+    };
+    for (const Case& c : cases) {
+        SetLastError(0);
+        EXPECT_EQ(LoadLibraryExA(c.path.c_str(), nullptr, c.flags), nullptr) << c.path;
+        EXPECT_EQ(GetLastError(), c.error) << c.path;
+    }
+    // The flags the conversion passes; success leaves the last error alone.
+    SetLastError(0);
+    HMODULE module = LoadLibraryExW(u"/nonexistent", nullptr, 3);
+    EXPECT_EQ(module, nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    SetLastError(0);
+    std::u16string wide(good.begin(), good.end());
+    module = LoadLibraryExW(wide.c_str(), nullptr, 3);
+    ASSERT_NE(module, nullptr);
+    EXPECT_EQ(GetLastError(), 0u);
+
+    // Handles of another module, or of a freed one, are refused.
+    Module other(good);
+    HRSRC found = FindResourceExA(other.handle, RT_STRING, 1, 0x409);
+    ASSERT_TRUE(found);
+    SetLastError(0);
+    EXPECT_EQ(LoadResource(module, found), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_TRUE(FreeLibrary(module));
+    SetLastError(0);
+    EXPECT_FALSE(FreeLibrary(module));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_EQ(FindResourceExA(module, RT_STRING, 1, 0x409), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+}
+
+TEST(Resources, ModuleServesItsOwnResources) {
+    HMODULE self = TervaneModuleHandle();
+    char text[64];
+    EXPECT_EQ(LoadStringA(self, 100, text, sizeof text), 13);
+    EXPECT_STREQ(text, "TervaneFilter");
+    EXPECT_EQ(LoadStringA(self, 100, text, 8), 7); // cut to fit, terminated
+    EXPECT_STREQ(text, "Tervane");
+    EXPECT_EQ(LoadStringA(self, 101, text, sizeof text), 0);
+    EXPECT_STREQ(text, "");
+    EXPECT_EQ(LoadStringA(self, 5000, text, sizeof text), 0);
+
+    auto walk = test::WalkResources(self);
+    EXPECT_EQ(walk.firstError, 0u);
+    ASSERT_GE(walk.seen.size(), 2u);
+    EXPECT_EQ(walk.seen[0], "6/7/1033");
+    EXPECT_EQ(walk.seen[1], "16/1/1033");
+}
+
+TEST(Resources, VersionResourceMatchesTheResourceCompilers) {
+    // The same values compiled by windres from a script.
+    Module compiled(test::FixturePath("module_version", "x64"));
+    ASSERT_TRUE(compiled.handle);
+    std::string expected = Lookup(compiled.handle, RT_VERSION, 1, 0x409);
+    std::string ours = Lookup(TervaneModuleHandle(), RT_VERSION, 1, 0x409);
+    ASSERT_GT(expected.size(), 100u);
+    EXPECT_EQ(ours.size(), expected.size());
+    EXPECT_TRUE(ours == expected);
+}
+
+TEST(Resources, StringsOfFilesLoadThroughLoadString) {
+    Module module(test::FixturePath("reader", "x64"));
+    char text[32];
+    // FindResourceA asks for neutral and takes the first stored: German.
+    EXPECT_EQ(LoadStringA(module.handle, 1, text, sizeof text), 4);
+    EXPECT_STREQ(text, "eins");
+    EXPECT_EQ(LoadStringA(module.handle, 17, text, sizeof text), 9);
+    EXPECT_STREQ(text, "seventeen");
+}
+
+} // namespace
+} // namespace tervane
