@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/update/pending_files.h"
 #include "platform/win32/last_error.h"
 
 namespace tervane::files {
@@ -42,7 +43,7 @@ struct Fd {
 };
 } // namespace
 
-Result<std::vector<std::uint8_t>> ReadFileBytes(const std::string& path) {
+Result<std::vector<std::uint8_t>> ReadDiskBytes(const std::string& path) {
     Fd file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
     if (file.fd < 0)
         return Error{Win32ErrorFromErrno(errno), path};
@@ -68,6 +69,12 @@ Result<std::vector<std::uint8_t>> ReadFileBytes(const std::string& path) {
         bytes.insert(bytes.end(), chunk, chunk + got);
     }
     return bytes;
+}
+
+Result<std::vector<std::uint8_t>> ReadFileBytes(const std::string& path) {
+    if (auto error = update::FlushPendingFile(path))
+        return std::move(*error);
+    return ReadDiskBytes(path);
 }
 
 } // namespace tervane::files

@@ -11,8 +11,13 @@
 namespace tervane::files {
 
 // Fails with ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND or ERROR_ACCESS_DENIED
-// (a folder, or no permission) as Win32 would.
+// (a folder, or no permission) as Win32 would. Pending resource updates of
+// the file are written out first.
 Result<std::vector<std::uint8_t>> ReadFileBytes(const std::string& path);
+
+// The bytes on disk as they are, pending updates or not: only for the
+// resource updater itself, which holds those updates.
+Result<std::vector<std::uint8_t>> ReadDiskBytes(const std::string& path);
 
 // The Win32 code for an errno from a file call.
 DWORD Win32ErrorFromErrno(int error);

@@ -1,0 +1,102 @@
+#include "platform/update/resource_tree.h"
+
+#include "platform/update/utf_text.h"
+#include "platform/win32/last_error.h"
+
+namespace tervane::update {
+
+void ResourceTree::Set(const ResKey& type, const ResKey& name, WORD language, Blob data) {
+    ResourceLeaf& leaf = types_[type][name][language];
+    leaf.data = std::move(data);
+}
+
+void ResourceTree::Insert(const ResKey& type, const ResKey& name, WORD language,
+                          ResourceLeaf leaf) {
+    types_[type][name].emplace(language, std::move(leaf));
+}
+
+bool ResourceTree::Remove(const ResKey& type, const ResKey& name, WORD language) {
+    auto t = types_.find(type);
+    if (t == types_.end())
+        return false;
+    auto n = t->second.find(name);
+    if (n == t->second.end())
+        return false;
+    if (n->second.erase(language) == 0)
+        return false;
+    if (n->second.empty())
+        t->second.erase(n);
+    if (t->second.empty())
+        types_.erase(t);
+    return true;
+}
+
+const ResourceLeaf* ResourceTree::Find(const ResKey& type, const ResKey& name,
+                                       WORD language) const {
+    auto t = types_.find(type);
+    if (t == types_.end())
+        return nullptr;
+    auto n = t->second.find(name);
+    if (n == t->second.end())
+        return nullptr;
+    auto l = n->second.find(language);
+    return l == n->second.end() ? nullptr : &l->second;
+}
+
+std::size_t ResourceTree::LeafCount() const {
+    std::size_t count = 0;
+    for (const auto& [type, names] : types_)
+        for (const auto& [name, languages] : names)
+            count += languages.size();
+    return count;
+}
+
+bool ResourceTree::operator==(const ResourceTree& other) const {
+    if (types_.size() != other.types_.size())
+        return false;
+    auto a = types_.begin();
+    auto b = other.types_.begin();
+    for (; a != types_.end(); ++a, ++b) {
+        if (!(a->first == b->first) || a->second.size() != b->second.size())
+            return false;
+        auto na = a->second.begin();
+        auto nb = b->second.begin();
+        for (; na != a->second.end(); ++na, ++nb) {
+            if (!(na->first == nb->first) || na->second.size() != nb->second.size())
+                return false;
+            auto la = na->second.begin();
+            auto lb = nb->second.begin();
+            for (; la != na->second.end(); ++la, ++lb) {
+                if (la->first != lb->first || la->second.codePage != lb->second.codePage ||
+                    (la->second.data != lb->second.data && *la->second.data != *lb->second.data))
+                    return false;
+            }
+        }
+    }
+    return true;
+}
+
+Result<ResKey> KeyFromResName(const ResName& name) {
+    if (name.IsOrdinal())
+        return ResKey::Id(name.Ordinal());
+    ResName parsed = ResName::FromText(name.Name());
+    if (parsed.IsOrdinal())
+        return ResKey::Id(parsed.Ordinal());
+    if (name.Name().empty())
+        return Error{ERROR_INVALID_PARAMETER, "empty resource name"};
+    std::u16string wide = UpcaseUtf16(Utf8ToUtf16(name.Name()));
+    // A directory string is counted in 16 bits.
+    if (wide.size() > 0xFFFF)
+        return Error{ERROR_INVALID_PARAMETER, "resource name longer than 65535 characters"};
+    return ResKey::Name(std::move(wide));
+}
+
+ResName ResNameFromKey(const ResKey& key) {
+    return key.named ? ResName(Utf16ToUtf8(key.name)) : ResName(key.id);
+}
+
+Blob MakeBlob(std::vector<std::uint8_t> bytes) {
+    return std::make_shared<const std::vector<std::uint8_t>>(std::move(bytes));
+}
+
+} // namespace tervane::update

@@ -1,0 +1,168 @@
+#include "platform/update/resource_update.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/files/file_bytes.h"
+#include "platform/files/file_replace.h"
+#include "platform/update/image_layout.h"
+#include "platform/update/pending_files.h"
+#include "platform/update/section_writer.h"
+#include "platform/win32/last_error.h"
+
+namespace {
+
+using namespace tervane;
+using namespace tervane::update;
+
+struct Change {
+    ResKey type;
+    ResKey name;
+    WORD language = 0;
+    Blob data; // null: delete
+};
+
+struct Transaction {
+    std::string path;
+    bool deleteExisting = false;
+    std::vector<Change> changes;
+};
+
+// Live handles only: a stale or foreign value is looked up, never dereferenced.
+class Transactions {
+public:
+    static Transactions& Instance() {
+        static Transactions transactions;
+        return transactions;
+    }
+    HANDLE Add(std::unique_ptr<Transaction> t) {
+        std::lock_guard lock(mutex_);
+        HANDLE handle = t.get();
+        live_.emplace(handle, std::move(t));
+        return handle;
+    }
+    Transaction* Find(HANDLE handle) {
+        std::lock_guard lock(mutex_);
+        auto it = live_.find(handle);
+        return it == live_.end() ? nullptr : it->second.get();
+    }
+    std::unique_ptr<Transaction> Take(HANDLE handle) {
+        std::lock_guard lock(mutex_);
+        auto it = live_.find(handle);
+        if (it == live_.end())
+            return nullptr;
+        auto t = std::move(it->second);
+        live_.erase(it);
+        return t;
+    }
+
+private:
+    std::mutex mutex_;
+    std::map<HANDLE, std::unique_ptr<Transaction>> live_;
+};
+
+// Win32 opens the file for writing: a missing file, a folder or a read-only
+// file fails here. The read-only attribute is the owner's write bit, which
+// also holds for a process that runs as root.
+DWORD CheckWritable(const char* path) {
+    struct stat info {};
+    if (::stat(path, &info) != 0)
+        return files::Win32ErrorFromErrno(errno);
+    if (!S_ISREG(info.st_mode) || !(info.st_mode & S_IWUSR) || ::access(path, W_OK) != 0)
+        return ERROR_ACCESS_DENIED;
+    return ERROR_SUCCESS;
+}
+
+} // namespace
+
+HANDLE BeginUpdateResourceA(const char* path, BOOL deleteExistingResources) {
+    if (!path || !*path) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    if (DWORD error = CheckWritable(path)) {
+        SetLastError(error);
+        return nullptr;
+    }
+    auto t = std::make_unique<Transaction>();
+    t->path = files::CanonicalPath(path);
+    t->deleteExisting = deleteExistingResources != FALSE;
+    // The image must be readable now, as Win32 maps it here.
+    auto error = WithPendingFile(t->path, [](PendingFile&) { return std::optional<Error>{}; });
+    if (error) {
+        SetLastError(error->code);
+        return nullptr;
+    }
+    return Transactions::Instance().Add(std::move(t));
+}
+
+BOOL UpdateResourceA(HANDLE update, const ResName& type, const ResName& name, WORD language,
+                     const void* data, DWORD size) {
+    Transaction* t = Transactions::Instance().Find(update);
+    if (!t) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    if (!data && size != 0) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    auto typeKey = KeyFromResName(type);
+    auto nameKey = KeyFromResName(name);
+    if (!typeKey || !nameKey) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    Blob blob;
+    if (data) {
+        auto bytes = static_cast<const std::uint8_t*>(data);
+        blob = MakeBlob(std::vector<std::uint8_t>(bytes, bytes + size));
+    }
+    t->changes.push_back(
+        Change{std::move(*typeKey), std::move(*nameKey), language, std::move(blob)});
+    return TRUE;
+}
+
+BOOL EndUpdateResourceA(HANDLE update, BOOL discard) {
+    std::unique_ptr<Transaction> t = Transactions::Instance().Take(update);
+    if (!t) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    if (discard)
+        return TRUE;
+    if (DWORD error = CheckWritable(t->path.c_str())) {
+        SetLastError(error);
+        return FALSE;
+    }
+    auto error = WithPendingFile(t->path, [&](PendingFile& file) -> std::optional<Error> {
+        // Applied to a copy, so that a result that does not fit changes nothing.
+        ResourceTree next = t->deleteExisting ? ResourceTree{} : file.tree;
+        for (Change& change : t->changes) {
+            if (change.data)
+                next.Set(change.type, change.name, change.language, std::move(change.data));
+            else
+                next.Remove(change.type, change.name, change.language);
+        }
+        auto size = ResourceSectionSize(next);
+        if (!size)
+            return std::move(size.error());
+        auto plan = PlanImage(file.image, *size);
+        if (!plan)
+            return std::move(plan.error());
+        if (!t->changes.empty() || t->deleteExisting) {
+            file.tree = std::move(next);
+            file.dirty = true;
+        }
+        return std::nullopt;
+    });
+    if (error) {
+        SetLastError(error->code);
+        return FALSE;
+    }
+    return TRUE;
+}

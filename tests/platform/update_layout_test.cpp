@@ -1,0 +1,239 @@
+// Transactions on real images of every layout, checked with pefile and
+// windres as independent readers and byte by byte against the original.
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/pe/pe_image.h"
+#include "platform/update/pending_files.h"
+#include "platform/update/resource_update.h"
+#include "platform/win32/last_error.h"
+#include "tests/platform/update_test_support.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane::test {
+namespace {
+
+struct Op {
+    std::string type; // "#10" or a name, as passed to UpdateResourceA
+    std::string name;
+    WORD language;
+    std::string data;   // empty: delete
+    std::string stored; // the name as the file must store it
+};
+
+struct Case {
+    const char* label;
+    bool deleteExisting;
+    std::vector<Op> ops;
+};
+
+const std::vector<Case>& Cases() {
+    static const std::vector<Case> cases = {
+        {"add numbered",
+         false,
+         {{"#10", "#1", 0x409, "one", "#1"},
+          {"#10", "#32767", 0, "max signed", "#32767"},
+          {"#300", "#65535", 0x407, "top", "#65535"},
+          {"#10", "#65535", 0, "neutral", "#65535"}}},
+        {"add named",
+         false,
+         {{"#10", "a-b", 0x409, "hyphen", "A-B"},
+          {"#10", "A", 0x409, "a", "A"},
+          {"#10", "AA", 0x409, "aa", "AA"},
+          {"#10", "\xC3\xB6", 0x409, "umlaut", "\xC3\x96"},
+          {"#10", "#123", 0x409, "number", "#123"},
+          {"mytype", "x", 0, "named type", "X"}}},
+        {"replace",
+         false,
+         {{"#10", "ab", 0x409, "replaced through lower case", "AB"},
+          {"BLOB", "#7", 0x409, std::string(3000, 'b'), "#7"}}},
+        {"delete",
+         false,
+         {{"#10", "A_B", 0x409, "", "A_B"},
+          {"BLOB", "#7", 0x409, "", "#7"},
+          {"#10", "AB", 0x407, "", "AB"},
+          {"#10", "absent", 0, "", "ABSENT"}}},
+        {"grow past the raw size", false, {{"#10", "#2", 0x409, std::string(9000, 'g'), "#2"}}},
+        {"start over", true, {{"#10", "#5", 0x407, "only", "#5"}}},
+    };
+    return cases;
+}
+
+std::string TypeText(const std::string& type) {
+    if (type[0] == '#')
+        return type;
+    std::string upper = type;
+    std::transform(upper.begin(), upper.end(), upper.begin(), ::toupper);
+    return upper;
+}
+
+ResName Name(const std::string& text) {
+    return ResName(text);
+}
+
+// Fields that an update may change, as (offset, length) in the headers.
+std::vector<std::pair<std::size_t, std::size_t>> MutableHeaderFields(const pe::PeImage& image) {
+    const pe::HeaderOffsets& at = image.Offsets();
+    return {{at.fileHeader + 2, 2},
+            {at.fileHeader + 8, 4},
+            {at.checksum, 4},
+            {at.sizeOfImage, 4},
+            {at.sizeOfInitializedData, 4},
+            {at.dataDirectories + 2 * 8, 8},
+            {at.dataDirectories + 4 * 8, 8},
+            {at.dataDirectories + 5 * 8, 8}};
+}
+
+void ExpectUnchangedOutsideResources(const std::vector<unsigned char>& before,
+                                     const std::vector<unsigned char>& after) {
+    auto old = pe::PeImage::Parse(before);
+    auto now = pe::PeImage::Parse(after);
+    ASSERT_TRUE(old && now);
+    std::vector<unsigned char> a(before.begin(), before.begin() + old->Offsets().sectionTable);
+    std::vector<unsigned char> b(after.begin(), after.begin() + old->Offsets().sectionTable);
+    for (auto [offset, length] : MutableHeaderFields(*old))
+        for (std::size_t i = offset; i < offset + length; ++i)
+            a[i] = b[i] = 0;
+    EXPECT_EQ(a, b) << "headers changed outside the fields an update may change";
+
+    auto resources = old->SectionIndexForRva(old->Directory(pe::kResourceDirectory).rva);
+    ASSERT_GE(now->Sections().size(), old->Sections().size());
+    for (std::size_t i = 0; i < old->Sections().size(); ++i) {
+        const pe::SectionHeader& s = old->Sections()[i];
+        const pe::SectionHeader& t = now->Sections()[i];
+        EXPECT_EQ(s.Name(), t.Name());
+        if (resources && *resources == i)
+            continue;
+        if (s.Name() != ".reloc") { // relocations may move, nothing else
+            EXPECT_EQ(s.virtualAddress, t.virtualAddress) << s.Name();
+        }
+        ASSERT_EQ(s.sizeOfRawData, t.sizeOfRawData) << s.Name();
+        EXPECT_TRUE(std::equal(before.begin() + s.pointerToRawData,
+                               before.begin() + s.pointerToRawData + s.sizeOfRawData,
+                               after.begin() + t.pointerToRawData))
+            << "bytes of " << s.Name() << " changed";
+    }
+    // The loader's view: sections ascend without overlap, the image ends
+    // where the last one does.
+    std::uint32_t end = 0;
+    for (const pe::SectionHeader& t : now->Sections()) {
+        EXPECT_GE(t.virtualAddress, end) << t.Name();
+        EXPECT_EQ(t.pointerToRawData % now->FileAlignment(), 0u) << t.Name();
+        EXPECT_EQ(t.sizeOfRawData % now->FileAlignment(), 0u) << t.Name();
+        end = t.virtualAddress + (t.MappedSize() + now->SectionAlignment() - 1) /
+                                     now->SectionAlignment() * now->SectionAlignment();
+    }
+    EXPECT_EQ(now->SizeOfImage(), end);
+}
+
+struct LayoutParam {
+    Layout layout;
+    const char* arch;
+};
+
+std::string LayoutName(const ::testing::TestParamInfo<LayoutParam>& info) {
+    static const char* names[] = {"Last", "Reloc", "Other", "Absent"};
+    return std::string(names[static_cast<int>(info.param.layout)]) + "_" + info.param.arch;
+}
+
+class UpdateLayoutTest : public ::testing::TestWithParam<LayoutParam> {};
+
+TEST_P(UpdateLayoutTest, EveryCaseGivesTheExpectedResourcesAndKeepsTheRest) {
+    const std::string dir = TempDir();
+    const std::string original = BuildLayout(GetParam().layout, GetParam().arch, dir);
+    const std::vector<unsigned char> before = ReadFile(original);
+    const Dump initial = DumpResources(original);
+
+    for (const Case& c : Cases()) {
+        SCOPED_TRACE(c.label);
+        const std::string path = dir + "/work.dll";
+        WriteFile(path, before);
+        std::map<std::string, std::string> expected; // "type\tname\tlang" -> "0\thex"
+        if (!c.deleteExisting) {
+            for (const std::string& line : initial.resources) {
+                auto cut = line.find('\t', line.find('\t', line.find('\t') + 1) + 1);
+                expected[line.substr(0, cut)] = line.substr(cut + 1);
+            }
+        }
+        bool first = true;
+        for (const Op& op : c.ops) {
+            HANDLE h = BeginUpdateResourceA(path.c_str(), first && c.deleteExisting);
+            ASSERT_NE(h, nullptr) << GetLastError();
+            first = false;
+            const void* data = op.data.empty() ? nullptr : op.data.data();
+            ASSERT_TRUE(UpdateResourceA(h, Name(op.type), Name(op.name), op.language, data,
+                                        static_cast<DWORD>(op.data.size())));
+            ASSERT_TRUE(EndUpdateResourceA(h, FALSE)) << GetLastError();
+            std::string key =
+                TypeText(op.type) + "\t" + op.stored + "\t" + std::to_string(op.language);
+            if (op.data.empty())
+                expected.erase(key);
+            else
+                expected[key] = "0\t" + Hex(op.data);
+        }
+        ASSERT_FALSE(update::FlushPendingFile(path));
+        const std::vector<unsigned char> after = ReadFile(path);
+
+        Dump dump = DumpResources(path);
+        std::vector<std::string> want;
+        for (const auto& [key, value] : expected)
+            want.push_back(key + "\t" + value);
+        std::vector<std::string> got = dump.resources;
+        std::sort(got.begin(), got.end());
+        std::sort(want.begin(), want.end());
+        EXPECT_EQ(got, want);
+        EXPECT_TRUE(dump.orderErrors.empty()) << dump.orderErrors.front();
+        EXPECT_EQ(dump.headersNot40, 0);
+        EXPECT_TRUE(dump.checksumOk);
+        EXPECT_EQ(dump.overlayHex, initial.overlayHex) << "appended data changed";
+        ExpectUnchangedOutsideResources(before, after);
+        if (std::string(c.label) == "grow past the raw size") {
+            // Each layout must have taken its own road.
+            auto old = pe::PeImage::Parse(before);
+            auto now = pe::PeImage::Parse(after);
+            const auto& o = old->Sections();
+            const auto& n = now->Sections();
+            switch (GetParam().layout) {
+            case Layout::kLast:
+                EXPECT_EQ(n.size(), o.size());
+                break;
+            case Layout::kReloc:
+                ASSERT_EQ(n.size(), o.size());
+                EXPECT_EQ(n.back().Name(), ".reloc");
+                EXPECT_GT(n.back().virtualAddress, o.back().virtualAddress);
+                EXPECT_EQ(now->Directory(pe::kBaseRelocDirectory).rva, n.back().virtualAddress);
+                break;
+            case Layout::kOther:
+            case Layout::kAbsent:
+                ASSERT_EQ(n.size(), o.size() + 1);
+                EXPECT_EQ(n.back().Name(), ".rsrc");
+                EXPECT_EQ(now->Directory(pe::kResourceDirectory).rva, n.back().virtualAddress);
+                break;
+            }
+        }
+
+        if (expected.empty())
+            continue; // windres refuses an image without resources
+        int status = 0;
+        std::string windres =
+            std::string(GetParam().arch == std::string("x64") ? "x86_64-w64-mingw32-windres"
+                                                              : "i686-w64-mingw32-windres") +
+            " -i " + path + " -O rc -o " + dir + "/out.rc 2>&1";
+        std::string message = RunCommand(windres, &status);
+        EXPECT_EQ(status, 0) << message;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, UpdateLayoutTest,
+    ::testing::Values(LayoutParam{Layout::kLast, "x64"}, LayoutParam{Layout::kLast, "x86"},
+                      LayoutParam{Layout::kReloc, "x64"}, LayoutParam{Layout::kReloc, "x86"},
+                      LayoutParam{Layout::kOther, "x64"}, LayoutParam{Layout::kOther, "x86"},
+                      LayoutParam{Layout::kAbsent, "x64"}, LayoutParam{Layout::kAbsent, "x86"}),
+    LayoutName);
+
+} // namespace
+} // namespace tervane::test
