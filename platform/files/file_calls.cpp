@@ -14,8 +14,8 @@
 
 #include "platform/files/file_bytes.h"
 #include "platform/files/file_replace.h"
+#include "platform/pe/resource_name_text.h"
 #include "platform/update/pending_files.h"
-#include "platform/update/utf_text.h"
 #include "platform/win32/last_error.h"
 
 namespace {
@@ -114,7 +114,7 @@ bool NextMatch(FindState& state, WIN32_FIND_DATAA* data) {
 }
 
 std::string NarrowPath(const char16_t* path) {
-    return update::Utf16ToUtf8(std::u16string_view(path));
+    return pe::Utf16ToUtf8(std::u16string_view(path));
 }
 
 // Copies through a temporary file, so that the target is never half-written.

@@ -1,7 +1,7 @@
 #pragma once
-// Reads an image's resource directory into the updater's tree, exactly:
-// stored names, code pages and data. Strict, since whatever it accepts is
-// written back: a malformed directory fails with ERROR_BAD_EXE_FORMAT.
+// The updater's view of an image's resources, read through the PE reader's
+// exact tree: stored names, code pages and data. Strict, since whatever it
+// accepts is written back: any damage fails with ERROR_BAD_EXE_FORMAT.
 #include "platform/pe/pe_image.h"
 #include "platform/update/resource_tree.h"
 

@@ -1,6 +1,6 @@
 #include "platform/update/resource_tree.h"
 
-#include "platform/update/utf_text.h"
+#include "platform/pe/resource_name_text.h"
 #include "platform/win32/last_error.h"
 
 namespace tervane::update {
@@ -84,7 +84,7 @@ Result<ResKey> KeyFromResName(const ResName& name) {
         return ResKey::Id(parsed.Ordinal());
     if (name.Name().empty())
         return Error{ERROR_INVALID_PARAMETER, "empty resource name"};
-    std::u16string wide = UpcaseUtf16(Utf8ToUtf16(name.Name()));
+    std::u16string wide = pe::UpcaseName(pe::Utf8ToUtf16(name.Name()));
     // A directory string is counted in 16 bits.
     if (wide.size() > 0xFFFF)
         return Error{ERROR_INVALID_PARAMETER, "resource name longer than 65535 characters"};
@@ -92,7 +92,7 @@ Result<ResKey> KeyFromResName(const ResName& name) {
 }
 
 ResName ResNameFromKey(const ResKey& key) {
-    return key.named ? ResName(Utf16ToUtf8(key.name)) : ResName(key.id);
+    return key.named ? ResName(pe::Utf16ToUtf8(key.name)) : ResName(key.id);
 }
 
 Blob MakeBlob(std::vector<std::uint8_t> bytes) {
