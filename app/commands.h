@@ -18,5 +18,7 @@ struct Command {
 // Defined in commands.cpp: the table that main dispatches on.
 const std::vector<Command>& Commands();
 
+int RunList(const Args& args);
+
 
 } // namespace tervane::app
