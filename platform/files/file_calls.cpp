@@ -31,6 +31,10 @@ bool FailErrno() {
     return Fail(files::Win32ErrorFromErrno(errno));
 }
 
+bool FailLookup(const char* path) {
+    return Fail(files::LookupError(path, errno));
+}
+
 bool Flush(const char* path) {
     if (auto error = update::FlushPendingFile(path))
         return Fail(error->code);
@@ -135,7 +139,7 @@ BOOL CopyFileA(const char* from, const char* to, BOOL failIfExists) {
     struct stat source {
     }, target{};
     if (::stat(from, &source) != 0)
-        return FailErrno();
+        return FailLookup(from);
     if (S_ISDIR(source.st_mode))
         return Fail(ERROR_ACCESS_DENIED);
     if (::stat(to, &target) == 0) {
@@ -158,7 +162,7 @@ BOOL MoveFileExA(const char* from, const char* to, DWORD flags) {
     struct stat source {
     }, target{};
     if (::lstat(from, &source) != 0)
-        return FailErrno();
+        return FailLookup(from);
     bool sameFile = false;
     if (::stat(to, &target) == 0) {
         sameFile = source.st_dev == target.st_dev && source.st_ino == target.st_ino;
@@ -190,7 +194,7 @@ BOOL DeleteFileA(const char* path) {
         return Fail(ERROR_INVALID_PARAMETER);
     struct stat info {};
     if (::lstat(path, &info) != 0)
-        return FailErrno();
+        return FailLookup(path);
     if (S_ISDIR(info.st_mode) || (S_ISREG(info.st_mode) && IsReadOnly(info)))
         return Fail(ERROR_ACCESS_DENIED);
     std::string canonical = tervane::files::CanonicalPath(path);
@@ -248,7 +252,7 @@ DWORD GetFileAttributesA(const char* path) {
     WIN32_FIND_DATAA data;
     struct stat info {};
     if (!path || ::stat(path, &info) != 0) {
-        path ? FailErrno() : Fail(ERROR_INVALID_PARAMETER);
+        path ? FailLookup(path) : Fail(ERROR_INVALID_PARAMETER);
         return INVALID_FILE_ATTRIBUTES;
     }
     Fill(&data, info, "");

@@ -40,6 +40,15 @@ std::string CanonicalPath(const std::string& path) {
     return path;
 }
 
+DWORD LookupError(const std::string& path, int error) {
+    if (error == ENOENT) {
+        struct stat info {};
+        if (::stat(SplitPath(path).first.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
+            return 3; // ERROR_PATH_NOT_FOUND
+    }
+    return Win32ErrorFromErrno(error);
+}
+
 mode_t PermissionsFor(const std::string& path) {
     struct stat info {};
     if (::stat(path.c_str(), &info) == 0)

@@ -18,6 +18,10 @@ std::string CanonicalPath(const std::string& path);
 // On any failure the target is untouched and the temporary file removed.
 std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mode_t mode);
 
+// The Win32 code for a failed look at path: a missing folder on the way is
+// ERROR_PATH_NOT_FOUND, a missing file ERROR_FILE_NOT_FOUND.
+DWORD LookupError(const std::string& path, int error);
+
 // The permission bits of an existing file, or of a new one (0666 less umask).
 mode_t PermissionsFor(const std::string& path);
 

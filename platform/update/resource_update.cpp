@@ -71,7 +71,7 @@ private:
 DWORD CheckWritable(const char* path) {
     struct stat info {};
     if (::stat(path, &info) != 0)
-        return files::Win32ErrorFromErrno(errno);
+        return files::LookupError(path, errno);
     if (!S_ISREG(info.st_mode) || !(info.st_mode & S_IWUSR) || ::access(path, W_OK) != 0)
         return ERROR_ACCESS_DENIED;
     return ERROR_SUCCESS;

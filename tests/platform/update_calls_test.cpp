@@ -1,0 +1,300 @@
+// The update calls' Win32 errors, the pending-file registry as the file calls
+// see it, and the images that need more than a resize: certificates,
+// appended data, headers without room, code pages.
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include "platform/files/file_bytes.h"
+#include "platform/files/file_calls.h"
+#include "platform/pe/pe_image.h"
+#include "platform/update/image_layout.h"
+#include "platform/update/pending_files.h"
+#include "platform/update/resource_reader.h"
+#include "platform/update/resource_update.h"
+#include "platform/win32/last_error.h"
+#include "platform/win32/system_messages.h"
+#include "tests/platform/update_test_support.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane::test {
+namespace {
+
+bool Put(const std::string& path, const ResName& type, const ResName& name, WORD language,
+         const std::string& data) {
+    HANDLE h = BeginUpdateResourceA(path.c_str(), FALSE);
+    if (!h)
+        return false;
+    if (!UpdateResourceA(h, type, name, language, data.empty() ? nullptr : data.data(),
+                         static_cast<DWORD>(data.size())))
+        return false;
+    return EndUpdateResourceA(h, FALSE) != FALSE;
+}
+
+std::string Copy(const std::string& fixture, const std::string& arch, const std::string& dir) {
+    std::string path = dir + "/" + fixture + "." + arch + ".dll";
+    WriteFile(path, ReadFile(FixturePath(fixture, arch)));
+    return path;
+}
+
+std::u16string Wide(const std::string& text) {
+    return std::u16string(text.begin(), text.end());
+}
+
+TEST(UpdateCalls, FailuresSetTheLastErrorThatWin32Sets) {
+    const std::string dir = TempDir();
+    const std::string good = Copy("sample", "x64", dir);
+    WriteFile(dir + "/empty.dll", {});
+    WriteFile(dir + "/text.dll", {'h', 'e', 'l', 'l', 'o'});
+    const std::string readOnly = Copy("sample", "x86", dir);
+    ::chmod(readOnly.c_str(), 0444);
+
+    struct BeginCase {
+        std::string path;
+        DWORD error;
+    } begins[] = {
+        {dir + "/missing.dll", ERROR_FILE_NOT_FOUND},
+        {dir + "/nofolder/x.dll", ERROR_PATH_NOT_FOUND},
+        {dir, ERROR_ACCESS_DENIED},
+        {readOnly, ERROR_ACCESS_DENIED},
+        {dir + "/empty.dll", ERROR_FILE_INVALID},
+        {dir + "/text.dll", ERROR_BAD_EXE_FORMAT},
+        {"", ERROR_INVALID_PARAMETER},
+    };
+    for (const BeginCase& c : begins) {
+        SetLastError(0);
+        EXPECT_EQ(BeginUpdateResourceA(c.path.c_str(), FALSE), nullptr) << c.path;
+        EXPECT_EQ(GetLastError(), c.error) << c.path;
+        EXPECT_TRUE(SystemMessageText(GetLastError())) << c.error;
+    }
+
+    HANDLE h = BeginUpdateResourceA(good.c_str(), FALSE);
+    ASSERT_NE(h, nullptr);
+    const char data[] = "x";
+    struct UpdateCase {
+        HANDLE handle;
+        ResName name;
+        const void* data;
+        DWORD size;
+        DWORD error;
+    } updates[] = {
+        {nullptr, ResName(1), data, 1, ERROR_INVALID_HANDLE},
+        {INVALID_HANDLE_VALUE, ResName(1), data, 1, ERROR_INVALID_HANDLE},
+        {h, ResName(1), nullptr, 5, ERROR_INVALID_PARAMETER},
+        {h, ResName(std::string()), data, 1, ERROR_INVALID_PARAMETER},
+    };
+    for (const UpdateCase& c : updates) {
+        SetLastError(0);
+        EXPECT_FALSE(UpdateResourceA(c.handle, RT_RCDATA, c.name, 0, c.data, c.size));
+        EXPECT_EQ(GetLastError(), c.error);
+    }
+    EXPECT_TRUE(EndUpdateResourceA(h, TRUE));
+    SetLastError(0);
+    EXPECT_FALSE(EndUpdateResourceA(h, FALSE)) << "a handle is closed by its first End";
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(update::HasPendingUpdates(good)) << "a discarded transaction left changes";
+}
+
+TEST(UpdateCalls, TransactionsStayInTheProcessUntilACallLooksAtTheFile) {
+    const std::string dir = TempDir();
+    const std::string path = Copy("sample", "x64", dir);
+    const std::vector<unsigned char> before = ReadFile(path);
+    const std::string big(20000, 'q');
+
+    // Each file call must see the updated content, or drop it with the file.
+    for (const std::string call : {"read", "copy", "find", "move", "delete"}) {
+        SCOPED_TRACE(call);
+        WriteFile(path, before);
+        ASSERT_TRUE(Put(path, RT_RCDATA, ResName(9), 0x409, big));
+        EXPECT_EQ(ReadFile(path), before) << "written before a call looked at it";
+        EXPECT_TRUE(update::HasPendingUpdates(path));
+        std::string seen;
+        if (call == "read") {
+            seen = path;
+            auto bytes = files::ReadFileBytes(path);
+            ASSERT_TRUE(bytes);
+            EXPECT_EQ(*bytes, ReadFile(path));
+        } else if (call == "copy") {
+            seen = dir + "/copy.dll";
+            ASSERT_TRUE(CopyFileA(path.c_str(), seen.c_str(), FALSE));
+        } else if (call == "find") {
+            seen = path;
+            WIN32_FIND_DATAA data;
+            HANDLE find = FindFirstFileA((dir + "/*.x64.dll").c_str(), &data);
+            ASSERT_NE(find, INVALID_HANDLE_VALUE);
+            EXPECT_EQ(data.nFileSizeLow, ReadFile(path).size());
+            EXPECT_TRUE(FindClose(find));
+        } else if (call == "move") {
+            seen = dir + "/moved.dll";
+            ASSERT_TRUE(MoveFileExA(path.c_str(), seen.c_str(),
+                                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED));
+        } else {
+            ASSERT_TRUE(DeleteFileA(path.c_str()));
+            EXPECT_FALSE(update::HasPendingUpdates(path));
+            EXPECT_EQ(GetFileAttributesA(path.c_str()), INVALID_FILE_ATTRIBUTES);
+            continue;
+        }
+        EXPECT_FALSE(update::HasPendingUpdates(path));
+        auto image = pe::PeImage::Parse(ReadFile(seen));
+        ASSERT_TRUE(image);
+        auto tree = update::ReadResourceTree(*image);
+        ASSERT_TRUE(tree);
+        const update::ResourceLeaf* leaf =
+            tree->Find(update::ResKey::Id(10), update::ResKey::Id(9), 0x409);
+        ASSERT_NE(leaf, nullptr);
+        EXPECT_EQ(std::string(leaf->data->begin(), leaf->data->end()), big);
+    }
+}
+
+TEST(UpdateCalls, ReadOnlyAttributeWrapsEachTransactionAsTheBackwardConversionDoes) {
+    const std::string dir = TempDir();
+    const std::string path = Copy("sample", "x86", dir);
+    const std::u16string wide = Wide(path);
+    ASSERT_EQ(_wchmod(wide.c_str(), _S_IREAD), 0);
+    EXPECT_NE(_waccess(wide.c_str(), 2), 0);
+    EXPECT_EQ(_waccess(wide.c_str(), 0), 0);
+    EXPECT_TRUE(GetFileAttributesA(path.c_str()) & FILE_ATTRIBUTE_READONLY);
+    SetLastError(0);
+    EXPECT_EQ(BeginUpdateResourceA(path.c_str(), FALSE), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_FALSE(DeleteFileA(path.c_str()));
+
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_EQ(_wchmod(wide.c_str(), _S_IWRITE), 0);
+        ASSERT_TRUE(Put(path, "TEXT", ResName(i + 1), 0x407, "v" + std::to_string(i)));
+        ASSERT_EQ(_wchmod(wide.c_str(), _S_IREAD), 0);
+    }
+    EXPECT_TRUE(update::HasPendingUpdates(path)) << "the permission calls wrote the file";
+    ASSERT_FALSE(update::FlushPendingFile(path));
+    struct stat info {};
+    ASSERT_EQ(::stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0444u) << "the rewrite lost the permission bits";
+    Dump dump = DumpResources(path);
+    int texts = 0;
+    for (const std::string& line : dump.resources)
+        texts += line.rfind("TEXT\t", 0) == 0;
+    EXPECT_EQ(texts, 3);
+}
+
+TEST(UpdateCalls, AFileChangedBehindTheRegistryIsNeitherOverwrittenNorMixedIn) {
+    const std::string dir = TempDir();
+    const std::string path = Copy("sample", "x64", dir);
+    ASSERT_TRUE(Put(path, RT_RCDATA, ResName(1), 0, "pending"));
+    // Another program replaces the file (a different size, so the stamp differs).
+    const std::vector<unsigned char> other = ReadFile(FixturePath("update_names", "x64"));
+    WriteFile(path, other);
+    auto error = update::FlushPendingFile(path);
+    EXPECT_TRUE(error);
+    EXPECT_EQ(ReadFile(path), other);
+    // The next transaction starts from what the disk holds.
+    ASSERT_TRUE(Put(path, RT_RCDATA, ResName(2), 0, "fresh"));
+    ASSERT_FALSE(update::FlushPendingFile(path));
+    auto image = pe::PeImage::Parse(ReadFile(path));
+    auto tree = update::ReadResourceTree(*image);
+    ASSERT_TRUE(tree);
+    EXPECT_EQ(tree->Find(update::ResKey::Id(10), update::ResKey::Id(1), 0), nullptr);
+    EXPECT_NE(tree->Find(update::ResKey::Id(10), update::ResKey::Id(2), 0), nullptr);
+    EXPECT_NE(tree->Find(update::ResKey::Id(10), update::ResKey::Name(u"A_B"), 0x409), nullptr);
+}
+
+// A certificate table at the end of the file, as signing tools append it.
+std::vector<unsigned char> WithCertificate(std::vector<unsigned char> bytes, std::size_t size) {
+    auto image = pe::PeImage::Parse(bytes);
+    while (bytes.size() % 8)
+        bytes.push_back(0);
+    std::size_t at = bytes.size();
+    std::vector<unsigned char> certificate(size, 0xCE);
+    certificate[0] = static_cast<unsigned char>(size);
+    certificate[1] = static_cast<unsigned char>(size >> 8);
+    bytes.insert(bytes.end(), certificate.begin(), certificate.end());
+    std::size_t entry = image->Offsets().dataDirectories + 4 * 8;
+    for (int i = 0; i < 4; ++i) {
+        bytes[entry + i] = static_cast<unsigned char>(at >> (8 * i));
+        bytes[entry + 4 + i] = static_cast<unsigned char>(size >> (8 * i));
+    }
+    return bytes;
+}
+
+TEST(UpdateCalls, AppendedDataStaysAtTheEndAndACertificateIsRemoved) {
+    const std::string dir = TempDir();
+    const std::string payload = "INSTALLER PAYLOAD";
+    for (const std::string arch : {"x64", "x86"}) {
+        SCOPED_TRACE(arch);
+        const std::string path = Copy("sample", arch, dir);
+        std::vector<unsigned char> bytes = ReadFile(path);
+        bytes.insert(bytes.end(), payload.begin(), payload.end());
+        const Dump plain = DumpResources(path);
+        WriteFile(path, WithCertificate(bytes, 264));
+        const Dump signedDump = DumpResources(path);
+        EXPECT_NE(signedDump.security, "0\t0");
+
+        ASSERT_TRUE(Put(path, RT_RCDATA, ResName(1), 0, std::string(5000, 'z')));
+        ASSERT_FALSE(update::FlushPendingFile(path));
+        Dump dump = DumpResources(path);
+        EXPECT_EQ(dump.security, "0\t0");
+        // The signing tool's padding to 8 bytes belongs to the appended data.
+        std::size_t padding = (8 - bytes.size() % 8) % 8;
+        EXPECT_EQ(dump.overlayHex, plain.overlayHex + Hex(payload) + std::string(2 * padding, '0'))
+            << "appended data lost, moved apart or the certificate kept";
+        EXPECT_TRUE(dump.checksumOk);
+    }
+}
+
+TEST(UpdateCalls, HeadersWithoutRoomForASectionFailCleanly) {
+    const std::string dir = TempDir();
+    const std::string path = BuildLayout(Layout::kAbsent, "x64", dir);
+    // Shrink the headers to the section table's end: a real limit that the
+    // linker only avoids by rounding up.
+    std::vector<unsigned char> bytes = ReadFile(path);
+    auto image = pe::PeImage::Parse(bytes);
+    ASSERT_TRUE(image);
+    std::uint32_t tableEnd = static_cast<std::uint32_t>(
+        image->Offsets().sectionTable + image->Sections().size() * pe::kSectionHeaderSize);
+    std::size_t field = image->Offsets().optionalHeader + 60;
+    for (int i = 0; i < 4; ++i)
+        bytes[field + i] = static_cast<unsigned char>(tableEnd >> (8 * i));
+    WriteFile(path, bytes);
+
+    HANDLE h = BeginUpdateResourceA(path.c_str(), FALSE);
+    ASSERT_NE(h, nullptr);
+    ASSERT_TRUE(UpdateResourceA(h, RT_RCDATA, ResName(1), 0, "a", 1));
+    SetLastError(0);
+    EXPECT_FALSE(EndUpdateResourceA(h, FALSE));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_DATA);
+    EXPECT_FALSE(update::FlushPendingFile(path));
+    EXPECT_EQ(ReadFile(path), bytes);
+}
+
+TEST(UpdateCalls, ReplacedResourcesKeepTheirCodePageAndNewOnesGetZero) {
+    const std::string dir = TempDir();
+    const std::string path = Copy("update_names", "x86", dir);
+    auto image = pe::PeImage::Parse(ReadFile(path));
+    auto tree = update::ReadResourceTree(*image);
+    ASSERT_TRUE(tree);
+    // Give every resource a code page, as Microsoft's compiler does.
+    update::ResourceTree withPages;
+    for (const auto& [type, names] : tree->Types())
+        for (const auto& [name, languages] : names)
+            for (const auto& [language, leaf] : languages)
+                withPages.Insert(type, name, language, {leaf.data, 1252});
+    auto bytes = update::RewriteImage(*image, withPages);
+    ASSERT_TRUE(bytes);
+    WriteFile(path, *bytes);
+
+    ASSERT_TRUE(Put(path, RT_RCDATA, "AB", 0x409, "replaced"));
+    ASSERT_TRUE(Put(path, RT_RCDATA, "NEW", 0x409, "added"));
+    ASSERT_FALSE(update::FlushPendingFile(path));
+    Dump dump = DumpResources(path);
+    std::vector<std::string> pages;
+    for (const std::string& line : dump.resources) {
+        auto fields = line.substr(0, line.rfind('\t'));
+        pages.push_back(fields);
+    }
+    EXPECT_NE(std::find(pages.begin(), pages.end(), "#10\tAB\t1033\t1252"), pages.end());
+    EXPECT_NE(std::find(pages.begin(), pages.end(), "#10\tAB\t1031\t1252"), pages.end());
+    EXPECT_NE(std::find(pages.begin(), pages.end(), "#10\tNEW\t1033\t0"), pages.end());
+}
+
+} // namespace
+} // namespace tervane::test
