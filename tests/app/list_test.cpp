@@ -1,0 +1,173 @@
+// `tervane list` against python3-pefile, an independent reader of the
+// resource directory, on every fixture, on a large generated file and on
+// names no resource compiler writes.
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+#include "platform/byte_reader.h"
+#include "platform/pe/pe_image.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane {
+namespace {
+
+std::string Tervane() {
+    return std::string(TERVANE_BINARY_DIR) + "/tervane";
+}
+
+std::string Quote(const std::string& path) {
+    return "'" + path + "'";
+}
+
+std::string ListJson(const std::string& path, int* status) {
+    return test::RunCommand(Tervane() + " list --json " + Quote(path) + " 2>/dev/null", status);
+}
+
+std::string PefileJson(const std::string& path) {
+    int status = -1;
+    std::string out = test::RunCommand(test::DebianPython() + " " + TERVANE_SOURCE_DIR +
+                                           "/tests/app/list_resources.py " + Quote(path),
+                                       &status);
+    EXPECT_EQ(status, 0) << path;
+    return out;
+}
+
+void ExpectSameAsPefile(const std::string& path) {
+    int status = -1;
+    std::string ours = ListJson(path, &status);
+    EXPECT_EQ(status, 0) << path;
+    EXPECT_EQ(ours, PefileJson(path)) << path;
+}
+
+TEST(List, MatchesPefileOnEveryFixture) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(TERVANE_FIXTURE_DIR)) {
+        if (entry.path().extension() != ".dll")
+            continue;
+        ExpectSameAsPefile(entry.path().string());
+        ++count;
+    }
+    EXPECT_GE(count, 4); // the reader's and the sample's fixtures at least, both widths
+}
+
+// Hundreds of resources in a dozen languages, with names in mixed order: the
+// directory the resource compiler sorts must come out exactly as stored.
+TEST(List, MatchesPefileOnALargeGeneratedFile) {
+    std::string dir = test::TempDir();
+    std::ofstream rc(dir + "/large.rc");
+    const int languages[] = {0x09, 0x07, 0x0C, 0x0A, 0x10, 0x13,
+                             0x16, 0x19, 0x11, 0x04, 0x12, 0x1D};
+    for (int language : languages) {
+        rc << "LANGUAGE " << language << ", 1\nSTRINGTABLE\nBEGIN\n";
+        for (int id = 0; id < 400; id += 3)
+            rc << "  " << id << " \"text " << id << " in " << language << "\"\n";
+        rc << "END\n";
+        for (int n = 0; n < 40; ++n)
+            rc << "NAME_" << (n * 7919) % 40 << "_X RCDATA { \"" << n << "\" }\n";
+    }
+    rc.close();
+    for (const auto& [arch, tools] :
+         {std::pair{"x64", "x86_64-w64-mingw32-"}, std::pair{"x86", "i686-w64-mingw32-"}}) {
+        std::string out = dir + "/large." + arch + ".dll";
+        int status = -1;
+        test::RunCommand(std::string(tools) + "windres --preprocessor=cpp " +
+                             Quote(dir + "/large.rc") + " -O coff -o " + Quote(dir + "/large.o") +
+                             " && " + tools + "ld -shared -e 0 " + Quote(dir + "/large.o") +
+                             " -o " + Quote(out),
+                         &status);
+        ASSERT_EQ(status, 0) << arch;
+        ExpectSameAsPefile(out);
+        std::string ours = ListJson(out, &status);
+        EXPECT_EQ(std::count(ours.begin(), ours.end(), '\n'), 12 * (25 + 40)) << arch;
+    }
+}
+
+// Overwrites the first units of the named entry "A-B" of the reader fixture.
+std::string WithName(const std::u16string& units, const std::string& file) {
+    auto bytes = test::ReadFile(test::FixturePath("reader", "x64"));
+    std::vector<std::uint8_t> image(bytes.begin(), bytes.end());
+    const std::uint8_t needle[] = {3, 0, 'A', 0, '-', 0, 'B', 0};
+    auto at = std::search(image.begin(), image.end(), std::begin(needle), std::end(needle));
+    EXPECT_NE(at, image.end());
+    for (std::size_t i = 0; i < units.size() && i < 3; ++i)
+        StoreU16LE(&*(at + 2 + 2 * static_cast<std::ptrdiff_t>(i)), units[i]);
+    std::string path = test::TempDir() + "/" + file;
+    test::WriteFile(path, {image.begin(), image.end()});
+    return path;
+}
+
+TEST(List, NamesNoCompilerWritesAreEscaped) {
+    struct Case {
+        std::u16string units;
+        std::string json;
+    };
+    const Case cases[] = {
+        {u"\xD800-B", "\"\\ud800-B\""}, // a lone high surrogate
+        {u"A\xDC00"
+         u"B",
+         "\"A\\udc00B\""},
+        {u"\xD83D\xDE00"
+         u"B",
+         "\"\xF0\x9F\x98\x80"
+         "B\""}, // a pair is one character
+        {u"\"\\B", "\"\\\"\\\\B\""},
+        {u"\n\x01\t", "\"\\n\\u0001\\t\""},
+        {u"\xE9\x20AC\x7F", "\"\xC3\xA9\xE2\x82\xAC\x7F\""},
+    };
+    int index = 0;
+    for (const Case& c : cases) {
+        std::string path = WithName(c.units, "name" + std::to_string(index++) + ".dll");
+        ExpectSameAsPefile(path);
+        int status = -1;
+        std::string ours = ListJson(path, &status);
+        EXPECT_NE(
+            ours.find("{\"type\": 10, \"name\": " + c.json + ", \"lang\": 1033, \"size\": 3}"),
+            std::string::npos)
+            << ours;
+    }
+}
+
+TEST(List, TableAndFailures) {
+    int status = -1;
+    std::string table =
+        test::RunCommand(Tervane() + " list " + Quote(test::FixturePath("reader", "x86")), &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(table.substr(0, table.find('\n')), "TYPE           NAME             LANG    SIZE");
+    EXPECT_NE(table.find("\n10 (RCDATA)    \" SPACED NAME \"  0x0409     6\n"), std::string::npos)
+        << table;
+    EXPECT_NE(table.find("\n21 resources\n"), std::string::npos);
+
+    std::string dir = test::TempDir();
+    test::WriteFile(dir + "/bad.dll", {'M', 'Z', 0, 0});
+    auto bytes = test::ReadFile(test::FixturePath("reader", "x64"));
+    // A root that claims 0xFFFF entries.
+    auto image = pe::PeImage::Parse({bytes.begin(), bytes.end()});
+    ASSERT_TRUE(image);
+    auto rva = image->Directory(pe::kResourceDirectory).rva;
+    const auto& section = image->Sections()[*image->SectionIndexForRva(rva)];
+    std::size_t root = section.pointerToRawData + (rva - section.virtualAddress);
+    bytes[root + 14] = bytes[root + 15] = 0xFF;
+    test::WriteFile(dir + "/hostile.dll", bytes);
+    struct Case {
+        std::string file;
+        std::string message;
+    };
+    const Case cases[] = {
+        {dir + "/missing.dll", "The system cannot find the file specified."},
+        {dir, "Access is denied."},
+        {dir + "/bad.dll", dir + "/bad.dll is not a valid Win32 application."},
+        {dir + "/hostile.dll", dir + "/hostile.dll is not a valid Win32 application."},
+    };
+    for (const Case& c : cases) {
+        for (const char* json : {"", "--json "}) {
+            std::string out = test::RunCommand(
+                Tervane() + " list " + json + Quote(c.file) + " 2>&1 >/dev/null", &status);
+            EXPECT_EQ(status, 1) << c.file;
+            EXPECT_EQ(out, "tervane list: " + c.file + ": " + c.message + "\n");
+        }
+    }
+}
+
+} // namespace
+} // namespace tervane
