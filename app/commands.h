@@ -19,6 +19,7 @@ struct Command {
 const std::vector<Command>& Commands();
 
 int RunList(const Args& args);
+int RunRes(const Args& args);
 
 
 } // namespace tervane::app

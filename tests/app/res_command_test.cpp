@@ -1,0 +1,103 @@
+// tervane res as a user runs it: round trips through put, get and delete, and
+// failures that print the system's message and leave the file as it was.
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "tests/support/fixtures.h"
+
+namespace tervane::test {
+namespace {
+
+const std::string kTervane = std::string(TERVANE_BINARY_DIR) + "/tervane";
+
+struct Outcome {
+    int status;
+    std::string out; // standard output, then standard error
+};
+
+Outcome Res(const std::string& arguments) {
+    int status = -1;
+    std::string out = RunCommand(kTervane + " res " + arguments + " 2>&1", &status);
+    return {status, out};
+}
+
+std::string Text(const std::vector<unsigned char>& bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(ResCommand, PutGetDeleteRoundTripOnBothArchitectures) {
+    const std::string dir = TempDir();
+    WriteFile(dir + "/data.bin", {'d', 'a', 't', 'a', 0, 1, 2});
+    for (const std::string arch : {"x64", "x86"}) {
+        SCOPED_TRACE(arch);
+        const std::string file = dir + "/sample." + arch + ".dll";
+        WriteFile(file, ReadFile(FixturePath("sample", arch)));
+        const std::string key = " --type BLOB --name note --lang 0x407";
+        ASSERT_EQ(Res("put " + file + key + " --data " + dir + "/data.bin").status, 0);
+        // Names are stored upper-cased: any case finds them again.
+        Outcome got = Res("get " + file + " --type blob --name NOTE --lang 1031");
+        EXPECT_EQ(got.status, 0);
+        EXPECT_EQ(got.out, Text(ReadFile(dir + "/data.bin")));
+        ASSERT_EQ(Res("get " + file + key + " -o " + dir + "/out.bin").status, 0);
+        EXPECT_EQ(ReadFile(dir + "/out.bin"), ReadFile(dir + "/data.bin"));
+
+        // An existing resource is replaced, numbers as the type and name: the
+        // German string block goes over the English one.
+        ASSERT_EQ(
+            Res("get " + file + " --type 6 --name 1 --lang 1031 -o " + dir + "/de.bin").status, 0);
+        ASSERT_EQ(
+            Res("put " + file + " --type 6 --name 1 --lang 1033 --data " + dir + "/de.bin").status,
+            0);
+        EXPECT_EQ(Res("get " + file + " --type 6 --name 1 --lang 1033").out,
+                  Text(ReadFile(dir + "/de.bin")));
+        EXPECT_EQ(Res("delete " + file + key).status, 0);
+        Outcome gone = Res("get " + file + key);
+        EXPECT_EQ(gone.status, 1);
+        EXPECT_NE(gone.out.find("The specified resource type cannot be found in the image file."),
+                  std::string::npos)
+            << gone.out;
+        int status = 0;
+        std::string windres = RunCommand(std::string(arch == "x64" ? "x86_64" : "i686") +
+                                             "-w64-mingw32-windres -i " + file + " -O rc 2>&1",
+                                         &status);
+        EXPECT_EQ(status, 0) << windres;
+    }
+}
+
+TEST(ResCommand, FailuresReportTheSystemMessageAndLeaveTheFileAlone) {
+    const std::string dir = TempDir();
+    const std::string file = dir + "/sample.dll";
+    const std::vector<unsigned char> original = ReadFile(FixturePath("sample", "x64"));
+    WriteFile(file, original);
+    WriteFile(dir + "/text.dll", {'M', 'Z', '?'});
+    const std::string key = " --type 6 --name 1 --lang 0x409";
+    struct Case {
+        std::string arguments;
+        int status;
+        std::string message;
+    } cases[] = {
+        {"get " + dir + "/missing.dll" + key, 1, "The system cannot find the file specified."},
+        {"put " + file + key + " --data " + dir + "/missing.bin", 1,
+         "The system cannot find the file specified."},
+        {"delete " + dir + "/text.dll" + key, 1, "is not a valid Win32 application."},
+        {"delete " + file + " --type 6 --name 1 --lang 0x40c", 1,
+         "The specified resource language ID cannot be found in the image file."},
+        {"delete " + file + " --type 6 --name 99 --lang 0x409", 1,
+         "The specified resource name cannot be found in the image file."},
+        {"get " + file + " --type 6 --name 1", 2, "--type, --name and --lang are required"},
+        {"get " + file + " --type 6 --name 70000 --lang 0", 2, "bad name"},
+        {"get " + file + " --type 6 --name 1 --lang 0xZZ", 2, "bad language"},
+        {"rename " + file + key, 2, "unknown action"},
+    };
+    for (const Case& c : cases) {
+        Outcome outcome = Res(c.arguments);
+        EXPECT_EQ(outcome.status, c.status) << c.arguments;
+        EXPECT_NE(outcome.out.find(c.message), std::string::npos) << c.arguments << "\n"
+                                                                  << outcome.out;
+        EXPECT_EQ(ReadFile(file), original) << c.arguments;
+    }
+}
+
+} // namespace
+} // namespace tervane::test
