@@ -50,6 +50,16 @@ constexpr std::uint32_t kHighBit = 0x80000000u;
 constexpr std::size_t kDirectoryHeaderSize = 16;
 constexpr std::size_t kEntrySize = 8;
 constexpr std::size_t kDataEntrySize = 16;
+// The loader maps a section's uninitialised tail lazily; we read it as zeros,
+// but only so far, so that a section that claims gigabytes costs nothing.
+constexpr std::uint64_t kMaxZeroTail = 1 << 20;   // for the directory
+constexpr std::uint64_t kMaxZeroFill = 16u << 20; // for one resource's data
+
+// Bytes of the section from offset on that the file holds.
+std::uint64_t BackedBytes(const SectionHeader& section, std::uint32_t offset) {
+    std::uint64_t rawEnd = std::min(section.sizeOfRawData, section.MappedSize());
+    return rawEnd > offset ? rawEnd - offset : 0;
+}
 
 std::string Hex(std::uint64_t value) {
     char text[24];
@@ -201,9 +211,13 @@ Result<ResourceTree> ReadResourceTree(const PeImage& image) {
         return Error{ERROR_RESOURCE_DATA_NOT_FOUND,
                      "the resource directory's RVA " + Hex(directory.rva) + " lies in no section"};
     // Offsets in the directory count from its root and stay inside its section.
-    std::vector<std::uint8_t> section = image.SectionContent(*index);
-    std::uint32_t skip = directory.rva - image.Sections()[*index].virtualAddress;
-    Bytes bytes = Bytes(section).subspan(std::min<std::size_t>(skip, section.size()));
+    const SectionHeader& section = image.Sections()[*index];
+    std::uint32_t skip = directory.rva - section.virtualAddress;
+    std::uint64_t length = std::min<std::uint64_t>(section.MappedSize() - skip,
+                                                   BackedBytes(section, skip) + kMaxZeroTail);
+    std::vector<std::uint8_t> view =
+        *image.ReadRva(directory.rva, static_cast<std::uint32_t>(length));
+    Bytes bytes(view);
 
     ResourceTree tree;
     tree.rva = directory.rva;
@@ -241,12 +255,23 @@ Result<ResourceTree> ReadSoundResourceTree(const PeImage& image) {
 
 Result<std::vector<std::uint8_t>> ReadResourceData(const PeImage& image,
                                                    const ResourceDataEntry& entry) {
-    auto bytes = image.ReadRva(entry.rva, entry.size);
-    if (!bytes)
+    auto notFound = [&] {
         return Error{ERROR_RESOURCE_DATA_NOT_FOUND, "resource data at RVA " + Hex(entry.rva) +
                                                         " of " + std::to_string(entry.size) +
                                                         " bytes lies in no section"};
-    return std::move(*bytes);
+    };
+    auto index = image.SectionIndexForRva(entry.rva);
+    if (!index)
+        return notFound();
+    const SectionHeader& section = image.Sections()[*index];
+    std::uint32_t offset = entry.rva - section.virtualAddress;
+    if (!InBounds(offset, entry.size, section.MappedSize()))
+        return notFound();
+    if (entry.size > BackedBytes(section, offset) + kMaxZeroFill)
+        return Error{ERROR_NOT_ENOUGH_MEMORY, "resource data at RVA " + Hex(entry.rva) +
+                                                  " asks for " + std::to_string(entry.size) +
+                                                  " bytes that the file does not hold"};
+    return std::move(*image.ReadRva(entry.rva, entry.size));
 }
 
 } // namespace tervane::pe

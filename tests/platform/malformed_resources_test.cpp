@@ -127,6 +127,12 @@ TEST(MalformedResources, DamageFailsTheStepThatMeetsIt) {
         {"data running past its section",
          [&](Layout& l) { set(l, l.Child(string1(l)) + 4, 0x10000000); }, load(RT_STRING, 1, 0x407),
          ERROR_RESOURCE_DATA_NOT_FOUND, find(RT_STRING, 1, 0x407)},
+        {"data asking for gigabytes the file does not hold",
+         [&](Layout& l) {
+             set(l, l.sectionHeader + 8, 0xF0000000);
+             set(l, l.Child(string1(l)) + 4, 0x80000000);
+         },
+         load(RT_STRING, 1, 0x407), ERROR_NOT_ENOUGH_MEMORY, load(RT_STRING, 1, 0x409)},
     };
     for (const std::string arch : {"x64", "x86"}) {
         for (const Case& c : cases) {
