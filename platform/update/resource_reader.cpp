@@ -17,6 +17,13 @@ ResKey KeyOf(const pe::ResourceId& id) {
 } // namespace
 
 Result<ResourceTree> ReadResourceTree(const pe::PeImage& image) {
+    // The directory is read as its whole section, zero tail included: a
+    // hostile virtual size must not turn into gigabytes of zeros.
+    constexpr std::uint32_t kMaxSection = 256u << 20;
+    pe::DataDirectory directory = image.Directory(pe::kResourceDirectory);
+    if (auto index = image.SectionIndexForRva(directory.rva);
+        directory.rva != 0 && index && image.Sections()[*index].MappedSize() > kMaxSection)
+        return Error{ERROR_BAD_EXE_FORMAT, "resource section larger than 256 MiB"};
     auto exact = pe::ReadSoundResourceTree(image);
     if (!exact) {
         if (exact.error().code == ERROR_RESOURCE_DATA_NOT_FOUND)

@@ -36,6 +36,7 @@ struct Layout {
 Result<Layout> Plan(const ResourceTree& tree) {
     const TypeMap& types = tree.Types();
     Layout layout;
+    bool empty = false;
     std::uint64_t leaves = 0, stringBytes = 0, dataBytes = 0;
     for (const auto& [type, nameMap] : types) {
         if (nameMap.size() > 0xFFFF)
@@ -48,8 +49,10 @@ Result<Layout> Plan(const ResourceTree& tree) {
             if (name.named)
                 stringBytes += 2 + 2 * std::uint64_t{name.name.size()};
             leaves += languages.size();
-            for (const auto& [language, leaf] : languages)
+            for (const auto& [language, leaf] : languages) {
                 dataBytes += Align(leaf.data->size(), 4);
+                empty = empty || leaf.data->empty();
+            }
         }
     }
     if (types.size() > 0xFFFF)
@@ -69,7 +72,9 @@ Result<Layout> Plan(const ResourceTree& tree) {
     layout.dataEntries = cursor;
     layout.strings = cursor + kDataEntry * leaves;
     layout.data = Align(layout.strings + stringBytes, 4);
-    layout.total = layout.data + dataBytes;
+    // An empty resource's RVA must still fall inside the section, where
+    // readers look it up, even when it is the last.
+    layout.total = layout.data + dataBytes + (empty ? 4 : 0);
     if (layout.total >= kHighBit)
         return TooLarge("larger than 2 GiB");
     return layout;
