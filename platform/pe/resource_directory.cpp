@@ -52,8 +52,8 @@ constexpr std::size_t kEntrySize = 8;
 constexpr std::size_t kDataEntrySize = 16;
 // The loader maps a section's uninitialised tail lazily; we read it as zeros,
 // but only so far, so that a section that claims gigabytes costs nothing.
-constexpr std::uint64_t kMaxZeroTail = 1 << 20;   // for the directory
-constexpr std::uint64_t kMaxZeroFill = 16u << 20; // for one resource's data
+constexpr std::uint64_t kMaxZeroTail = 64u << 10; // for the directory
+constexpr std::uint64_t kMaxZeroFill = 1u << 20;  // for one resource's data
 
 // Bytes of the section from offset on that the file holds.
 std::uint64_t BackedBytes(const SectionHeader& section, std::uint32_t offset) {

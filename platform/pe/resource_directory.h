@@ -103,7 +103,7 @@ Result<ResourceTree> ReadSoundResourceTree(const PeImage& image);
 // The resource's bytes, the uninitialised tail of its section read as zeros.
 // Fails with ERROR_RESOURCE_DATA_NOT_FOUND when the data does not lie inside
 // one section, and with ERROR_NOT_ENOUGH_MEMORY when it asks for more than
-// 16 MiB beyond what the file holds.
+// 1 MiB beyond what the file holds.
 Result<std::vector<std::uint8_t>> ReadResourceData(const PeImage& image,
                                                    const ResourceDataEntry& entry);
 
