@@ -79,12 +79,20 @@ const char* KnownType(std::uint16_t type) {
 }
 
 std::string TableId(const pe::ResourceId& id, bool isType) {
-    if (id.IsName())
-        return "\"" + pe::Utf16ToUtf8(id.Name()) + "\"";
-    std::string text = std::to_string(id.Ordinal());
-    if (isType)
-        if (const char* known = KnownType(id.Ordinal()))
-            text += std::string(" (") + known + ")";
+    std::string text;
+    if (id.IsName()) {
+        // GCC 12 warns wrongly on "\"" + std::string&& at -O3, hence appends.
+        text += '"';
+        text += pe::Utf16ToUtf8(id.Name());
+        text += '"';
+        return text;
+    }
+    text = std::to_string(id.Ordinal());
+    if (const char* known = isType ? KnownType(id.Ordinal()) : nullptr) {
+        text += " (";
+        text += known;
+        text += ')';
+    }
     return text;
 }
 
