@@ -25,7 +25,10 @@ struct Row {
 
 // The system's text for the code, with the file in place of %1.
 void ReportFailure(const std::string& path, DWORD code) {
-    std::string text = SystemMessageText(code).value_or("Error " + std::to_string(code) + ".");
+    char buffer[512];
+    DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                  nullptr, code, 0, buffer, sizeof buffer, nullptr);
+    std::string text = length ? std::string(buffer, length) : "Error " + std::to_string(code) + ".";
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
         text.pop_back();
     if (auto at = text.find("%1"); at != std::string::npos)
