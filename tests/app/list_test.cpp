@@ -1,6 +1,7 @@
 // `tervane list` against python3-pefile, an independent reader of the
 // resource directory, on every fixture, on a large generated file and on
 // names no resource compiler writes.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -81,6 +82,22 @@ TEST(List, MatchesPefileOnALargeGeneratedFile) {
         std::string ours = ListJson(out, &status);
         EXPECT_EQ(std::count(ours.begin(), ours.end(), '\n'), 12 * (25 + 40)) << arch;
     }
+}
+
+// Real files from elsewhere, where Debian's wine64 has put them: a sample of
+// them, and the two with the most languages.
+TEST(List, MatchesPefileOnWinesPeFiles) {
+    const std::filesystem::path dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    if (!std::filesystem::is_directory(dir))
+        GTEST_SKIP() << "wine64 is not installed";
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(dir))
+        files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    for (std::size_t i = 0; i < files.size(); ++i)
+        if (i % 10 == 0 || files[i].filename() == "shell32.dll" ||
+            files[i].filename() == "comctl32.dll")
+            ExpectSameAsPefile(files[i].string());
 }
 
 // Overwrites the first units of the named entry "A-B" of the reader fixture.
