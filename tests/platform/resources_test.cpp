@@ -225,6 +225,19 @@ TEST(Resources, VersionResourceMatchesTheResourceCompilers) {
     EXPECT_TRUE(ours == expected);
 }
 
+TEST(Resources, WalksAFileWithDozensOfLanguages) {
+    const std::string path = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows/shell32.dll";
+    Module module(path);
+    if (!module.handle)
+        GTEST_SKIP() << "wine64 is not installed";
+    auto walk = test::WalkResources(module.handle);
+    EXPECT_EQ(walk.firstError, 0u);
+    const auto& tree = **ModuleResourceTree(module.handle);
+    EXPECT_EQ(walk.seen.size(), tree.ResourceCount());
+    EXPECT_EQ(walk.data.size(), tree.ResourceCount());
+    EXPECT_GT(tree.ResourceCount(), 1000u);
+}
+
 TEST(Resources, StringsOfFilesLoadThroughLoadString) {
     Module module(test::FixturePath("reader", "x64"));
     char text[32];
