@@ -162,7 +162,9 @@ TEST(UpdateCalls, ReadOnlyAttributeWrapsEachTransactionAsTheBackwardConversionDo
 
     for (int i = 0; i < 3; ++i) {
         ASSERT_EQ(_wchmod(wide.c_str(), _S_IWRITE), 0);
-        ASSERT_TRUE(Put(path, "TEXT", ResName(i + 1), 0x407, "v" + std::to_string(i)));
+        std::string value(1, 'v');
+        value += std::to_string(i);
+        ASSERT_TRUE(Put(path, "TEXT", ResName(i + 1), 0x407, value));
         ASSERT_EQ(_wchmod(wide.c_str(), _S_IREAD), 0);
     }
     EXPECT_TRUE(update::HasPendingUpdates(path)) << "the permission calls wrote the file";
