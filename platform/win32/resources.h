@@ -20,7 +20,9 @@ inline constexpr DWORD LOAD_LIBRARY_AS_DATAFILE = 0x00000002;
 inline constexpr DWORD LOAD_LIBRARY_AS_IMAGE_RESOURCE = 0x00000020;
 inline constexpr DWORD LOAD_LIBRARY_AS_DATAFILE_EXCLUSIVE = 0x00000040;
 
-// The handle of this module, whose own resources are served through the same calls.
+// The handle of this module, whose own resources are served through the same
+// calls. A null module stands for it too, as null stands for the process's
+// own image on Windows.
 HMODULE TervaneModuleHandle();
 
 // Only loading as data is supported: without one of the data-file flags the
@@ -40,6 +42,10 @@ BOOL EnumResourceNamesA(HMODULE module, const ResName& type, ENUMRESNAMEPROCA pr
 BOOL EnumResourceLanguagesA(HMODULE module, const ResName& type, const ResName& name,
                             ENUMRESLANGPROCA proc, LONG_PTR param);
 
+// Names are upper-cased before the search and "#123" means 123. A language
+// falls back to its primary language with a neutral sublanguage, then to
+// neutral; FindResourceA asks for neutral, which takes the first language
+// stored when no neutral one is.
 HRSRC FindResourceA(HMODULE module, const ResName& name, const ResName& type);
 HRSRC FindResourceExA(HMODULE module, const ResName& type, const ResName& name, WORD language);
 HGLOBAL LoadResource(HMODULE module, HRSRC resource);
