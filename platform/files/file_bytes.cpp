@@ -25,6 +25,8 @@ DWORD Win32ErrorFromErrno(int error) {
     case ENOMEM:
         return ERROR_NOT_ENOUGH_MEMORY;
     case ENOSPC:
+    case EFBIG:
+    case EDQUOT:
         return ERROR_DISK_FULL;
     case EEXIST:
         return ERROR_FILE_EXISTS;

@@ -1,9 +1,15 @@
 // The update calls' Win32 errors, the pending-file registry as the file calls
 // see it, and the images that need more than a resize: certificates,
 // appended data, headers without room, code pages.
+#include <csignal>
+#include <cstdlib>
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 #include "platform/files/file_bytes.h"
@@ -198,6 +204,61 @@ TEST(UpdateCalls, AFileChangedBehindTheRegistryIsNeitherOverwrittenNorMixedIn) {
     EXPECT_EQ(tree->Find(update::ResKey::Id(10), update::ResKey::Id(1), 0), nullptr);
     EXPECT_NE(tree->Find(update::ResKey::Id(10), update::ResKey::Id(2), 0), nullptr);
     EXPECT_NE(tree->Find(update::ResKey::Id(10), update::ResKey::Name(u"A_B"), 0x409), nullptr);
+}
+
+// Runs body in a child process, which ends through exit(); its status.
+template <typename Body> int InChild(Body body) {
+    pid_t pid = ::fork();
+    if (pid == 0) {
+        body();
+        std::exit(0);
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Temporary files of the updater start with a dot: they count too.
+std::size_t EntriesIn(const std::string& dir) {
+    std::size_t count = 0;
+    DIR* d = ::opendir(dir.c_str());
+    while (dirent* e = ::readdir(d))
+        count += std::string(e->d_name) != "." && std::string(e->d_name) != "..";
+    ::closedir(d);
+    return count;
+}
+
+TEST(UpdateCalls, ANormalExitWritesPendingUpdatesAndAFailedWriteChangesNothing) {
+    const std::string dir = TempDir();
+    const std::string path = Copy("sample", "x64", dir);
+    const std::vector<unsigned char> before = ReadFile(path);
+
+    // The file grows past what the process may write: the flush fails.
+    int failed = InChild([&] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{before.size() + 100, before.size() + 100};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        if (!Put(path, RT_RCDATA, ResName(1), 0, std::string(8000, 'x')))
+            std::exit(2);
+        bool flushed = !update::FlushPendingFile(path);
+        update::DiscardPendingFile(path); // or the exit would try again
+        std::exit(flushed ? 0 : 1);
+    });
+    EXPECT_EQ(failed, 1);
+    EXPECT_EQ(ReadFile(path), before);
+    EXPECT_EQ(EntriesIn(dir), 1u) << "a temporary file was left behind";
+
+    // Nothing is written until the process ends, then everything.
+    ASSERT_EQ(InChild([&] {
+                  if (!Put(path, RT_RCDATA, ResName(1), 0, "at exit") || ReadFile(path) != before)
+                      std::exit(2);
+              }),
+              0);
+    auto image = pe::PeImage::Parse(ReadFile(path));
+    auto tree = update::ReadResourceTree(*image);
+    ASSERT_TRUE(tree);
+    EXPECT_NE(tree->Find(update::ResKey::Id(10), update::ResKey::Id(1), 0), nullptr);
+    EXPECT_EQ(EntriesIn(dir), 1u);
 }
 
 // A certificate table at the end of the file, as signing tools append it.
