@@ -135,7 +135,7 @@ struct LayoutParam {
 };
 
 std::string LayoutName(const ::testing::TestParamInfo<LayoutParam>& info) {
-    static const char* names[] = {"Last", "Reloc", "Other", "Absent"};
+    static const char* names[] = {"Last", "Reloc", "Other", "Absent", "Shared"};
     return std::string(names[static_cast<int>(info.param.layout)]) + "_" + info.param.arch;
 }
 
@@ -208,9 +208,17 @@ TEST_P(UpdateLayoutTest, EveryCaseGivesTheExpectedResourcesAndKeepsTheRest) {
                 break;
             case Layout::kOther:
             case Layout::kAbsent:
+            case Layout::kShared:
                 ASSERT_EQ(n.size(), o.size() + 1);
                 EXPECT_EQ(n.back().Name(), ".rsrc");
                 EXPECT_EQ(now->Directory(pe::kResourceDirectory).rva, n.back().virtualAddress);
+                // What code may refer to stays, the old tree included.
+                for (std::size_t i = 0; i < o.size(); ++i)
+                    EXPECT_TRUE(
+                        std::equal(before.begin() + o[i].pointerToRawData,
+                                   before.begin() + o[i].pointerToRawData + o[i].sizeOfRawData,
+                                   after.begin() + n[i].pointerToRawData))
+                        << o[i].Name();
                 break;
             }
         }
@@ -232,7 +240,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(LayoutParam{Layout::kLast, "x64"}, LayoutParam{Layout::kLast, "x86"},
                       LayoutParam{Layout::kReloc, "x64"}, LayoutParam{Layout::kReloc, "x86"},
                       LayoutParam{Layout::kOther, "x64"}, LayoutParam{Layout::kOther, "x86"},
-                      LayoutParam{Layout::kAbsent, "x64"}, LayoutParam{Layout::kAbsent, "x86"}),
+                      LayoutParam{Layout::kAbsent, "x64"}, LayoutParam{Layout::kAbsent, "x86"},
+                      LayoutParam{Layout::kShared, "x64"}, LayoutParam{Layout::kShared, "x86"}),
     LayoutName);
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "platform/pe/pe_image.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane::test {
@@ -30,8 +31,17 @@ std::string BuildLayout(Layout layout, const std::string& arch, const std::strin
     const std::string resources = std::string(TERVANE_FIXTURE_DIR) + "/update_names." + arch + ".o";
     const std::string out =
         dir + "/" + arch + "-" + std::to_string(static_cast<int>(layout)) + ".dll";
-    if (layout == Layout::kLast) {
+    if (layout == Layout::kLast || layout == Layout::kShared) {
         Run("cp " + FixturePath("update_names", arch) + " " + out);
+        if (layout == Layout::kShared) {
+            std::vector<unsigned char> bytes = ReadFile(out);
+            auto image = pe::PeImage::Parse(bytes);
+            std::size_t last = image->Sections().size() - 1;
+            std::size_t flags = image->Offsets().sectionTable + last * pe::kSectionHeaderSize + 36;
+            bytes[flags] |= 0x20;     // IMAGE_SCN_CNT_CODE
+            bytes[flags + 3] |= 0x20; // IMAGE_SCN_MEM_EXECUTE
+            WriteFile(out, bytes);
+        }
         return out;
     }
     // An absolute address in .data makes the linker emit base relocations.

@@ -13,6 +13,7 @@ enum class Layout {
     kReloc,  // code with absolute addresses: .rsrc followed by .reloc
     kOther,  // debug sections after .reloc: .rsrc followed by more than .reloc
     kAbsent, // code without resources
+    kShared, // the resource section marked as code: nothing in it may move
 };
 
 // Links an image of the layout from the update_names fixture's object.
