@@ -209,6 +209,8 @@ std::optional<Error> CheckRawData(const pe::PeImage& image) {
     return std::nullopt;
 }
 
+constexpr WORD kDefaultLanguage = MAKELANGID(0x09, SUBLANG_DEFAULT); // English (United States)
+
 constexpr DWORD kDataFileFlags =
     LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_DATAFILE_EXCLUSIVE | LOAD_LIBRARY_AS_IMAGE_RESOURCE;
 
@@ -378,15 +380,20 @@ HRSRC FindResourceExA(HMODULE module, const ResName& type, const ResName& name, 
     if (!found)
         return nullptr;
     // An exact language, then its primary language with a neutral
-    // sublanguage, then neutral. Neutral itself, as FindResourceA asks,
-    // settles for the first language stored, as the loader's list ends there.
-    const WORD candidates[] = {language, MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL),
-                               MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL)};
+    // sublanguage, then neutral. A language with a neutral primary (what
+    // FindResourceA asks for) goes on to the user's and the system's
+    // language, which are English (United States) here, then to English, and
+    // at last to the first language stored.
+    std::vector<WORD> candidates = {language, MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL),
+                                    MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL)};
+    const bool neutral = PRIMARYLANGID(language) == LANG_NEUTRAL;
+    if (neutral)
+        candidates.insert(candidates.end(), {kDefaultLanguage, PRIMARYLANGID(kDefaultLanguage)});
     std::optional<std::size_t> match;
     for (WORD candidate : candidates)
         if ((match = FindLanguage(*found, candidate)))
             break;
-    if (!match && language == 0 && !found->languages.empty())
+    if (!match && neutral && !found->languages.empty())
         match = 0;
     if (!match) {
         SetLastError(found->damage ? found->damage->code : ERROR_RESOURCE_LANG_NOT_FOUND);

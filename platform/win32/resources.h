@@ -44,8 +44,9 @@ BOOL EnumResourceLanguagesA(HMODULE module, const ResName& type, const ResName& 
 
 // Names are upper-cased before the search and "#123" means 123. A language
 // falls back to its primary language with a neutral sublanguage, then to
-// neutral; FindResourceA asks for neutral, which takes the first language
-// stored when no neutral one is.
+// neutral. A language with a neutral primary (FindResourceA asks for
+// neutral) goes on to English (United States), the user's language here,
+// then to English, then to the first language stored.
 HRSRC FindResourceA(HMODULE module, const ResName& name, const ResName& type);
 HRSRC FindResourceExA(HMODULE module, const ResName& type, const ResName& name, WORD language);
 HGLOBAL LoadResource(HMODULE module, HRSRC resource);

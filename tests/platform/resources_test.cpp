@@ -51,6 +51,8 @@ TEST(Resources, EnumeratesInWin32Order) {
                                                "10/AB/1031",
                                                "10/AB/1033",
                                                "10/A_B/1033",
+                                               "10/F/1031",
+                                               "10/F/1036",
                                                "10/\xC3\x96/1033",
                                                "10/\xC3\xB6/1033",
                                                "10/1/1033",
@@ -66,7 +68,7 @@ TEST(Resources, EnumeratesInWin32Order) {
         ASSERT_EQ(walk.data.size(), expected.size()) << path;
         // A name the resource compiler left in lower case is looked up in
         // upper case, as on Windows: "ö" reaches "Ö".
-        EXPECT_EQ(walk.data[16], "O umlaut") << path;
+        EXPECT_EQ(walk.data[18], "O umlaut") << path;
         EXPECT_EQ(walk.data[0], "mytype named") << path;
     }
 }
@@ -105,8 +107,14 @@ TEST(Resources, FindsAsWin32Does) {
         {RT_RCDATA, "A", 0x0000, "A neutral"},
         {RT_RCDATA, "AB", 0x0809, "error 1815"},
         {RT_RCDATA, "AB", 0x040C, "error 1815"},
-        // Neutral asked where none is stored: the first language stored.
-        {RT_RCDATA, "AB", 0x0000, "AB de"},
+        // Neutral, or the user's default, goes on to English, then to the
+        // first language stored.
+        {RT_RCDATA, "AB", 0x0000, "AB en"},
+        {RT_RCDATA, "AB", 0x0400, "AB en"},
+        {RT_RCDATA, "AB", 0x0800, "AB en"},
+        {RT_RCDATA, "F", 0x0000, "F de"},
+        {RT_RCDATA, "F", 0x040C, "F fr"},
+        {RT_RCDATA, "F", 0x0409, "error 1815"},
     };
     for (const auto& path : test::FixtureImages("reader")) {
         Module module(path);
@@ -118,7 +126,7 @@ TEST(Resources, FindsAsWin32Does) {
         // FindResourceA asks for the neutral language.
         HRSRC found = FindResourceA(module.handle, "AB", RT_RCDATA);
         ASSERT_TRUE(found);
-        EXPECT_EQ(found, FindResourceExA(module.handle, RT_RCDATA, "AB", 0x407));
+        EXPECT_EQ(found, FindResourceExA(module.handle, RT_RCDATA, "AB", 0x409));
     }
 }
 
@@ -241,9 +249,9 @@ TEST(Resources, WalksAFileWithDozensOfLanguages) {
 TEST(Resources, StringsOfFilesLoadThroughLoadString) {
     Module module(test::FixturePath("reader", "x64"));
     char text[32];
-    // FindResourceA asks for neutral and takes the first stored: German.
-    EXPECT_EQ(LoadStringA(module.handle, 1, text, sizeof text), 4);
-    EXPECT_STREQ(text, "eins");
+    // FindResourceA asks for neutral and settles for English before German.
+    EXPECT_EQ(LoadStringA(module.handle, 1, text, sizeof text), 3);
+    EXPECT_STREQ(text, "one");
     EXPECT_EQ(LoadStringA(module.handle, 17, text, sizeof text), 9);
     EXPECT_STREQ(text, "seventeen");
 }
