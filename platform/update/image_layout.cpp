@@ -137,8 +137,10 @@ Result<ImagePlan> PlanImage(const pe::PeImage& image, std::uint32_t treeSize) {
     const auto& sections = image.Sections();
     const std::uint64_t fileSize = image.FileBytes().size();
     pe::DataDirectory dir = image.Directory(pe::kResourceDirectory);
+    // A directory of size 0 is none, as the readers see it: whatever its RVA
+    // points at belongs to something else.
     std::optional<std::size_t> index;
-    if (dir.rva != 0)
+    if (dir.rva != 0 && dir.size != 0)
         index = image.SectionIndexForRva(dir.rva);
     if (!index)
         return treeSize <= 16 ? Result<ImagePlan>(ImagePlan{}) : PlanAppend(image, treeSize);
