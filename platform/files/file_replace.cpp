@@ -79,6 +79,11 @@ std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mo
         }
         written += static_cast<std::size_t>(got);
     }
+    // Keep the owner where we may (as root); elsewhere the new file is ours,
+    // as on any rewrite.
+    struct stat old {};
+    if (::stat(path.c_str(), &old) == 0 && ::fchown(fd, old.st_uid, old.st_gid) != 0)
+        errno = 0;
     // The rename below is what makes the new content visible; it must not
     // become visible before the content itself is on the disk.
     if (::fchmod(fd, mode) != 0 || ::fsync(fd) != 0)
