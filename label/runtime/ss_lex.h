@@ -1,0 +1,55 @@
+#pragma once
+// The scan loop: longest match over the current expression list, with one
+// level of memory (the last accepting state passed decides).
+#include <cstdint>
+
+#include "label/runtime/ss_exception.h"
+#include "label/runtime/ss_lex_consumer.h"
+#include "label/runtime/ss_lex_lexeme.h"
+#include "label/runtime/ss_lex_table.h"
+#include "label/runtime/ss_lifo.h"
+
+namespace tervane {
+
+class SSLex : public SSExceptionPresent {
+public:
+    // Neither is owned; the caller keeps both alive while the lexer runs.
+    SSLex(SSLexConsumer* consumer, const SSLexTable* table);
+    SSLex(const SSLex&) = delete;
+    SSLex& operator=(const SSLex&) = delete;
+
+    // The next lexeme with count 0, or null at the end of the input.
+    SSLexLexeme* nextLexeme();
+    void setConsumer(SSLexConsumer* consumer) { consumer_ = consumer; }
+
+    virtual SSLexLexeme* invalidToken(SSLexConsumer& consumer);
+    virtual const char* tokenName(std::uint32_t token);
+    virtual SSLexLexeme* ignoreLexeme(SSLexConsumer& consumer, std::uint32_t token,
+                                      const SSLexMark& mark);
+    virtual SSLexLexeme* completeLexeme(SSLexConsumer& consumer, std::uint32_t token,
+                                        const SSLexMark& mark);
+    virtual void keywordLookup(SSLexLexeme& lexeme, std::uint32_t keywordIndex,
+                               std::uint32_t consumerType);
+    virtual ~SSLex() = default;
+
+    SSLexConsumer* consumer() const { return consumer_; }
+    const SSLexTable* table() const { return table_; }
+    std::uint32_t state() const { return state_; }
+    std::uint32_t lexemeCount() const { return lexemeCount_; }
+    std::size_t listDepth() const { return listStack_.count(); }
+    const SSLexExpressionList* currentList() const { return currentList_; }
+    const SSLexMark& contextMark() const { return contextMark_; }
+
+private:
+    void changeLists(const SSLexFinalState& accepted);
+
+    const SSLexTable* table_;
+    std::uint32_t state_ = 0;
+    SSLexConsumer* consumer_;
+    std::uint32_t lexemeCount_ = 0;
+    const SSLexExpressionList* currentList_ = nullptr;
+    SSLifo<const SSLexExpressionList*> listStack_{32, 32};
+    SSLexMark contextMark_;
+};
+
+} // namespace tervane

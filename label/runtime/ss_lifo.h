@@ -1,0 +1,116 @@
+#pragma once
+// The runtime's growing stack and its unsorted set.
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "label/runtime/ss_exception.h"
+
+namespace tervane {
+
+template <typename T> class SSLifo : public SSExceptionPresent {
+public:
+    // growth 0 makes a stack of fixed size.
+    SSLifo(std::size_t capacity, std::size_t growth) : growth_(growth) { reserve(capacity); }
+
+    void push(T item) {
+        if (count_ + 1 > capacity_) {
+            if (growth_ == 0)
+                raise(ss_error::kStackFull, "SSLifo0001e: Stack full");
+            reserve(capacity_ + growth_);
+        }
+        items_[count_++] = std::move(item);
+    }
+    T& top() {
+        if (count_ == 0)
+            raise(ss_error::kNoTop, "SSLifo0002e: No top, stack empty");
+        return items_[count_ - 1];
+    }
+    // Popped slots are cleared, so that a stack of references lets go at once.
+    void pop(std::size_t n = 1) {
+        if (n > count_)
+            raise(ss_error::kPopEmpty, "SSLifo0004e: Cannot pop empty stack");
+        for (std::size_t i = 0; i < n; ++i)
+            items_[--count_] = T{};
+    }
+    // The item i places below the top.
+    T& at(std::size_t i) {
+        if (i >= count_)
+            raise(ss_error::kInvalidIndex, "SSLifo0003e: Invalid index");
+        return items_[count_ - 1 - i];
+    }
+
+    std::size_t count() const { return count_; }
+    std::size_t capacity() const { return capacity_; }
+    std::size_t growth() const { return growth_; }
+
+private:
+    void reserve(std::size_t capacity) {
+        std::unique_ptr<T[]> items;
+        try {
+            items.reset(new T[capacity]);
+        } catch (const std::bad_alloc&) {
+            throw SSExceptionOutOfStorage();
+        }
+        for (std::size_t i = 0; i < count_; ++i)
+            items[i] = std::move(items_[i]);
+        items_ = std::move(items);
+        capacity_ = capacity;
+    }
+
+    std::size_t growth_;
+    std::size_t count_ = 0;
+    std::unique_ptr<T[]> items_;
+    std::size_t capacity_ = 0;
+};
+
+class SSSetArray : public SSExceptionPresent {
+public:
+    SSSetArray(std::size_t capacity, std::size_t growth) : growth_(growth), capacity_(capacity) {
+        allocate(capacity);
+    }
+
+    // A value already present is not added again.
+    void add(std::uint32_t value) {
+        if (contains(value))
+            return;
+        if (count_ == capacity_) {
+            if (growth_ == 0)
+                raise(ss_error::kSetFull, "SSSetArray0001e: Set full");
+            allocate(capacity_ + growth_);
+            capacity_ += growth_;
+        }
+        items_[count_++] = value;
+    }
+    bool contains(std::uint32_t value) const {
+        for (std::size_t i = 0; i < count_; ++i)
+            if (items_[i] == value)
+                return true;
+        return false;
+    }
+    void clear() { count_ = 0; }
+    std::size_t count() const { return count_; }
+    bool empty() const { return count_ == 0; }
+
+private:
+    void allocate(std::size_t capacity) {
+        std::unique_ptr<std::uint32_t[]> items;
+        try {
+            items.reset(new std::uint32_t[capacity]);
+        } catch (const std::bad_alloc&) {
+            throw SSExceptionOutOfStorage();
+        }
+        for (std::size_t i = 0; i < count_; ++i)
+            items[i] = items_[i];
+        items_ = std::move(items);
+    }
+
+    std::size_t growth_;
+    std::unique_ptr<std::uint32_t[]> items_;
+    std::size_t capacity_;
+    std::size_t count_ = 0;
+};
+
+} // namespace tervane

@@ -1,0 +1,107 @@
+#pragma once
+// The shift-reduce parser. A grammar derives from SSYacc, makes its own stack
+// elements in stackElement() and does its work in reduce().
+#include <cstdint>
+#include <memory>
+
+#include "label/runtime/ss_exception.h"
+#include "label/runtime/ss_lex.h"
+#include "label/runtime/ss_lex_lexeme.h"
+#include "label/runtime/ss_lifo.h"
+#include "label/runtime/ss_ref.h"
+#include "label/runtime/ss_yacc_table.h"
+
+namespace tervane {
+
+class SSYaccStackElement : public SSRefCount, public SSExceptionPresent {
+public:
+    SSYaccStackElement() = default;
+    void destroy() override { delete this; }
+    ~SSYaccStackElement() override = default;
+
+    std::uint32_t state = 0;   // the parser state entered when it was pushed
+    SSRef<SSLexLexeme> lexeme; // empty for a non-terminal
+};
+
+// Lexemes read ahead of the parser.
+class SSYaccLookaheadQueue {
+public:
+    void add(SSLexLexeme* lexeme);
+    // The entry at head, or empty when the queue is.
+    SSRef<SSLexLexeme> take();
+    SSLexLexeme* at(std::uint32_t position) const;
+    std::uint32_t count() const { return count_; }
+
+private:
+    std::unique_ptr<SSRef<SSLexLexeme>[]> items_;
+    std::uint32_t capacity_ = 0;
+    std::uint32_t tail_ = 0;
+    std::uint32_t head_ = 0;
+    std::uint32_t count_ = 0;
+};
+
+class SSYacc : public SSExceptionPresent {
+public:
+    // Neither is owned; the caller keeps both alive while the parser runs.
+    SSYacc(SSLex* lex, const SSYaccTable* table);
+    SSYacc(const SSYacc&) = delete;
+    SSYacc& operator=(const SSYacc&) = delete;
+
+    // 0 after an accepted input without error, otherwise not 0. Runtime
+    // errors are thrown as SSException.
+    int parse();
+
+    virtual bool wasError() { return errorSeen_; }
+    virtual SSLexLexeme* nextLexeme();
+    virtual SSYaccStackElement* stackElement();
+    virtual SSYaccStackElement* shift(SSLexLexeme* lexeme);
+    virtual int lookaheadRead(SSLexLexeme* lexeme);
+    virtual int error(std::uint32_t state, SSLexLexeme* lookahead);
+    virtual SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) = 0;
+    virtual int lookaheadError(std::uint32_t state, SSLexLexeme* lookahead,
+                               SSLexLexeme* conflictLexeme);
+    virtual ~SSYacc() = default;
+
+    // Inside reduce: the element of right-hand symbol index, 0 the leftmost.
+    SSYaccStackElement* elementFromProduction(std::int32_t index);
+
+    void setLex(SSLex* lex) { lex_ = lex; }
+    SSLex* lex() const { return lex_; }
+    const SSYaccTable* table() const { return table_; }
+    std::uint32_t state() const { return state_; }
+    std::uint32_t production() const { return production_; }
+    std::uint32_t productionSize() const { return productionSize_; }
+    std::uint32_t lhs() const { return lhs_; }
+    bool eofSeen() const { return eofSeen_; }
+    SSLexLexeme* lookahead() const { return lookahead_.get(); }
+    SSYaccStackElement* result() const { return result_.get(); }
+    std::size_t stackDepth() const { return stack_.count(); }
+
+private:
+    void findAction(std::uint32_t state, std::uint32_t token);
+    bool readLookahead(bool setAction);
+    bool resolveLookahead();
+
+    SSLex* lex_;
+    const SSLexExpressionList* lookaheadList_ = nullptr;
+    const SSYaccTable* table_;
+    bool errorSeen_ = false;
+    bool abort_ = false;
+    std::uint32_t state_ = 0;
+    std::uint32_t shiftsSinceError_ = 0;
+    SSRef<SSLexLexeme> lookahead_;
+    bool eofSeen_ = false;
+    std::uint32_t production_ = 0;
+    SSRef<SSLexLexeme> conflictLexeme_;
+    std::uint32_t productionSize_ = 0;
+    SSYaccLookaheadQueue queue_;
+    SSLifo<SSRef<SSYaccStackElement>> stack_{64, 64};
+    SSYaccAction action_ = SSYaccAction::error;
+    std::uint32_t queuePosition_ = 0;
+    std::uint32_t lhs_ = 0;
+    SSRef<SSLexLexeme> eofLexeme_;
+    SSRef<SSYaccStackElement> current_;
+    SSRef<SSYaccStackElement> result_;
+};
+
+} // namespace tervane
