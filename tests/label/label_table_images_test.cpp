@@ -94,8 +94,9 @@ TEST(LabelTableImages, LexerRowsAreWellFormed) {
                     const std::uint32_t high = Word(image, row + 8 + 12 * t);
                     const std::uint32_t next = Word(image, row + 12 + 12 * t);
                     EXPECT_LE(low, high);
-                    if (t > 0)
+                    if (t > 0) {
                         EXPECT_GT(low, previousHigh);
+                    }
                     previousHigh = high;
                     EXPECT_LT(next, states);
                     if (low == 0xFFFFFFFF) {
