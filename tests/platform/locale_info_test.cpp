@@ -1,0 +1,104 @@
+#include "platform/locale/locale_info.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/win32/last_error.h"
+
+namespace {
+
+struct Expected {
+    LCID locale;
+    int ansi;
+    int oem;
+};
+
+std::string Ask(LCID locale, LCTYPE type) {
+    char buffer[6] = {'x', 'x', 'x', 'x', 'x', 'x'};
+    SetLastError(0);
+    const int written = GetLocaleInfoA(locale, type, buffer, sizeof buffer);
+    if (written == 0)
+        return "fail " + std::to_string(GetLastError());
+    EXPECT_EQ(buffer[written - 1], '\0');
+    EXPECT_EQ(static_cast<std::size_t>(written), std::char_traits<char>::length(buffer) + 1);
+    return buffer;
+}
+
+TEST(LocaleInfo, CodePagesOfKnownLanguages) {
+    const Expected cases[] = {
+        {0x0409, 1252, 437}, {0x0809, 1252, 850}, {0x0C09, 1252, 850}, {0x1C09, 1252, 437},
+        {0x0407, 1252, 850}, {0x040C, 1252, 850}, {0x0410, 1252, 850}, {0x0C0A, 1252, 850},
+        {0x0416, 1252, 850}, {0x0413, 1252, 850}, {0x0406, 1252, 850}, {0x040F, 1252, 850},
+        {0x0411, 932, 932},  {0x0804, 936, 936},  {0x1004, 936, 936},  {0x0404, 950, 950},
+        {0x0C04, 950, 950},  {0x1404, 950, 950},  {0x0412, 949, 949},  {0x041E, 874, 874},
+        {0x0401, 1256, 720}, {0x0429, 1256, 720}, {0x0420, 1256, 720}, {0x040D, 1255, 862},
+        {0x0408, 1253, 737}, {0x041F, 1254, 857}, {0x042C, 1254, 857}, {0x082C, 1251, 866},
+        {0x0425, 1257, 775}, {0x0426, 1257, 775}, {0x0427, 1257, 775}, {0x042A, 1258, 1258},
+        {0x0405, 1250, 852}, {0x0415, 1250, 852}, {0x040E, 1250, 852}, {0x041A, 1250, 852},
+        {0x0419, 1251, 866}, {0x0422, 1251, 866}, {0x0402, 1251, 866}, {0x1C1A, 1251, 855},
+        {0x0C1A, 1251, 855}, {0x081A, 1250, 852}, {0x0439, 0, 1},      {0x0445, 0, 1},
+        {0x0437, 0, 1},      {0x042B, 0, 1},      {0x0449, 0, 1},      {0x045E, 0, 1},
+        {0x0011, 932, 932},  {0x7C04, 950, 950},  {0x0019, 1251, 866},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.locale);
+        EXPECT_EQ(Ask(c.locale, LOCALE_IDEFAULTANSICODEPAGE), std::to_string(c.ansi));
+        EXPECT_EQ(Ask(c.locale, LOCALE_IDEFAULTCODEPAGE), std::to_string(c.oem));
+    }
+}
+
+TEST(LocaleInfo, NeutralAliasesAndUnknownIdentifiers) {
+    const std::pair<LCID, std::string> cases[] = {
+        {0x0000, "1252"}, // the user's locale, en-US here
+        {LOCALE_USER_DEFAULT, "1252"},
+        {LOCALE_SYSTEM_DEFAULT, "1252"},
+        {LOCALE_INVARIANT, "1252"},
+        {0x0001 | (0x3F << 10), "fail 87"}, // no such sublanguage
+        {0x0C00 | 0x0040, "fail 87"},
+        {0x0069, "fail 87"}, // primary language without a locale
+        {0x0409 | (0x3E << 10), "fail 87"},
+        {0x0200, "fail 87"}, // LANG_NEUTRAL with a sublanguage that is not an alias
+        {0x3FF, "fail 87"},
+        {0xFFFF, "fail 87"},
+        {0x00010409, "fail 87"}, // a sort that the system never asks for
+    };
+    for (const auto& [locale, expected] : cases) {
+        SCOPED_TRACE(locale);
+        EXPECT_EQ(Ask(locale, LOCALE_IDEFAULTANSICODEPAGE), expected);
+    }
+    EXPECT_EQ(Ask(LOCALE_INVARIANT, LOCALE_IDEFAULTCODEPAGE), "437");
+    EXPECT_EQ(Ask(0x0409, 0x0002), "fail 1004");
+    EXPECT_EQ(Ask(0x0411, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_NOUSEROVERRIDE), "932");
+}
+
+TEST(LocaleInfo, BufferSizes) {
+    // The value 1252 needs 5 chars with its NUL.
+    struct Case {
+        int size;
+        int result;
+        DWORD error;
+    };
+    const Case cases[] = {{0, 5, 0},
+                          {4, 0, ERROR_INSUFFICIENT_BUFFER},
+                          {5, 5, 0},
+                          {6, 5, 0},
+                          {1, 0, ERROR_INSUFFICIENT_BUFFER}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.size);
+        char buffer[8] = "zzzzzzz";
+        SetLastError(0);
+        EXPECT_EQ(
+            GetLocaleInfoA(0x0409, LOCALE_IDEFAULTANSICODEPAGE, c.size ? buffer : nullptr, c.size),
+            c.result);
+        EXPECT_EQ(GetLastError(), c.error);
+        if (c.result > 0 && c.size > 0) {
+            EXPECT_STREQ(buffer, "1252");
+        }
+    }
+    SetLastError(0);
+    EXPECT_EQ(GetLocaleInfoA(0x0409, LOCALE_IDEFAULTANSICODEPAGE, nullptr, 6), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+}
+
+} // namespace
