@@ -88,8 +88,14 @@ Result<ImagePlan> PlanAppend(const pe::PeImage& image, std::uint32_t treeSize) {
     for (const pe::SectionHeader& s : sections)
         if (s.sizeOfRawData && s.pointerToRawData)
             firstRaw = std::min<std::uint64_t>(firstRaw, s.pointerToRawData);
-    if (sections.size() + 1 > pe::kMaxSections || tableEnd > firstRaw)
+    if (sections.size() + 1 > pe::kMaxSections || tableEnd > firstRaw ||
+        tableEnd > image.FileBytes().size())
         return Error{ERROR_INVALID_DATA, "no room in the headers for another section header"};
+    // Linkers may keep data behind the table (bound imports): never overwrite it.
+    Bytes slot =
+        image.FileBytes().subspan(tableEnd - pe::kSectionHeaderSize, pe::kSectionHeaderSize);
+    if (std::any_of(slot.begin(), slot.end(), [](std::uint8_t b) { return b != 0; }))
+        return Error{ERROR_INVALID_DATA, "the room for another section header is in use"};
     std::uint64_t rva = ImageEnd(sections, image.SectionAlignment(), image.SizeOfHeaders());
     if (rva + Align(treeSize, image.SectionAlignment()) > kMaxFile)
         return BadImage("the image would outgrow 4 GiB");
