@@ -1,0 +1,131 @@
+#include "label/runtime/ss_lex.h"
+
+namespace tervane {
+
+SSLex::SSLex(SSLexConsumer* consumer, const SSLexTable* table)
+    : table_(table), consumer_(consumer) {
+    if (table_) {
+        currentList_ = table_->expressionList(0);
+        listStack_.push(currentList_);
+    }
+}
+
+SSLexLexeme* SSLex::nextLexeme() {
+    if (!table_ || !consumer_ || !currentList_)
+        raise(ss_error::kMissingTableOrConsumer, "SSLex0107e: Table or consumer missing, required");
+    SSLexConsumer& consumer = *consumer_;
+    for (;;) {
+        const SSLexExpressionList& list = *currentList_;
+        state_ = 0;
+        bool read = false;
+        bool startRead = consumer.firstReadPending();
+        SSLexFinalState accepted = list.finalState(0);
+        SSLexMark acceptedMark;
+        bool marked = accepted.token != 0;
+        if (marked)
+            acceptedMark = consumer.mark();
+        while (consumer.next()) {
+            read = true;
+            consumer.adjust(acceptedMark, false);
+            consumer.adjust(contextMark_, false);
+            std::uint32_t next = list.transition(state_, consumer.current());
+            if (next == SSLexExpressionList::kNoState)
+                break;
+            state_ = next;
+            const SSLexFinalState& record = list.finalState(state_);
+            if (record.flags & SSLexFinalState::final) {
+                acceptedMark = consumer.mark();
+                accepted = record;
+                marked = true;
+            }
+            if (record.flags & SSLexFinalState::contextStart)
+                contextMark_ = consumer.mark();
+        }
+        consumer.adjust(acceptedMark, false);
+        consumer.adjust(contextMark_, true);
+        if (!read)
+            return nullptr;
+
+        if ((accepted.flags & SSLexFinalState::endOfLine) && acceptedMark.lineDelta > 0) {
+            std::uint32_t width = consumer.characterWidth();
+            acceptedMark.index = acceptedMark.index - consumer.lexemeStart() < width
+                                     ? consumer.lexemeStart()
+                                     : acceptedMark.index - width;
+            --acceptedMark.lineDelta;
+        }
+        // An empty match that did not even take the start of the input would
+        // be found again at the same place for ever: only damaged tables
+        // accept one, and it counts as no match.
+        bool accepts = (accepted.flags & (SSLexFinalState::ignore | SSLexFinalState::final)) &&
+                       marked && (startRead || acceptedMark.index > consumer.lexemeStart());
+
+        SSLexLexeme* lexeme = nullptr;
+        if (accepts && (accepted.flags & SSLexFinalState::ignore)) {
+            changeLists(accepted);
+            lexeme = ignoreLexeme(consumer, accepted.token, acceptedMark);
+            if (!lexeme)
+                continue;
+        } else if (!accepts) {
+            lexeme = invalidToken(consumer);
+            if (lexeme)
+                return lexeme;
+            consumer.resync();
+            continue;
+        } else {
+            changeLists(accepted);
+            if ((accepted.flags & SSLexFinalState::startOfLine) && consumer.lexemeLine() != 0 &&
+                consumer.lexemeOffset() != 0)
+                consumer.skipLeadingNewline(acceptedMark);
+            lexeme = completeLexeme(consumer, accepted.token, acceptedMark);
+            if (!lexeme)
+                continue;
+        }
+        ++lexemeCount_;
+        if (accepted.flags & SSLexFinalState::setUserValue)
+            lexeme->setUserValue(accepted.userValue);
+        if (accepted.flags & SSLexFinalState::keyword)
+            keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
+        return lexeme;
+    }
+}
+
+void SSLex::changeLists(const SSLexFinalState& accepted) {
+    bool pop = accepted.flags & SSLexFinalState::pop;
+    bool push = accepted.flags & SSLexFinalState::push;
+    if (pop)
+        listStack_.pop();
+    if (push) {
+        listStack_.push(table_->expressionList(accepted.pushIndex));
+        currentList_ = listStack_.top();
+    } else if (pop) {
+        currentList_ = listStack_.top();
+    }
+}
+
+SSLexLexeme* SSLex::invalidToken(SSLexConsumer& consumer) {
+    SSRef<SSLexLexeme> lexeme = consumer.errorLexeme();
+    raise(ss_error::kInvalidToken, "SSLex0105e: Invalid token, Line %ld, Offset %ld, %s",
+          static_cast<long>(lexeme->line()), static_cast<long>(lexeme->offset()),
+          lexeme->displayText().c_str());
+}
+
+const char* SSLex::tokenName(std::uint32_t) {
+    return "SSLexTokenNotFound";
+}
+
+SSLexLexeme* SSLex::ignoreLexeme(SSLexConsumer& consumer, std::uint32_t, const SSLexMark& mark) {
+    consumer.flushTo(mark);
+    return nullptr;
+}
+
+SSLexLexeme* SSLex::completeLexeme(SSLexConsumer& consumer, std::uint32_t token,
+                                   const SSLexMark& mark) {
+    return consumer.completeLexeme(token, mark);
+}
+
+void SSLex::keywordLookup(SSLexLexeme& lexeme, std::uint32_t keywordIndex,
+                          std::uint32_t consumerType) {
+    table_->keywordLookup(keywordIndex, lexeme, consumerType);
+}
+
+} // namespace tervane

@@ -1,0 +1,323 @@
+#include "label/runtime/ss_yacc.h"
+
+#include <new>
+
+namespace tervane {
+
+namespace {
+
+constexpr std::uint32_t kQueueGrowth = 32;
+constexpr std::uint32_t kNoPosition = 0xFFFFFFFF;
+// A damaged table can reduce or recover for ever without reading input; a
+// real one needs far fewer steps between two shifts than this.
+constexpr std::uint64_t kStepsWithoutShift = 4096;
+
+} // namespace
+
+void SSYaccLookaheadQueue::add(SSLexLexeme* lexeme) {
+    if (tail_ == capacity_) {
+        if (head_ > 0) {
+            for (std::uint32_t i = 0; i < count_; ++i)
+                items_[i] = std::move(items_[head_ + i]);
+            head_ = 0;
+            tail_ = count_;
+        } else {
+            std::unique_ptr<SSRef<SSLexLexeme>[]> items;
+            try {
+                items.reset(new SSRef<SSLexLexeme>[capacity_ + kQueueGrowth]);
+            } catch (const std::bad_alloc&) {
+                throw SSExceptionOutOfStorage();
+            }
+            for (std::uint32_t i = 0; i < count_; ++i)
+                items[i] = std::move(items_[i]);
+            items_ = std::move(items);
+            capacity_ += kQueueGrowth;
+        }
+    }
+    items_[tail_++] = lexeme;
+    ++count_;
+}
+
+SSRef<SSLexLexeme> SSYaccLookaheadQueue::take() {
+    if (count_ == 0)
+        return {};
+    --count_;
+    return std::move(items_[head_++]);
+}
+
+SSLexLexeme* SSYaccLookaheadQueue::at(std::uint32_t position) const {
+    return position < count_ ? items_[head_ + position].get() : nullptr;
+}
+
+SSYacc::SSYacc(SSLex* lex, const SSYaccTable* table) : lex_(lex), table_(table) {
+    eofLexeme_ = SSLexLexeme::create(u"eof", SSYaccTable::kEofToken, 0xFFFFFFFF, 0xFFFFFFFF);
+    stack_.push(SSMakeCounted<SSYaccStackElement>());
+}
+
+int SSYacc::parse() {
+    if (!table_)
+        raise(ss_error::kMissingTable, "SSYacc0109e: setTable missing, required");
+    if (!readLookahead(true))
+        return 1;
+    std::uint64_t shifts = 0;
+    std::uint64_t steps = 0;
+    while (!abort_) {
+        if (++steps > kStepsWithoutShift + 2 * shifts)
+            raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
+        switch (action_) {
+        case SSYaccAction::shift:
+            current_ = shift(lookahead_.get());
+            if (!current_)
+                return 1;
+            current_->lexeme = lookahead_;
+            current_->state = state_;
+            stack_.push(current_);
+            if (!readLookahead(true))
+                return 1;
+            ++shiftsSinceError_;
+            ++shifts;
+            steps = 0;
+            break;
+        case SSYaccAction::reduce: {
+            current_ = reduce(production_, productionSize_);
+            if (!current_)
+                return 1;
+            for (std::uint32_t i = 0; i < productionSize_; ++i) {
+                stack_.top() = nullptr;
+                stack_.pop();
+            }
+            state_ = stack_.top()->state;
+            const SSYaccRow& row = table_->row(state_);
+            bool found = false;
+            for (std::uint32_t i = 0; i < row.gotoCount; ++i) {
+                SSYaccEntry entry = row.gotoEntry(i);
+                if (entry.symbol == lhs_) {
+                    state_ = entry.value & kActionArgumentMask;
+                    found = true;
+                    break;
+                }
+            }
+            if (!found)
+                raise(ss_error::kInvalidGoto, "SSYacc0107e: Invalid goto on %ld",
+                      static_cast<long>(lhs_));
+            current_->state = state_;
+            stack_.push(current_);
+            findAction(state_, lookahead_->parseToken());
+            break;
+        }
+        case SSYaccAction::error:
+            errorSeen_ = true;
+            if (error(state_, lookahead_.get()))
+                return 1;
+            shiftsSinceError_ = 0;
+            break;
+        case SSYaccAction::accept:
+            result_ = current_;
+            return wasError() ? 1 : 0;
+        case SSYaccAction::lookahead:
+            if (!resolveLookahead())
+                return 1;
+            break;
+        default:
+            raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
+        }
+    }
+    return 1;
+}
+
+void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
+    const SSYaccRow& row = table_->row(state);
+    for (std::uint32_t i = 0; i < row.actionCount; ++i) {
+        SSYaccEntry entry = row.action(i);
+        if (entry.symbol != token)
+            continue;
+        std::uint32_t argument = entry.value & kActionArgumentMask;
+        action_ = ActionKind(entry.value);
+        switch (action_) {
+        case SSYaccAction::shift:
+            state_ = argument;
+            break;
+        case SSYaccAction::reduce: {
+            const SSYaccProduction& production = table_->production(argument);
+            production_ = argument;
+            productionSize_ = production.size;
+            lhs_ = production.lhs;
+            break;
+        }
+        case SSYaccAction::lookahead:
+            lookaheadList_ = &table_->lookaheadList(argument);
+            break;
+        default:
+            break;
+        }
+        return;
+    }
+    action_ = SSYaccAction::error;
+}
+
+bool SSYacc::readLookahead(bool setAction) {
+    if (queue_.count()) {
+        lookahead_ = queue_.take();
+    } else {
+        if (eofSeen_)
+            raise(ss_error::kReadPastEof, "SSYacc0103e: Attempted read past eof");
+        SSLexLexeme* lexeme = nextLexeme();
+        if (!lexeme) {
+            eofSeen_ = true;
+            lookahead_ = eofLexeme_;
+        } else {
+            lookahead_ = lexeme;
+        }
+    }
+    if (lookaheadRead(lookahead_.get())) {
+        abort_ = true;
+        return false;
+    }
+    if (setAction)
+        findAction(state_, lookahead_->parseToken());
+    return true;
+}
+
+bool SSYacc::resolveLookahead() {
+    const SSLexExpressionList& list = *lookaheadList_;
+    queuePosition_ = 0;
+    std::uint32_t automaton = 0;
+    SSRef<SSLexLexeme> lexeme = lookahead_;
+    bool eofFed = lookahead_.get() == eofLexeme_.get();
+    for (;;) {
+        std::uint32_t next = list.transition(automaton, lexeme->parseToken());
+        if (next == SSLexExpressionList::kNoState)
+            break;
+        automaton = next;
+        const SSLexFinalState& record = list.finalState(automaton);
+        if (record.flags & SSLexFinalState::final) {
+            if (record.flags & 0x100) {
+                if (record.token >= table_->productionCount())
+                    raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
+                const SSYaccProduction& production = table_->production(record.token);
+                action_ = SSYaccAction::reduce;
+                production_ = record.token;
+                productionSize_ = production.size;
+                lhs_ = production.lhs;
+            } else {
+                if (record.token >= table_->stateCount())
+                    raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
+                action_ = SSYaccAction::shift;
+                state_ = record.token;
+            }
+            return true;
+        }
+        if (queuePosition_ != kNoPosition && queuePosition_ < queue_.count()) {
+            lexeme = queue_.at(queuePosition_++);
+            continue;
+        }
+        queuePosition_ = kNoPosition;
+        // Behind the end of the input there is no lexeme to feed.
+        if (eofFed)
+            break;
+        SSLexLexeme* read = nextLexeme();
+        if (!read) {
+            eofSeen_ = true;
+            eofFed = true;
+            lexeme = eofLexeme_;
+        } else {
+            lexeme = read;
+        }
+        queue_.add(lexeme.get());
+    }
+    errorSeen_ = true;
+    conflictLexeme_ = lexeme;
+    return lookaheadError(state_, lookahead_.get(), conflictLexeme_.get()) == 0;
+}
+
+SSLexLexeme* SSYacc::nextLexeme() {
+    if (!lex_)
+        raise(ss_error::kMissingLex, "SSYacc0110e: setLex missing, required");
+    return lex_->nextLexeme();
+}
+
+SSYaccStackElement* SSYacc::stackElement() {
+    return SSMakeCounted<SSYaccStackElement>();
+}
+
+SSYaccStackElement* SSYacc::shift(SSLexLexeme*) {
+    return stackElement();
+}
+
+int SSYacc::lookaheadRead(SSLexLexeme*) {
+    return 0;
+}
+
+int SSYacc::lookaheadError(std::uint32_t state, SSLexLexeme* lookahead, SSLexLexeme*) {
+    return error(state, lookahead);
+}
+
+int SSYacc::error(std::uint32_t, SSLexLexeme*) {
+    const SSYaccTable& table = *table_;
+    SSSetArray sync(64, 64);
+    for (std::size_t depth = 0; depth < stack_.count(); ++depth) {
+        const SSYaccRow& row = table.row(stack_.at(depth)->state);
+        if (row.flags & (SSYaccRow::syncMarked | SSYaccRow::syncAll)) {
+            for (std::uint32_t i = 0; i < row.actionCount; ++i) {
+                SSYaccEntry entry = row.action(i);
+                if ((row.flags & SSYaccRow::syncAll) || (entry.value & kSyncEntryBit))
+                    sync.add(entry.symbol);
+            }
+        }
+        if (row.flags & SSYaccRow::hasError) {
+            const SSYaccRow& errorRow = table.row(row.errorState);
+            for (std::uint32_t i = 0; i < errorRow.actionCount; ++i)
+                sync.add(errorRow.action(i).symbol);
+        }
+    }
+    if (sync.empty())
+        raise(ss_error::kNoValidToken, "SSYacc0105e: Error token failed, no valid token");
+    while (!sync.contains(lookahead_->parseToken())) {
+        if (queue_.count() == 0 && eofSeen_)
+            raise(ss_error::kErrorTokenEof, "SSYacc0106e: Error token failed, eof");
+        if (!readLookahead(false))
+            return 1;
+    }
+    std::uint32_t token = lookahead_->parseToken();
+    for (;;) {
+        const SSYaccRow& row = table.row(state_);
+        if (row.flags & SSYaccRow::hasError) {
+            std::uint32_t before = state_;
+            state_ = row.errorState;
+            findAction(row.errorState, token);
+            if (action_ != SSYaccAction::error) {
+                SSRef<SSYaccStackElement> element = stackElement();
+                element->lexeme = SSLexLexeme::create(u"%error", SSYaccTable::kErrorToken, 0, 0);
+                element->state = row.errorState;
+                current_ = element;
+                stack_.push(element);
+                return 0;
+            }
+            state_ = before;
+        }
+        if (row.flags & SSYaccRow::syncAll) {
+            findAction(state_, token);
+            if (action_ != SSYaccAction::error)
+                return 0;
+        } else if (row.flags & SSYaccRow::syncMarked) {
+            for (std::uint32_t i = 0; i < row.actionCount; ++i) {
+                if (row.action(i).symbol == token) {
+                    findAction(state_, token);
+                    return 0;
+                }
+            }
+        }
+        stack_.pop();
+        state_ = stack_.top()->state;
+    }
+}
+
+SSYaccStackElement* SSYacc::elementFromProduction(std::int32_t index) {
+    std::int64_t depth = std::int64_t{productionSize_} - index - 1;
+    if (depth < 0 || static_cast<std::uint64_t>(depth) >= stack_.count())
+        raise(ss_error::kInvalidElementIndex,
+              "SSYacc0108e: Invalid index on elementFromProduction, %ld", static_cast<long>(index));
+    return stack_.at(static_cast<std::size_t>(depth)).get();
+}
+
+} // namespace tervane

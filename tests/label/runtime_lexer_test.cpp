@@ -1,0 +1,307 @@
+// The scan loop on a toy language: longest match, push-back, positions,
+// expression lists, keywords and the lexer's errors.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "label/runtime/ss_lex.h"
+#include "tests/label/runtime_toy.h"
+
+namespace tervane::test {
+namespace {
+
+struct Seen {
+    std::uint32_t token;
+    std::string text;
+    std::uint32_t line;
+    std::uint32_t offset;
+    bool operator==(const Seen&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Seen& s) {
+    return out << "{" << s.token << " '" << s.text << "' " << s.line << ":" << s.offset << "}";
+}
+
+std::vector<Seen> ScanAll(const SSLexTable& table, SSLexConsumer& consumer) {
+    SSLex lex(&consumer, &table);
+    std::vector<Seen> out;
+    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
+        out.push_back(
+            {lexeme->parseToken(), lexeme->displayText(), lexeme->line(), lexeme->offset()});
+    return out;
+}
+
+std::vector<Seen> Scan(const Image& image, std::u16string_view text) {
+    SSLexTable table(image, "TOY");
+    SSLexStringConsumer consumer(text);
+    return ScanAll(table, consumer);
+}
+
+TEST(LexerScan, TokensPositionsAndPushBack) {
+    struct Case {
+        const char* name;
+        std::u16string text;
+        std::vector<Seen> expected;
+    };
+    const std::vector<Case> cases = {
+        {"longest match and lists",
+         u"ab 12<=> <= \"x y\"z\ncd",
+         {{kWord, "ab", 1, 1},
+          {kNum, "12", 1, 4},
+          {kShip, "<=>", 1, 6},
+          {kLess, "<", 1, 10},
+          {kEqual, "=", 1, 11},
+          {kQuote, "\"", 1, 13},
+          {kText, "x y", 1, 14},
+          {kEndQuote, "\"", 1, 17},
+          {kWord, "z", 1, 18},
+          {kNewline, "\n", 1, 19},
+          {kWord, "cd", 2, 1}}},
+        // The automaton dies at the end of the input in a state that accepts
+        // nothing: the text behind the last accepting state is read again.
+        {"push-back at the end", u"<=", {{kLess, "<", 1, 1}, {kEqual, "=", 1, 2}}},
+        {"push-back inside", u"<=<", {{kLess, "<", 1, 1}, {kEqual, "=", 1, 2}, {kLess, "<", 1, 3}}},
+        {"only ignored text", u"   ", {}},
+        {"empty text", u"", {}},
+        {"byte-order mark FEFF", u"\uFEFFab", {{kWord, "ab", 1, 1}}},
+        {"byte-order mark FFFE", u"\uFFFEab 1", {{kWord, "ab", 1, 1}, {kNum, "1", 1, 4}}},
+        {"newlines count lines",
+         u"a\n\nb",
+         {{kWord, "a", 1, 1}, {kNewline, "\n", 1, 2}, {kNewline, "\n", 2, 1}, {kWord, "b", 3, 1}}},
+        {"quoted text keeps the second list",
+         u"\"a\"b\"",
+         {{kQuote, "\"", 1, 1},
+          {kText, "a", 1, 2},
+          {kEndQuote, "\"", 1, 3},
+          {kWord, "b", 1, 4},
+          {kQuote, "\"", 1, 5}}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(Scan(ToyLexImage(), c.text), c.expected) << c.name;
+}
+
+TEST(LexerScan, LexemeCarriesItsBytesAndBufferOffset) {
+    SSLexTable table(ToyLexImage(), "TOY");
+    SSLexStringConsumer consumer(u"ab  12");
+    SSLex lex(&consumer, &table);
+    SSRef<SSLexLexeme> first = lex.nextLexeme();
+    SSRef<SSLexLexeme> second = lex.nextLexeme();
+    ASSERT_TRUE(first && second);
+    EXPECT_FALSE(first->narrow());
+    EXPECT_EQ(first->length(), 4u);
+    EXPECT_EQ(first->wideText(), u"ab");
+    EXPECT_EQ(first->text()[4], 0);
+    EXPECT_EQ(first->text()[5], 0);
+    EXPECT_EQ(second->bufferOffset(), 8u);
+    EXPECT_EQ(lex.nextLexeme(), nullptr);
+    EXPECT_EQ(lex.lexemeCount(), 2u);
+    // The end stays the end.
+    EXPECT_EQ(lex.nextLexeme(), nullptr);
+}
+
+TEST(LexerScan, EmptyTextNeverReadsTheStartOfInput) {
+    SSLexStringConsumer consumer(u"");
+    EXPECT_TRUE(consumer.endOfData());
+    EXPECT_EQ(consumer.next(), 0);
+    EXPECT_TRUE(consumer.firstReadPending());
+}
+
+// Single-byte text from a source that arrives in pieces: matches run across
+// refills.
+class ChunkConsumer : public SSLexConsumer {
+public:
+    explicit ChunkConsumer(std::vector<std::string> chunks) : chunks_(std::move(chunks)) {
+        type_ = kSingleByte;
+    }
+    std::uint32_t refill() override {
+        if (next_ == chunks_.size())
+            return 0;
+        const std::string& chunk = chunks_[next_++];
+        appendToBuffer(reinterpret_cast<const std::uint8_t*>(chunk.data()),
+                       static_cast<std::uint32_t>(chunk.size()));
+        return static_cast<std::uint32_t>(chunk.size());
+    }
+
+private:
+    std::vector<std::string> chunks_;
+    std::size_t next_ = 0;
+};
+
+TEST(LexerScan, NarrowTextAcrossRefills) {
+    SSLexTable table(ToyLexImage(), "TOY");
+    ChunkConsumer consumer({"a", "b 1", "2<", "=>"});
+    std::vector<Seen> expected = {{kWord, "ab", 1, 1}, {kNum, "12", 1, 4}, {kShip, "<=>", 1, 6}};
+    EXPECT_EQ(ScanAll(table, consumer), expected);
+}
+
+Image WithState(std::uint32_t state, const std::function<void(LexState&)>& change,
+                const std::vector<Image>& keywords = {}) {
+    auto main = ToyMainList();
+    change(main[state]);
+    return BuildLexTable({BuildList(main), BuildList(ToyQuoteList())}, keywords);
+}
+
+TEST(LexerScan, FlagsOfTheAcceptingRecord) {
+    struct Case {
+        const char* name;
+        Image image;
+        std::u16string text;
+        std::vector<Seen> expected;
+    };
+    auto keywords =
+        BuildKeywordTable({{60, false, "do", 0}, {61, true, "if", 0}, {62, false, "while", 0x77}});
+    auto keywordWord = [](LexState& s) {
+        s.flags |= 0x200;
+        s.keywordIndex = 0;
+    };
+    // "\n" followed by letters is one lexeme that leaves its newline behind.
+    auto main = ToyMainList();
+    main[10].moves = {{0x61, 0x7A, 11}};
+    main.push_back({63, kFinal | 0x02, 0, 0, 0, {{0x61, 0x7A, 11}}});
+    Image startOfLine = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
+    // A word with a trailing newline gives the newline back.
+    main = ToyMainList();
+    main[3].moves.insert(main[3].moves.begin(), {0x0A, 0x0A, 11});
+    main.push_back({64, kFinal | 0x80, 0, 0, 0, {}});
+    Image endOfLine = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
+
+    const std::vector<Case> cases = {
+        {"user value replaces the token",
+         WithState(2,
+                   [](LexState& s) {
+                       s.flags |= 0x400;
+                       s.userValue = 99;
+                   }),
+         u"12 ab",
+         {{99, "12", 1, 1}, {kWord, "ab", 1, 4}}},
+        {"keywords",
+         WithState(3, keywordWord, {keywords}),
+         u"do if while dog wh",
+         {{60, "do", 1, 1},
+          {61, "if", 1, 4},
+          {0x77, "while", 1, 7},
+          {kWord, "dog", 1, 13},
+          {kWord, "wh", 1, 17}}},
+        // An ignore-case entry lower-cases the lexeme in place before
+        // comparing, even when the lexeme then matches another entry.
+        {"keyword ignoring case",
+         WithState(3, keywordWord, {keywords}),
+         u"IF Do",
+         {{61, "if", 1, 1}, {60, "do", 1, 4}}},
+        {"start of line",
+         startOfLine,
+         u"ab\ncd ef",
+         {{kWord, "ab", 1, 1}, {63, "cd", 2, 1}, {kWord, "ef", 2, 4}}},
+        {"end of line",
+         endOfLine,
+         u"ab\ncd",
+         {{64, "ab", 1, 1}, {kNewline, "\n", 1, 1}, {kWord, "cd", 2, 1}}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(Scan(c.image, c.text), c.expected) << c.name;
+}
+
+struct ErrorCase {
+    const char* name;
+    Image image;
+    std::u16string text;
+    std::int32_t code;
+    std::string message;
+};
+
+void ExpectScanError(const ErrorCase& c) {
+    SSLexTable table(c.image, "TOY");
+    SSLexStringConsumer consumer(c.text);
+    SSLex lex(&consumer, &table);
+    try {
+        while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme()) {
+        }
+        ADD_FAILURE() << c.name << ": no error";
+    } catch (const SSException& e) {
+        EXPECT_EQ(e.code(), c.code) << c.name;
+        EXPECT_EQ(e.message(), c.message) << c.name;
+    }
+}
+
+TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {
+    // "#" starts a run that never accepts: the whole run is the invalid text.
+    auto main = ToyMainList();
+    main[0].moves.insert(main[0].moves.begin() + 3, {0x23, 0x23, 11});
+    main.push_back({0, 0, 0, 0, 0, {{0x41, 0x41, 11}}});
+    Image deadEnd = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
+    const std::vector<ErrorCase> cases = {
+        {"no transition from the start", ToyLexImage(), u"ab #x", 5,
+         "SSLex0105e: Invalid token, Line 1, Offset 4, #"},
+        {"invalid token on a later line", ToyLexImage(), u"a\n  b?", 5,
+         "SSLex0105e: Invalid token, Line 2, Offset 4, ?"},
+        {"bad push index", WithState(4, [](LexState& s) { s.pushIndex = 7; }), u"\"", 6,
+         "SSLex0106e: Invalid expression list index, 7"},
+        {"pop below the bottom", WithState(9, [](LexState& s) { s.flags |= 0x08; }), u"=", 9,
+         "SSLifo0002e: No top, stack empty"},
+        {"keyword table that isn't there",
+         WithState(3,
+                   [](LexState& s) {
+                       s.flags |= 0x200;
+                       s.keywordIndex = 2;
+                   }),
+         u"ab", 44, "SSLex0110e: Invalid keyword index, 2"},
+        // Only a damaged table accepts the empty text; it would be found
+        // again at the same place for ever.
+        {"empty match",
+         WithState(0,
+                   [](LexState& s) {
+                       s.token = 70;
+                       s.flags = kFinal;
+                   }),
+         u"a#", 5, "SSLex0105e: Invalid token, Line 1, Offset 2, #"},
+        {"message too long", deadEnd, u"#" + std::u16string(600, u'A'), 46,
+         "SSException0002e: sprintf msg too long"},
+        {"message cut to 127 characters", deadEnd, u"#" + std::u16string(200, u'A'), 5,
+         ("SSLex0105e: Invalid token, Line 1, Offset 1, #" + std::string(200, 'A')).substr(0, 127)},
+    };
+    for (const ErrorCase& c : cases)
+        ExpectScanError(c);
+}
+
+TEST(LexerErrors, MissingTableOrConsumer) {
+    SSLexTable table(ToyLexImage(), "TOY");
+    SSLexStringConsumer consumer(u"a");
+    SSLex noConsumer(nullptr, &table);
+    SSLex noTable(&consumer, nullptr);
+    for (SSLex* lex : {&noConsumer, &noTable}) {
+        try {
+            lex->nextLexeme();
+            ADD_FAILURE() << "no error";
+        } catch (const SSException& e) {
+            EXPECT_EQ(e.code(), 7);
+            EXPECT_STREQ(e.what(), "SSLex0107e: Table or consumer missing, required");
+        }
+    }
+    EXPECT_STREQ(noTable.tokenName(51), "SSLexTokenNotFound");
+}
+
+// A lexer that takes unmatched text as a token of its own goes on behind it.
+class ForgivingLex : public SSLex {
+public:
+    using SSLex::SSLex;
+    SSLexLexeme* invalidToken(SSLexConsumer& consumer) override {
+        SSLexLexeme* lexeme = consumer.errorLexeme();
+        lexeme->setToken(99);
+        return lexeme;
+    }
+};
+
+TEST(LexerErrors, OverriddenInvalidTokenGoesOn) {
+    SSLexTable table(ToyLexImage(), "TOY");
+    SSLexStringConsumer consumer(u"a#b");
+    ForgivingLex lex(&consumer, &table);
+    std::vector<std::string> seen;
+    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
+        seen.push_back(std::to_string(lexeme->token()) + lexeme->displayText());
+    EXPECT_EQ(seen, (std::vector<std::string>{"51a", "99#", "51b"}));
+}
+
+} // namespace
+} // namespace tervane::test

@@ -1,0 +1,216 @@
+// The shift-reduce loop on a toy grammar of number lists: reduce calls,
+// recovery, lookahead automata and the parser's errors.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/label/runtime_toy.h"
+
+namespace tervane::test {
+namespace {
+
+struct Outcome {
+    int result = -1;
+    std::vector<std::string> reductions;
+    std::int32_t code = 0; // of a raised SSException
+    std::string message;
+};
+
+Outcome RunToy(const YaccGrammar& grammar, std::u16string_view text, std::uint32_t magic = kCyss,
+               std::optional<int> probe = std::nullopt) {
+    SSLexTable lexTable(ToyLexImage(), "TOY");
+    SSYaccTable yaccTable(BuildYaccTable(grammar, magic), "TOY");
+    SSLexStringConsumer consumer(text);
+    SSLex lex(&consumer, &lexTable);
+    RecordingYacc yacc(&lex, &yaccTable);
+    yacc.probe = probe;
+    Outcome out;
+    try {
+        out.result = yacc.parse();
+        if (out.result == 0) {
+            EXPECT_NE(yacc.result(), nullptr);
+        }
+    } catch (const SSException& e) {
+        out.code = e.code();
+        out.message = e.message();
+    }
+    out.reductions = yacc.reductions;
+    return out;
+}
+
+YaccGrammar Changed(const std::function<void(YaccGrammar&)>& change) {
+    YaccGrammar g = ToyGrammar();
+    change(g);
+    return g;
+}
+
+// The toy grammar with one state that reads a token ahead through automaton 0,
+// which shifts to state 1 once it has seen a number followed by a number or
+// the end.
+YaccGrammar WithLookahead() {
+    return Changed([](YaccGrammar& g) {
+        g.rows[0].actions = {{Lookahead(0), kNum}};
+        g.lookaheads = {BuildList({
+            {0, 0, 0, 0, 0, {{kNum, kNum, 1}}},
+            {0, 0, 0, 0, 0, {{kNum, kNum, 2}, {kStart, kStart, 2}}},
+            {1, kFinal, 0, 0, 0, {}},
+        })};
+    });
+}
+
+TEST(ParserLoop, ReducesInTheOrderOfTheText) {
+    struct Case {
+        const char* name;
+        YaccGrammar grammar;
+        std::u16string text;
+        std::uint32_t magic;
+        int result;
+        std::vector<std::string> reductions;
+    };
+    auto syncAll = Changed([](YaccGrammar& g) { g.rows[2].flags = 0x4; });
+    auto errorEntry = Changed([](YaccGrammar& g) {
+        g.rows[2].flags = 0x2;
+        g.rows[2].errorState = 4;
+    });
+    auto zeroSize = Changed([](YaccGrammar& g) {
+        // list : (empty) first, then numbers: a size-0 production pops nothing.
+        g.productions[2] = {0, kList};
+        g.rows[0] = {0, {{Reduce(2), kNum}, {Reduce(2), kStart}}, {{2, kList}}};
+    });
+    const std::vector<Case> cases = {
+        {"one number", ToyGrammar(), u"7", kCyss, 0, {"2:7"}},
+        {"left recursion", ToyGrammar(), u"1 2 3", kCyss, 0, {"2:1", "1:-,2", "1:-,3"}},
+        {"older layout", ToyGrammar(), u"1 2 3", 0, 0, {"2:1", "1:-,2", "1:-,3"}},
+        {"magic 1", ToyGrammar(), u"1 2", 1, 0, {"2:1", "1:-,2"}},
+        {"empty production", zeroSize, u"4 5", kCyss, 0, {"2:", "1:-,4", "1:-,5"}},
+        // Recovery skips to a synchronising token and reports the error.
+        {"recovery on all actions", syncAll, u"1 a 2", kCyss, 1, {"2:1", "1:-,2"}},
+        {"recovery at the end", syncAll, u"1 a b", kCyss, 1, {"2:1"}},
+        {"recovery through the error entry",
+         errorEntry,
+         u"1 a b 2",
+         kCyss,
+         1,
+         {"2:1", "3:-,%error,2"}},
+        {"lookahead resolves to shift", WithLookahead(), u"1 2", kCyss, 0, {"2:1", "1:-,2"}},
+        {"lookahead sees the end", WithLookahead(), u"1", kCyss, 0, {"2:1"}},
+    };
+    for (const Case& c : cases) {
+        Outcome out = RunToy(c.grammar, c.text, c.magic);
+        EXPECT_EQ(out.code, 0) << c.name << ": " << out.message;
+        EXPECT_EQ(out.result, c.result) << c.name;
+        EXPECT_EQ(out.reductions, c.reductions) << c.name;
+    }
+}
+
+TEST(ParserErrors, RaisedWithTheirCodesAndMessages) {
+    struct Case {
+        const char* name;
+        YaccGrammar grammar;
+        std::u16string text;
+        std::optional<int> probe;
+        std::int32_t code;
+        std::string message;
+        std::vector<std::string> reductions; // what was done before the error
+    };
+    auto marked = Changed([](YaccGrammar& g) {
+        g.rows[2].flags = 0x1;
+        g.rows[2].actions[1].value |= 0x80000000;
+    });
+    auto noGoto = Changed([](YaccGrammar& g) { g.productions[2] = {1, 0x4009}; });
+    auto shiftEof = Changed([](YaccGrammar& g) { g.rows[2].actions[0].value = Shift(3); });
+    auto loops = Changed([](YaccGrammar& g) {
+        g.productions.push_back({0, kList});
+        g.rows[0] = {0, {{Reduce(4), kNum}}, {{0, kList}}};
+    });
+    const std::vector<Case> cases = {
+        {"syntax error",
+         ToyGrammar(),
+         u"1 a",
+         {},
+         16,
+         "SSYacc0105e: Error token failed, no valid token",
+         {"2:1"}},
+        {"empty input",
+         ToyGrammar(),
+         u"",
+         {},
+         16,
+         "SSYacc0105e: Error token failed, no valid token",
+         {}},
+        {"no synchronising token before the end",
+         marked,
+         u"1 a",
+         {},
+         17,
+         "SSYacc0106e: Error token failed, eof",
+         {"2:1"}},
+        {"lookahead automaton finds no way",
+         WithLookahead(),
+         u"1 a",
+         {},
+         16,
+         "SSYacc0105e: Error token failed, no valid token",
+         {}},
+        {"no goto for the left side",
+         noGoto,
+         u"1",
+         {},
+         18,
+         "SSYacc0107e: Invalid goto on 16393",
+         {"2:1"}},
+        {"symbol beyond the production",
+         ToyGrammar(),
+         u"1",
+         1,
+         19,
+         "SSYacc0108e: Invalid index on elementFromProduction, 1",
+         {}},
+        {"symbol below the stack",
+         ToyGrammar(),
+         u"1",
+         -5,
+         19,
+         "SSYacc0108e: Invalid index on elementFromProduction, -5",
+         {}},
+        {"read behind the end",
+         shiftEof,
+         u"1",
+         {},
+         14,
+         "SSYacc0103e: Attempted read past eof",
+         {"2:1"}},
+        // A table that reduces for ever without reading.
+        {"endless reduction", loops, u"1", {}, 13, "SSYacc0102e: Parse failed, invalid table", {}},
+    };
+    for (const Case& c : cases) {
+        Outcome out = RunToy(c.grammar, c.text, kCyss, c.probe);
+        EXPECT_EQ(out.code, c.code) << c.name;
+        EXPECT_EQ(out.message, c.message) << c.name;
+        if (c.code != 13) {
+            EXPECT_EQ(out.reductions, c.reductions) << c.name;
+        }
+    }
+}
+
+TEST(ParserErrors, MissingTableOrLexer) {
+    SSYaccTable table(BuildYaccTable(ToyGrammar()), "TOY");
+    RecordingYacc noTable(nullptr, nullptr);
+    RecordingYacc noLex(nullptr, &table);
+    for (auto [yacc, code, message] :
+         {std::tuple{&noTable, 20, "SSYacc0109e: setTable missing, required"},
+          std::tuple{&noLex, 21, "SSYacc0110e: setLex missing, required"}}) {
+        try {
+            yacc->parse();
+            ADD_FAILURE() << "no error";
+        } catch (const SSException& e) {
+            EXPECT_EQ(e.code(), code);
+            EXPECT_EQ(e.message(), message);
+        }
+    }
+}
+
+} // namespace
+} // namespace tervane::test

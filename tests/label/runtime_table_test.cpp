@@ -1,0 +1,257 @@
+// Loading table images: damage of every kind raises the table error and never
+// reads outside the image; the module's own tables load through the resource
+// calls.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "label/runtime/ss_lex_table.h"
+#include "label/runtime/ss_yacc_table.h"
+#include "tests/label/runtime_toy.h"
+
+namespace tervane::test {
+namespace {
+
+template <typename Table> std::pair<std::int32_t, std::string> LoadError(const Image& image) {
+    try {
+        Table table(image, "TOY");
+        return {0, ""};
+    } catch (const SSException& e) {
+        return {e.code(), e.message()};
+    }
+}
+
+const std::string kLexError = "SSLex0104e: Invalid table, TOY";
+const std::string kYaccError = "SSYacc0111e: Error reading table, TOY";
+
+Image LexWithKeywords() {
+    return BuildLexTable({BuildList(ToyMainList()), BuildList(ToyQuoteList())},
+                         {BuildKeywordTable({{60, false, "do", 0}, {61, true, "if", 5}})});
+}
+
+// Offsets inside the toy lexer image: the header is 36 bytes, the first list
+// follows.
+constexpr std::size_t kList0 = 36;
+
+TEST(LexTableLoad, DamageRaisesTheTableError) {
+    struct Case {
+        const char* name;
+        std::function<void(Image&)> damage;
+        std::int32_t code; // 0: loads
+    };
+    const std::size_t keywordAt =
+        36 + BuildList(ToyMainList()).size() + BuildList(ToyQuoteList()).size();
+    const std::vector<Case> cases = {
+        {"intact", [](Image&) {}, 0},
+        {"header magic 0 is accepted", [](Image& i) { PatchWord(i, 4, 0); }, 0},
+        {"list magic 1 is accepted", [](Image& i) { PatchWord(i, kList0, 1); }, 0},
+        {"header magic", [](Image& i) { PatchWord(i, 4, 0x53534C59); }, 4},
+        {"list magic", [](Image& i) { PatchWord(i, kList0, 2); }, 4},
+        {"more lists than stored", [](Image& i) { PatchWord(i, 0, 3); }, 4},
+        {"huge list count", [](Image& i) { PatchWord(i, 0, 0xFFFFFFFF); }, 4},
+        {"list size past the end", [](Image& i) { PatchWord(i, kList0 + 4, 0x7FFFFFF0); }, 4},
+        {"list size below its head", [](Image& i) { PatchWord(i, kList0 + 4, 87); }, 4},
+        {"no states", [](Image& i) { PatchWord(i, kList0 + 40, 0); }, 4},
+        {"huge state count", [](Image& i) { PatchWord(i, kList0 + 40, 0x40000000); }, 4},
+        {"row index past the end", [](Image& i) { PatchWord(i, kList0 + 48, 0xFFFFFFF0); }, 4},
+        {"final states past the end", [](Image& i) { PatchWord(i, kList0 + 52, 0xFFFFFFFC); }, 4},
+        {"row offset past the end",
+         [](Image& i) { PatchWord(i, kList0 + WordAt(i, kList0 + 48), 0xFFFFFFFE); }, 4},
+        {"row count past the end",
+         [](Image& i) {
+             std::size_t row = kList0 + WordAt(i, kList0 + WordAt(i, kList0 + 48));
+             PatchWord(i, row, 0x15555556); // 12 times this wraps 32 bits
+         },
+         4},
+        {"move to a missing state",
+         [](Image& i) {
+             std::size_t row = kList0 + WordAt(i, kList0 + WordAt(i, kList0 + 48));
+             PatchWord(i, row + 4 + 8, 11);
+         },
+         4},
+        {"keyword table missing", [](Image& i) { PatchWord(i, 8, 2); }, 4},
+        {"keyword table size past the end",
+         [keywordAt](Image& i) { PatchWord(i, keywordAt, 0x10000); }, 4},
+        {"keyword count past the end",
+         [keywordAt](Image& i) { PatchWord(i, keywordAt + 4, 0x08000000); }, 4},
+        {"keyword text past the end",
+         [keywordAt](Image& i) { PatchWord(i, keywordAt + 40 + 5, 0xFFFFFFFF); }, 4},
+        {"keyword text without its end",
+         [keywordAt](Image& i) {
+             PatchWord(i, keywordAt + 40 + 41 + 17, WordAt(i, keywordAt) - 1);
+         },
+         4},
+    };
+    for (const Case& c : cases) {
+        Image image = LexWithKeywords();
+        c.damage(image);
+        auto [code, message] = LoadError<SSLexTable>(image);
+        EXPECT_EQ(code, c.code) << c.name;
+        if (c.code) {
+            EXPECT_EQ(message, kLexError) << c.name;
+        }
+    }
+}
+
+TEST(LexTableLoad, EveryTruncationIsAnInvalidTable) {
+    Image image = LexWithKeywords();
+    for (std::size_t size = 0; size < image.size(); ++size) {
+        Image cut(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(size));
+        ASSERT_EQ(LoadError<SSLexTable>(cut).first, 4) << size;
+    }
+}
+
+TEST(LexTableLoad, ListsAndKeywordsAsStored) {
+    SSLexTable table(LexWithKeywords(), "TOY");
+    EXPECT_EQ(table.listCount(), 2u);
+    EXPECT_EQ(table.keywordTableCount(), 1u);
+    EXPECT_EQ(table.expressionList(1)->stateCount(), 3u);
+    EXPECT_EQ(table.expressionList(0)->transition(0, u'7'), 2u);
+    EXPECT_EQ(table.expressionList(0)->transition(0, u'#'), SSLexExpressionList::kNoState);
+    EXPECT_EQ(table.expressionList(0)->transition(0, 0xFFFFFFFF), 6u);
+    try {
+        table.expressionList(2);
+        ADD_FAILURE() << "no error";
+    } catch (const SSException& e) {
+        EXPECT_EQ(e.code(), 6);
+        EXPECT_EQ(e.message(), "SSLex0106e: Invalid expression list index, 2");
+    }
+}
+
+YaccGrammar GrammarWithLookahead() {
+    YaccGrammar g = ToyGrammar();
+    g.rows[0].actions = {{Lookahead(0), kNum}};
+    g.lookaheads = {BuildList({{0, 0, 0, 0, 0, {{kNum, kNum, 1}}}, {1, kFinal, 0, 0, 0, {}}})};
+    return g;
+}
+
+std::size_t LookaheadSize() {
+    return GrammarWithLookahead().lookaheads[0].size();
+}
+
+TEST(YaccTableLoad, DamageRaisesTheReadingError) {
+    struct Case {
+        const char* name;
+        std::function<void(YaccGrammar&)> change;
+        std::function<void(Image&)> damage;
+        std::int32_t code;
+    };
+    auto none = [](YaccGrammar&) {};
+    auto row = [](const Image& i, std::uint32_t state) { return WordAt(i, 20 + 4 * state); };
+    const std::vector<Case> cases = {
+        {"intact", none, [](Image&) {}, 0},
+        {"magic", none, [](Image& i) { PatchWord(i, 0, 2); }, 22},
+        {"no states", none, [](Image& i) { PatchWord(i, 8, 0); }, 22},
+        {"huge state count", none, [](Image& i) { PatchWord(i, 8, 0x20000000); }, 22},
+        {"productions past the end", none, [](Image& i) { PatchWord(i, 16, 0xFFFFFFF8); }, 22},
+        {"row past the end", none, [](Image& i) { PatchWord(i, 24, 0xFFFFFFF4); }, 22},
+        {"action count past the end", none,
+         [row](Image& i) { PatchWord(i, row(i, 1) + 8, 0x20000000); }, 22},
+        {"shift to a missing state", [](YaccGrammar& g) { g.rows[0].actions[0].value = Shift(6); },
+         [](Image&) {}, 22},
+        {"reduce of a missing production",
+         [](YaccGrammar& g) { g.rows[1].actions[0].value = Reduce(4); }, [](Image&) {}, 22},
+        {"goto to a missing state", [](YaccGrammar& g) { g.rows[0].gotos[0].value = 9; },
+         [](Image&) {}, 22},
+        {"missing lookahead automaton",
+         [](YaccGrammar& g) { g.rows[0].actions[0].value = Lookahead(0); }, [](Image&) {}, 22},
+        {"error entry to a missing state",
+         [](YaccGrammar& g) {
+             g.rows[2].flags = 2;
+             g.rows[2].errorState = 6;
+         },
+         [](Image&) {}, 22},
+        {"lookahead automaton damaged", [](YaccGrammar& g) { g = GrammarWithLookahead(); },
+         [](Image& i) { PatchWord(i, i.size() - LookaheadSize(), 7); }, 4},
+        {"lookahead automaton intact", [](YaccGrammar& g) { g = GrammarWithLookahead(); },
+         [](Image&) {}, 0},
+    };
+    for (const Case& c : cases) {
+        YaccGrammar g = ToyGrammar();
+        c.change(g);
+        Image image = BuildYaccTable(g);
+        c.damage(image);
+        auto [code, message] = LoadError<SSYaccTable>(image);
+        EXPECT_EQ(code, c.code) << c.name;
+        if (c.code) {
+            EXPECT_EQ(message, c.code == 22 ? kYaccError : kLexError) << c.name;
+        }
+    }
+}
+
+TEST(YaccTableLoad, EveryTruncationFails) {
+    for (std::uint32_t magic : {kCyss, 0u}) {
+        Image image = BuildYaccTable(GrammarWithLookahead(), magic);
+        std::size_t automaton = image.size() - LookaheadSize();
+        for (std::size_t size = 0; size < image.size(); ++size) {
+            Image cut(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(size));
+            ASSERT_EQ(LoadError<SSYaccTable>(cut).first, size < automaton ? 22 : 4)
+                << magic << " " << size;
+        }
+    }
+}
+
+TEST(YaccTableLoad, OlderLayoutReadsRowsOneBehindTheOther) {
+    Image image = BuildYaccTable(ToyGrammar(), 0);
+    // Row offsets mean nothing in the older layout.
+    for (std::uint32_t state = 0; state < 6; ++state)
+        PatchWord(image, 20 + 4 * state, 0xFFFFFFFF);
+    SSYaccTable table(image, "TOY");
+    ASSERT_EQ(table.stateCount(), 6u);
+    EXPECT_EQ(table.row(2).actionCount, 2u);
+    EXPECT_EQ(table.row(2).action(1).value, Shift(3));
+    EXPECT_EQ(table.row(0).gotoEntry(0).symbol, kList);
+    EXPECT_EQ(table.production(3).size, 3u);
+}
+
+TEST(TableResources, MissingResourcesRaiseTheirErrors) {
+    try {
+        SSLexTable table(TervaneModuleHandle(), "NOSUCHTABLE", "SSLEXTABLE");
+        ADD_FAILURE() << "no error";
+    } catch (const SSException& e) {
+        EXPECT_EQ(e.code(), 36);
+        EXPECT_EQ(e.message(), "SSLex0108e: Resource not found, NOSUCHTABLE");
+    }
+    try {
+        SSYaccTable table(TervaneModuleHandle(), "StringResParse", "NOSUCHTYPE");
+        ADD_FAILURE() << "no error";
+    } catch (const SSException& e) {
+        EXPECT_EQ(e.code(), 37);
+        EXPECT_EQ(e.message(), "SSYacc0115e: Resource not found, StringResParse");
+    }
+}
+
+TEST(TableResources, TheModulesOwnTablesLoad) {
+    struct Case {
+        const char* name;
+        std::uint32_t lists;
+        std::uint32_t states0;
+        std::uint32_t parserStates;
+        std::uint32_t productions;
+    };
+    for (const Case& c : {Case{"StringResParse", 1, 19, 9, 8}, Case{"MenuResParse", 2, 22, 13, 11},
+                          Case{"DialogResParse", 1, 19, 10, 8}}) {
+        SSLexTable lex(TervaneModuleHandle(), c.name, "SSLexTable");
+        SSYaccTable yacc(TervaneModuleHandle(), c.name, "SSYaccTable");
+        EXPECT_EQ(lex.listCount(), c.lists) << c.name;
+        EXPECT_EQ(lex.expressionList(0)->stateCount(), c.states0) << c.name;
+        EXPECT_EQ(yacc.stateCount(), c.parserStates) << c.name;
+        EXPECT_EQ(yacc.productionCount(), c.productions) << c.name;
+    }
+}
+
+TEST(TableResources, StringTableScansAPercentWithABlank) {
+    SSLexTable table(TervaneModuleHandle(), "STRINGRESPARSE", "SSLEXTABLE");
+    SSLexStringConsumer consumer(u"50% off");
+    SSLex lex(&consumer, &table);
+    std::vector<std::pair<std::uint32_t, std::u16string>> seen;
+    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
+        seen.emplace_back(lexeme->token(), std::u16string(lexeme->wideText()));
+    EXPECT_EQ(seen, (std::vector<std::pair<std::uint32_t, std::u16string>>{
+                        {51, u"50"}, {53, u"% o"}, {51, u"ff"}}));
+}
+
+} // namespace
+} // namespace tervane::test
