@@ -8,6 +8,9 @@ const std::vector<Command>& Commands() {
         {"res",
          "res get|put|delete FILE --type T --name N --lang L [-o OUT] [--data DATAFILE]",
          "Read, add, replace or delete one resource of a PE file", RunRes},
+        {"tokens", "tokens --kind string|menu|dialog TEXT",
+         "Show the label tokens of an escaped label text", RunTokens},
+        {"tables", "tables", "List the built-in label tables", RunTables},
     };
     return commands;
 }

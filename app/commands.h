@@ -20,6 +20,8 @@ const std::vector<Command>& Commands();
 
 int RunList(const Args& args);
 int RunRes(const Args& args);
+int RunTokens(const Args& args);
+int RunTables(const Args& args);
 
 
 } // namespace tervane::app

@@ -1,0 +1,78 @@
+#pragma once
+// The String, Menu and Dialog grammars: lexers that name their tokens and
+// parsers whose reductions append label tokens to the caller's list.
+#include <cstdint>
+#include <string>
+
+#include "label/grammars/label_token.h"
+#include "label/runtime/ss_lex.h"
+#include "label/runtime/ss_yacc.h"
+
+namespace tervane {
+
+class StringResLexClass : public SSLex {
+public:
+    using SSLex::SSLex;
+    const char* tokenName(std::uint32_t token) override;
+};
+
+class MenuResLexClass : public SSLex {
+public:
+    using SSLex::SSLex;
+    const char* tokenName(std::uint32_t token) override;
+};
+
+class DialogResLexClass : public SSLex {
+public:
+    using SSLex::SSLex;
+    const char* tokenName(std::uint32_t token) override;
+};
+
+class StringResParseStackElement : public SSYaccStackElement {};
+class MenuResParseStackElement : public SSYaccStackElement {};
+class DialogResParseStackElement : public SSYaccStackElement {};
+
+// Base of the three parsers: holds the caller's list.
+class LabelYaccClass : public SSYacc {
+public:
+    LabelYaccClass(SSLex* lex, const SSYaccTable* table) : SSYacc(lex, table) {}
+    void setTokens(LabelTokenList* tokens) { tokens_ = tokens; }
+
+protected:
+    // A token of type with the text of right-hand symbol index.
+    void add(std::uint32_t type, std::int32_t index);
+    void add(std::uint32_t type, std::u16string text);
+    std::u16string symbolText(std::int32_t index);
+
+private:
+    LabelTokenList* tokens_ = nullptr;
+};
+
+class StringResYaccClass : public LabelYaccClass {
+public:
+    using LabelYaccClass::LabelYaccClass;
+    SSYaccStackElement* stackElement() override;
+    SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override;
+};
+
+class MenuResYaccClass : public LabelYaccClass {
+public:
+    using LabelYaccClass::LabelYaccClass;
+    SSYaccStackElement* stackElement() override;
+    SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override;
+
+    // The text being split into key names and separators.
+    std::u16string shortcutText;
+
+private:
+    void splitShortcut();
+};
+
+class DialogResYaccClass : public LabelYaccClass {
+public:
+    using LabelYaccClass::LabelYaccClass;
+    SSYaccStackElement* stackElement() override;
+    SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override;
+};
+
+} // namespace tervane
