@@ -1,0 +1,206 @@
+// The runtime's stacks, sets, reference counts, error carriers and the
+// lead-byte classifier.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "label/runtime/rcparsedbcsinfo.h"
+#include "label/runtime/ss_lex_lexeme.h"
+#include "label/runtime/ss_lifo.h"
+#include "label/runtime/ss_ref.h"
+#include "label/runtime/ss_yacc.h"
+#include "platform/win32/last_error.h"
+#include "platform/win32/os_version.h"
+
+namespace tervane::test {
+namespace {
+
+std::pair<std::int32_t, std::string> Raised(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const SSException& e) {
+        return {e.code(), e.message()};
+    }
+    return {0, ""};
+}
+
+TEST(RuntimeContainers, ErrorsAtTheirLimits) {
+    struct Case {
+        const char* name;
+        std::function<void()> action;
+        std::int32_t code;
+        const char* message;
+    };
+    const std::vector<Case> cases = {
+        {"push on a full stack without growth",
+         [] {
+             SSLifo<int> stack(2, 0);
+             stack.push(1);
+             stack.push(2);
+             stack.push(3);
+         },
+         8, "SSLifo0001e: Stack full"},
+        {"top of an empty stack", [] { SSLifo<int>(4, 4).top(); }, 9,
+         "SSLifo0002e: No top, stack empty"},
+        {"pop beyond the bottom",
+         [] {
+             SSLifo<int> stack(4, 4);
+             stack.push(1);
+             stack.pop(2);
+         },
+         10, "SSLifo0004e: Cannot pop empty stack"},
+        {"index beyond the bottom",
+         [] {
+             SSLifo<int> stack(4, 4);
+             stack.push(1);
+             stack.at(1);
+         },
+         11, "SSLifo0003e: Invalid index"},
+        {"add to a full set without growth",
+         [] {
+             SSSetArray set(1, 0);
+             set.add(5);
+             set.add(5); // present: nothing to add
+             set.add(6);
+         },
+         23, "SSSetArray0001e: Set full"},
+        {"release below zero",
+         [] {
+             SSLexLexeme* lexeme = SSLexLexeme::create(u"x", 1, 0, 0);
+             struct Free {
+                 SSLexLexeme* lexeme;
+                 ~Free() { lexeme->destroy(); }
+             } free{lexeme};
+             lexeme->release(false);
+         },
+         28, "SSRef0001e: Reference count less than zero"},
+    };
+    for (const Case& c : cases) {
+        auto [code, message] = Raised(c.action);
+        EXPECT_EQ(code, c.code) << c.name;
+        EXPECT_EQ(message, c.message) << c.name;
+    }
+}
+
+TEST(RuntimeContainers, StackGrowsAndKeepsItsOrder) {
+    SSLifo<int> stack(2, 3);
+    for (int i = 0; i < 10; ++i)
+        stack.push(i);
+    EXPECT_EQ(stack.capacity(), 11u);
+    EXPECT_EQ(stack.top(), 9);
+    EXPECT_EQ(stack.at(9), 0);
+    stack.pop(4);
+    EXPECT_EQ(stack.top(), 5);
+    EXPECT_EQ(stack.count(), 6u);
+
+    SSSetArray set(1, 1);
+    for (std::uint32_t v : {3u, 1u, 3u, 2u})
+        set.add(v);
+    EXPECT_EQ(set.count(), 3u);
+    EXPECT_TRUE(set.contains(2));
+    EXPECT_FALSE(set.contains(4));
+}
+
+// Counts the destructions of stack elements.
+struct CountedElement : SSYaccStackElement {
+    explicit CountedElement(int* destroyed) : destroyed_(destroyed) {}
+    ~CountedElement() override { ++*destroyed_; }
+    int* destroyed_;
+};
+
+TEST(RuntimeReferences, ObjectsLiveFromTheFirstHolderToTheLast) {
+    int destroyed = 0;
+    auto* element = SSMakeCounted<CountedElement>(&destroyed);
+    EXPECT_EQ(element->refCount(), 0u);
+    {
+        SSRef<SSYaccStackElement> first = element;
+        SSRef<SSYaccStackElement> second = first;
+        EXPECT_EQ(element->refCount(), 2u);
+        first = element; // assigning what it holds keeps it alive
+        EXPECT_EQ(element->refCount(), 2u);
+        SSRef<SSYaccStackElement> moved = std::move(second);
+        EXPECT_EQ(element->refCount(), 2u);
+        first = nullptr;
+        EXPECT_EQ(destroyed, 0);
+    }
+    EXPECT_EQ(destroyed, 1);
+
+    // A stack lets go of what it pops at once.
+    SSLifo<SSRef<SSYaccStackElement>> stack(1, 1);
+    stack.push(SSMakeCounted<CountedElement>(&destroyed));
+    stack.push(SSMakeCounted<CountedElement>(&destroyed));
+    stack.pop(1);
+    EXPECT_EQ(destroyed, 2);
+}
+
+TEST(RuntimeReferences, LexemeTextSitsBehindTheObjectWithTwoZeros) {
+    SSRef<SSLexLexeme> lexeme = SSLexLexeme::create(u"%error", 0xFFFFFFFE, 3, 4);
+    EXPECT_EQ(lexeme->wideText(), u"%error");
+    EXPECT_EQ(lexeme->length(), 12u);
+    EXPECT_EQ(lexeme->text()[12], 0);
+    EXPECT_EQ(lexeme->text()[13], 0);
+    EXPECT_EQ(lexeme->parseToken(), 0xFFFFFFFEu);
+    lexeme->setUserValue(7);
+    EXPECT_EQ(lexeme->parseToken(), 7u);
+    EXPECT_EQ(SSRef<SSLexLexeme>(SSLexLexeme::create(u"\u00e9\U0001F600", 1, 0, 0))->displayText(),
+              "\xC3\xA9\xF0\x9F\x98\x80");
+}
+
+TEST(RuntimeExceptions, MessagesAreCutAt127Characters) {
+    std::string text(300, 'x');
+    SSException e(3, text.c_str());
+    EXPECT_EQ(e.message(), text.substr(0, 127));
+    EXPECT_EQ(SSExceptionOutOfStorage().code(), -1);
+    EXPECT_STREQ(SSExceptionOutOfStorage().what(), "SSException0001e: Out of storage");
+    // A formatted text of 512 bytes or more does not fit the buffer.
+    std::string fits(511 - 4, 'y');
+    EXPECT_EQ(Raised([&] { SSExceptionPresent::raise(9, "abc %s", fits.c_str()); }).first, 9);
+    std::string over(512 - 4, 'y');
+    EXPECT_EQ(Raised([&] { SSExceptionPresent::raise(9, "abc %s", over.c_str()); }).first, 46);
+}
+
+TEST(LeadByteClassifier, ModesAndTheirRanges) {
+    struct Case {
+        std::uint32_t mode;
+        std::vector<std::uint8_t> lead;
+        std::vector<std::uint8_t> single;
+    };
+    const std::vector<Case> cases = {
+        {1, {}, {0x00, 0x81, 0xFE, 0xFF}},
+        {2, {0x81, 0x9F, 0xE0, 0xFC}, {0x80, 0xA0, 0xDF, 0xFD, 0x41}},
+        {3, {0xA1, 0xFE}, {0xA0, 0xFF, 0x81}},
+        {4, {0x81, 0xFE}, {0x80, 0xFF}},
+        {5, {0x81, 0xC0, 0xFE}, {0x80, 0xFF, 0x20}},
+        {6, {}, {0x81, 0xA1, 0xFE}},
+        // The process's code page is UTF-8, which has no lead bytes.
+        {0, {}, {0x81, 0xC3, 0xE0, 0xFE}},
+    };
+    for (const Case& c : cases) {
+        rcparsedbcsinfo info(c.mode);
+        for (std::uint8_t b : c.lead)
+            EXPECT_TRUE(info.isLeadByte(b)) << c.mode << " " << int(b);
+        for (std::uint8_t b : c.single)
+            EXPECT_FALSE(info.isLeadByte(b)) << c.mode << " " << int(b);
+    }
+    // An NT platform answers GetVersionExA, so the process asks the platform.
+    EXPECT_EQ(rcparsedbcsinfo::startupMode(), 0u);
+    EXPECT_EQ(rcparsedbcsinfo::instance().mode(), 0u);
+}
+
+TEST(LeadByteClassifier, VersionQueryChecksTheStructureSize) {
+    OSVERSIONINFOA info{};
+    info.dwOSVersionInfoSize = sizeof info - 1;
+    SetLastError(0);
+    EXPECT_FALSE(GetVersionExA(&info));
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    OSVERSIONINFOEXA ex{};
+    ex.dwOSVersionInfoSize = sizeof ex;
+    ASSERT_TRUE(GetVersionExA(reinterpret_cast<OSVERSIONINFOA*>(&ex)));
+    EXPECT_EQ(ex.dwPlatformId, VER_PLATFORM_WIN32_NT);
+    EXPECT_EQ(ex.dwMajorVersion, 6u);
+}
+
+} // namespace
+} // namespace tervane::test
