@@ -10,74 +10,77 @@ namespace {
 
 constexpr LONG kFailure = static_cast<LONG>(0x80004005);
 
-const char* TableName(std::uint16_t kind) {
-    switch (static_cast<LabelKind>(kind)) {
-    case LabelKind::String:
-        return "STRINGRESPARSE";
-    case LabelKind::Menu:
-        return "MENURESPARSE";
-    case LabelKind::Dialog:
-        return "DIALOGRESPARSE";
+// The module's own tables, loaded through the resource calls on first use.
+// A loaded table is read-only and its copies share it, so every label still
+// gets tables of its own for the price of a reference count.
+template <LabelKind kind> struct OwnTables {
+    static const char* Name() {
+        if constexpr (kind == LabelKind::String)
+            return "STRINGRESPARSE";
+        else if constexpr (kind == LabelKind::Menu)
+            return "MENURESPARSE";
+        else
+            return "DIALOGRESPARSE";
     }
-    return nullptr;
-}
-
-template <typename Lex, typename Yacc>
-void Build(SSLexConsumer* consumer, const SSLexTable* lexTable, const SSYaccTable* yaccTable,
-           std::unique_ptr<SSLex>& lex, std::unique_ptr<LabelYaccClass>& yacc) {
-    lex = std::make_unique<Lex>(consumer, lexTable);
-    yacc = std::make_unique<Yacc>(lex.get(), yaccTable);
-}
+    static const SSLexTable& Lex() {
+        static const SSLexTable table(TervaneModuleHandle(), Name(), "SSLEXTABLE");
+        return table;
+    }
+    static const SSYaccTable& Yacc() {
+        static const SSYaccTable table(TervaneModuleHandle(), Name(), "SSYACCTABLE");
+        return table;
+    }
+};
 
 } // namespace
 
-CLabelParser::~CLabelParser() {
-    Reset();
-}
-
 // The parser refers to the lexer and both to the tables: tear down in reverse.
 void CLabelParser::Reset() {
-    yacc_.reset();
-    lex_.reset();
+    lex_ = nullptr;
+    yacc_ = nullptr;
+    engines_.emplace<std::monostate>();
     yaccTable_.reset();
     lexTable_.reset();
     emptyConsumer_.reset();
 }
 
+template <typename Lex, typename Yacc> void CLabelParser::Build() {
+    auto& engines =
+        engines_.emplace<Engines<Lex, Yacc>>(&*emptyConsumer_, &*lexTable_, &*yaccTable_);
+    lex_ = &engines.lex;
+    yacc_ = &engines.yacc;
+}
+
 LONG CLabelParser::Initialise(std::uint16_t kind) {
     kind_ = kind;
     Reset();
-    const char* name = TableName(kind);
-    if (!name)
-        return kFailure;
     try {
-        emptyConsumer_ = std::make_unique<SSLexStringConsumer>(std::u16string_view());
-        // The module's own tables are prepared once and shared, so loading
-        // them for every label costs a lookup, not a copy.
-        lexTable_ = std::make_unique<SSLexTable>(TervaneModuleHandle(), name, "SSLEXTABLE");
-        yaccTable_ = std::make_unique<SSYaccTable>(TervaneModuleHandle(), name, "SSYACCTABLE");
         switch (static_cast<LabelKind>(kind)) {
         case LabelKind::String:
-            Build<StringResLexClass, StringResYaccClass>(emptyConsumer_.get(), lexTable_.get(),
-                                                         yaccTable_.get(), lex_, yacc_);
-            break;
+            emptyConsumer_.emplace(std::u16string_view());
+            lexTable_.emplace(OwnTables<LabelKind::String>::Lex());
+            yaccTable_.emplace(OwnTables<LabelKind::String>::Yacc());
+            Build<StringResLexClass, StringResYaccClass>();
+            return 0;
         case LabelKind::Menu:
-            Build<MenuResLexClass, MenuResYaccClass>(emptyConsumer_.get(), lexTable_.get(),
-                                                     yaccTable_.get(), lex_, yacc_);
-            break;
+            emptyConsumer_.emplace(std::u16string_view());
+            lexTable_.emplace(OwnTables<LabelKind::Menu>::Lex());
+            yaccTable_.emplace(OwnTables<LabelKind::Menu>::Yacc());
+            Build<MenuResLexClass, MenuResYaccClass>();
+            return 0;
         case LabelKind::Dialog:
-            Build<DialogResLexClass, DialogResYaccClass>(emptyConsumer_.get(), lexTable_.get(),
-                                                         yaccTable_.get(), lex_, yacc_);
-            break;
+            emptyConsumer_.emplace(std::u16string_view());
+            lexTable_.emplace(OwnTables<LabelKind::Dialog>::Lex());
+            yaccTable_.emplace(OwnTables<LabelKind::Dialog>::Yacc());
+            Build<DialogResLexClass, DialogResYaccClass>();
+            return 0;
         }
     } catch (const std::bad_alloc&) {
         Reset();
-        return kFailure;
     } catch (const SSExceptionOutOfStorage&) {
         Reset();
-        return kFailure;
     }
-    return 0;
+    return kFailure;
 }
 
 void CLabelParser::Parse(std::u16string_view text, LabelTokenList& tokens) {

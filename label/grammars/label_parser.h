@@ -2,8 +2,9 @@
 // The façade over the three label grammars: Initialise, then Parse, for every
 // label.
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <string_view>
+#include <variant>
 
 #include "label/grammars/label_grammars.h"
 #include "label/grammars/label_token.h"
@@ -19,7 +20,7 @@ public:
     CLabelParser() = default;
     CLabelParser(const CLabelParser&) = delete;
     CLabelParser& operator=(const CLabelParser&) = delete;
-    ~CLabelParser();
+    ~CLabelParser() { Reset(); }
 
     // Builds the tables, lexer and parser of one kind (1 String, 2 Menu,
     // 3 Dialog). 0 on success, 0x80004005 for an unknown kind or a failed
@@ -35,13 +36,25 @@ public:
     std::uint16_t kind() const { return kind_; }
 
 private:
+    // A grammar's lexer and parser, built in place: no allocation per label.
+    template <typename Lex, typename Yacc> struct Engines {
+        Engines(SSLexConsumer* consumer, const SSLexTable* lexTable, const SSYaccTable* yaccTable)
+            : lex(consumer, lexTable), yacc(&lex, yaccTable) {}
+        Lex lex;
+        Yacc yacc;
+    };
+    template <typename Lex, typename Yacc> void Build();
     void Reset();
 
-    std::unique_ptr<SSLexTable> lexTable_;
-    std::unique_ptr<SSYaccTable> yaccTable_;
-    std::unique_ptr<LabelYaccClass> yacc_;
-    std::unique_ptr<SSLex> lex_;
-    std::unique_ptr<SSLexConsumer> emptyConsumer_;
+    std::optional<SSLexStringConsumer> emptyConsumer_;
+    std::optional<SSLexTable> lexTable_;
+    std::optional<SSYaccTable> yaccTable_;
+    std::variant<std::monostate, Engines<StringResLexClass, StringResYaccClass>,
+                 Engines<MenuResLexClass, MenuResYaccClass>,
+                 Engines<DialogResLexClass, DialogResYaccClass>>
+        engines_;
+    SSLex* lex_ = nullptr;
+    LabelYaccClass* yacc_ = nullptr;
     std::uint16_t kind_ = 0;
 };
 
