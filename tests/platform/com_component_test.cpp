@@ -1,0 +1,226 @@
+// Identity, counts and aggregation of components, and creation by class.
+#include <gtest/gtest.h>
+
+#include "platform/com/class_objects.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/component.h"
+#include "platform/com/dispatch.h"
+
+namespace tervane {
+namespace {
+
+struct IAlpha : IUnknown {
+    static constexpr IID iid = MakeGuid("{11111111-0000-0000-0000-000000000001}");
+    virtual HRESULT Value(LONG* out) = 0;
+};
+struct IBeta : IDispatch {
+    static constexpr IID iid = MakeGuid("{11111111-0000-0000-0000-000000000002}");
+    virtual HRESULT Twice(LONG in, LONG* out) = 0;
+};
+struct INever : IUnknown {
+    static constexpr IID iid = MakeGuid("{11111111-0000-0000-0000-000000000003}");
+};
+
+int g_alive = 0;
+
+class Widget : public ComObjectRoot, public IAlpha, public DispatchWithoutTypeInfo<IBeta> {
+public:
+    static InterfaceMap<Widget> Interfaces() {
+        static const InterfaceEntry<Widget> map[] = {
+            Entry<Widget, IAlpha>(), Entry<Widget, IBeta>(), Entry<Widget, IDispatch, IBeta>()};
+        return map;
+    }
+    Widget() { ++g_alive; }
+    ~Widget() { --g_alive; }
+    HRESULT Value(LONG* out) override {
+        *out = 7;
+        return S_OK;
+    }
+    HRESULT Twice(LONG in, LONG* out) override {
+        *out = 2 * in;
+        return S_OK;
+    }
+};
+
+ULONG Count(IUnknown* unknown) {
+    unknown->AddRef();
+    return unknown->Release();
+}
+
+IUnknown* Identity(IUnknown* unknown) {
+    IUnknown* identity = nullptr;
+    EXPECT_EQ(unknown->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&identity)), S_OK);
+    identity->Release();
+    return identity;
+}
+
+TEST(Component, PlainObjectHasOneIdentityAndCountsEveryReference) {
+    LONG locks = ModuleLockCount();
+    ComPtr<IAlpha> alpha;
+    ASSERT_EQ(CreateComInstance<Widget>(nullptr, IAlpha::iid, alpha.ReceiveVoid()), S_OK);
+    EXPECT_EQ(g_alive, 1);
+    EXPECT_EQ(ModuleLockCount(), locks + 1);
+    EXPECT_EQ(Count(alpha.get()), 1u);
+
+    ComPtr<IBeta> beta;
+    ASSERT_EQ(alpha.As(beta), S_OK);
+    ComPtr<IDispatch> dispatch;
+    ASSERT_EQ(alpha.As(dispatch), S_OK);
+    EXPECT_EQ(static_cast<IDispatch*>(beta.get()), dispatch.get()) << "IDispatch stands for IBeta";
+    EXPECT_EQ(Count(alpha.get()), 3u);
+    EXPECT_EQ(Identity(alpha.get()), Identity(beta.get()));
+    EXPECT_EQ(Identity(beta.get()), static_cast<IUnknown*>(alpha.get())) << "first entry";
+    LONG twice = 0;
+    EXPECT_EQ(beta->Twice(21, &twice), S_OK);
+    EXPECT_EQ(twice, 42);
+    UINT count = 9;
+    EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
+    EXPECT_EQ(count, 0u);
+
+    ComPtr<INever> never;
+    EXPECT_EQ(alpha.As(never), E_NOINTERFACE);
+    EXPECT_EQ(never.get(), nullptr);
+    EXPECT_EQ(alpha->QueryInterface(IAlpha::iid, nullptr), E_POINTER);
+
+    alpha.Reset();
+    beta.Reset();
+    EXPECT_EQ(g_alive, 1);
+    dispatch.Reset();
+    EXPECT_EQ(g_alive, 0);
+    EXPECT_EQ(ModuleLockCount(), locks);
+}
+
+// An outer object that aggregates a Widget and answers for IAlpha itself.
+class Outer : public IUnknown {
+public:
+    Outer() {
+        EXPECT_EQ(CreateComInstance<Widget>(this, IID_IUnknown, inner_.ReceiveVoid()), S_OK);
+    }
+    HRESULT QueryInterface(REFIID riid, void** object) override {
+        if (riid == IID_IUnknown) {
+            *object = static_cast<IUnknown*>(this);
+            AddRef();
+            return S_OK;
+        }
+        if (riid == IBeta::iid || riid == IID_IDispatch)
+            return inner_->QueryInterface(riid, object);
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG AddRef() override { return ++refs_; }
+    ULONG Release() override { return --refs_; }
+    ULONG refs_ = 1;
+    ComPtr<IUnknown> inner_;
+};
+
+TEST(Component, AggregatedObjectDelegatesToTheOuterIdentity) {
+    {
+        Outer outer;
+        ASSERT_TRUE(outer.inner_);
+        EXPECT_EQ(g_alive, 1);
+        EXPECT_EQ(Count(outer.inner_.get()), 1u) << "the outer holds the only inner reference";
+
+        ComPtr<IBeta> beta;
+        ASSERT_EQ(QueryInterfaceAs(&outer, beta.Receive()), S_OK);
+        EXPECT_EQ(outer.refs_, 2u) << "references through the inner go to the outer";
+        EXPECT_EQ(Count(outer.inner_.get()), 1u);
+        EXPECT_EQ(Identity(beta.get()), static_cast<IUnknown*>(&outer));
+
+        // The inner's interfaces ask the outer, which doesn't give IAlpha out.
+        ComPtr<IAlpha> alpha;
+        EXPECT_EQ(beta.As(alpha), E_NOINTERFACE);
+
+        // The non-delegating IUnknown answers as the plain form would, with
+        // its own identity.
+        ComPtr<IAlpha> direct;
+        ASSERT_EQ(outer.inner_->QueryInterface(IAlpha::iid, direct.ReceiveVoid()), S_OK);
+        EXPECT_EQ(Identity(direct.get()), static_cast<IUnknown*>(&outer));
+        IUnknown* innerIdentity = nullptr;
+        ASSERT_EQ(
+            outer.inner_->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&innerIdentity)),
+            S_OK);
+        EXPECT_EQ(innerIdentity, outer.inner_.get());
+        innerIdentity->Release();
+        direct.Reset();
+        beta.Reset();
+        EXPECT_EQ(outer.refs_, 1u);
+    }
+    EXPECT_EQ(g_alive, 0);
+}
+
+TEST(Component, FactoryRefusesAggregationForOtherInterfaces) {
+    Outer outer;
+    struct Case {
+        IUnknown* outer;
+        const IID* iid;
+        HRESULT expected;
+    };
+    const Case cases[] = {
+        {nullptr, &IAlpha::iid, S_OK},
+        {nullptr, &IID_IUnknown, S_OK},
+        {nullptr, &INever::iid, E_NOINTERFACE},
+        {&outer, &IID_IUnknown, S_OK},
+        {&outer, &IAlpha::iid, CLASS_E_NOAGGREGATION},
+        {&outer, &IID_IDispatch, CLASS_E_NOAGGREGATION},
+    };
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(CreateClassFactory<Widget>(factory.Receive()), S_OK);
+    LONG locks = ModuleLockCount();
+    for (const Case& c : cases) {
+        void* object = &outer;
+        EXPECT_EQ(factory->CreateInstance(c.outer, *c.iid, &object), c.expected)
+            << GuidToString(*c.iid);
+        EXPECT_EQ(object == nullptr, FAILED(c.expected));
+        if (object)
+            static_cast<IUnknown*>(object)->Release();
+    }
+    EXPECT_EQ(g_alive, 1) << "only the outer's own inner";
+    EXPECT_EQ(factory->CreateInstance(nullptr, IAlpha::iid, nullptr), E_POINTER);
+    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+    EXPECT_EQ(ModuleLockCount(), locks + 1);
+    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+    EXPECT_EQ(ModuleLockCount(), locks);
+}
+
+TEST(Component, CoCreateInstanceFindsRegisteredClassesOnly) {
+    const CLSID clsid = MakeGuid("{11111111-0000-0000-0000-0000000000C1}");
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(CreateClassFactory<Widget>(factory.Receive()), S_OK);
+    DWORD cookie = 0;
+    ASSERT_EQ(CoRegisterClassObject(clsid, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                                    &cookie),
+              S_OK);
+
+    ComPtr<IUnknown> unknown;
+    ASSERT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IUnknown, unknown.ReceiveVoid()),
+              S_OK);
+    EXPECT_EQ(OleRun(unknown.get()), S_OK);
+    ComPtr<IAlpha> alpha;
+    ASSERT_EQ(unknown.As(alpha), S_OK);
+    LONG value = 0;
+    EXPECT_EQ(alpha->Value(&value), S_OK);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(
+        CoCreateInstance(clsid, nullptr, CLSCTX_LOCAL_SERVER, IID_IUnknown, unknown.ReceiveVoid()),
+        REGDB_E_CLASSNOTREG);
+
+    EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
+    EXPECT_EQ(CoRevokeClassObject(cookie), CO_E_OBJNOTREG);
+    void* object = &value;
+    EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IUnknown, &object),
+              REGDB_E_CLASSNOTREG);
+    EXPECT_EQ(object, nullptr);
+    alpha.Reset();
+    unknown.Reset();
+    EXPECT_EQ(g_alive, 0);
+}
+
+TEST(Component, ProgIdsByClass) {
+    const CLSID clsid = MakeGuid("{11111111-0000-0000-0000-0000000000C2}");
+    EXPECT_FALSE(ProgIdOf(clsid));
+    RegisterProgId(clsid, u"Zelkor.Test.1");
+    EXPECT_EQ(ProgIdOf(clsid), u"Zelkor.Test.1");
+}
+
+} // namespace
+} // namespace tervane
