@@ -1,0 +1,70 @@
+#include "platform/locale/utf8.h"
+
+namespace tervane::locale {
+
+char32_t DecodeUtf8(std::string_view text, std::size_t& pos) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char first = byte(pos++);
+    if (first < 0x80)
+        return first;
+    int following;
+    char32_t value;
+    if (first >= 0xC2 && first <= 0xDF) {
+        following = 1;
+        value = first & 0x1F;
+    } else if (first >= 0xE0 && first <= 0xEF) {
+        following = 2;
+        value = first & 0x0F;
+    } else if (first >= 0xF0 && first <= 0xF4) {
+        following = 3;
+        value = first & 0x07;
+    } else {
+        return kUtf8Invalid; // a continuation byte, C0, C1 or F5..FF
+    }
+    for (int k = 0; k < following; ++k) {
+        if (pos >= text.size())
+            return kUtf8Invalid;
+        const unsigned char next = byte(pos) ^ 0x80;
+        if (next >= 0x40)
+            return kUtf8Invalid; // not consumed: it may start the next character
+        value = (value << 6) | next;
+        const bool second = k == 0;
+        // Beyond U+10FFFF shows at the third byte of four, which is then left.
+        if (following == 3 && k == 1 && value >= (0x110000 >> 6))
+            return kUtf8Invalid;
+        ++pos;
+        if (second && following == 3 && value < 0x10)
+            return kUtf8Invalid; // overlong
+        if (second && following == 2 && value < 0x20)
+            return kUtf8Invalid; // overlong
+        if (second && following == 2 && value >= (0xD800 >> 6) && value <= (0xDFFF >> 6)) {
+            return kUtf8Invalid; // a surrogate's code point
+        }
+    }
+    return value;
+}
+
+int EncodeUtf8(char32_t c, char* out) {
+    if (c < 0x80) {
+        out[0] = static_cast<char>(c);
+        return 1;
+    }
+    if (c < 0x800) {
+        out[0] = static_cast<char>(0xC0 | (c >> 6));
+        out[1] = static_cast<char>(0x80 | (c & 0x3F));
+        return 2;
+    }
+    if (c < 0x10000) {
+        out[0] = static_cast<char>(0xE0 | (c >> 12));
+        out[1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out[2] = static_cast<char>(0x80 | (c & 0x3F));
+        return 3;
+    }
+    out[0] = static_cast<char>(0xF0 | (c >> 18));
+    out[1] = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    out[2] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out[3] = static_cast<char>(0x80 | (c & 0x3F));
+    return 4;
+}
+
+} // namespace tervane::locale

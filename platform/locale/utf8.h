@@ -1,0 +1,19 @@
+#pragma once
+// UTF-8 as Windows reads and writes it: each ill-formed part of the input
+// stands for one U+FFFD, cut where the first byte that cannot continue it
+// begins (an overlong or surrogate form ends at its second byte).
+#include <cstddef>
+#include <string_view>
+
+namespace tervane::locale {
+
+inline constexpr char32_t kUtf8Invalid = 0xFFFFFFFF;
+
+// Reads one character at text[pos] and moves pos behind it; kUtf8Invalid for
+// an ill-formed part, which is then consumed whole.
+char32_t DecodeUtf8(std::string_view text, std::size_t& pos);
+
+// Writes the UTF-8 form of a scalar value into out (room for 4) and gives its length.
+int EncodeUtf8(char32_t c, char* out);
+
+} // namespace tervane::locale

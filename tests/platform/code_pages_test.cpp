@@ -1,0 +1,276 @@
+#include "platform/locale/code_pages.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/win32/last_error.h"
+#include "tests/support/fixtures.h"
+
+namespace {
+
+std::u16string ToWide(const std::string& text, UINT codePage, DWORD flags = 0) {
+    char16_t buffer[64];
+    SetLastError(0);
+    const int n = MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()),
+                                      buffer, 64);
+    return std::u16string(buffer, static_cast<std::size_t>(n));
+}
+
+std::string Hex(std::u16string_view text) {
+    std::string out;
+    char unit[8];
+    for (const char16_t c : text) {
+        std::snprintf(unit, sizeof unit, "%s%04x", out.empty() ? "" : " ", unsigned{c});
+        out += unit;
+    }
+    return out;
+}
+
+std::string Hex(std::string_view text) {
+    std::string out;
+    char unit[8];
+    for (const char c : text) {
+        std::snprintf(unit, sizeof unit, "%s%02x", out.empty() ? "" : " ",
+                      unsigned{static_cast<unsigned char>(c)});
+        out += unit;
+    }
+    return out;
+}
+
+// Expected values as Windows gives them.
+TEST(CodePages, DecodingReplacesWhatItCannotRead) {
+    struct Case {
+        UINT codePage;
+        std::string bytes;
+        std::string units;
+    };
+    const Case cases[] = {
+        {CP_UTF8, "A\xC3\xA6", "0041 00e6"},
+        {CP_UTF8, "\xF0\x9F\x98\x80", "d83d de00"},
+        {CP_UTF8, "\xC0\xAF", "fffd fffd"},     // C0 never starts a character
+        {CP_UTF8, "\xED\xA0\x80", "fffd fffd"}, // a surrogate ends at its second byte
+        {CP_UTF8, "\xED\xBF\xBF", "fffd fffd"},
+        {CP_UTF8, "\xF4\x90\x80\x80", "fffd fffd fffd"}, // past U+10FFFF
+        {CP_UTF8,
+         "\xE0\x80\x80"
+         "A",
+         "fffd fffd 0041"}, // overlong
+        {CP_UTF8,
+         "\xE2\x82"
+         "A",
+         "fffd 0041"}, // cut short before a letter
+        {CP_UTF8,
+         "\x80"
+         "A",
+         "fffd 0041"},
+        {CP_UTF8, "\xF0\x9F\x98", "fffd"}, // cut short at the end
+        {CP_UTF8, "\xF8\x88\x80\x80", "fffd fffd fffd fffd"},
+        {CP_UTF8, "\xEF\xBF\xBD", "fffd"},
+        {CP_ACP, "\xC3\xB6", "00f6"},
+        {932, "\x81\x40", "3000"},
+        {932, "\x81", "30fb"}, // a lead byte at the end
+        {932, "A\x81", "0041 30fb"},
+        {932, "\x81\x20", "30fb"},                      // a bad trail byte goes with its lead
+        {932, std::string("\x81\x00", 2), "30fb 0000"}, // but a NUL does not
+        {932, "\x85\x41", "30fb"},
+        {932, "\x5C\x80\xA0\xFD\xFF", "005c 0080 f8f0 f8f1 f8f3"},
+        {932, "\xA5", "ff65"},
+        {932, "\xF0\x40", "e000"},
+        {936, "\x80", "20ac"},
+        {936, "\x81", "003f"},
+        {936, "\x81\x20", "003f"},
+        {936, "\xFF", "f8f5"},
+        {949, "\x80", "0080"},
+        {949, "\x81\x20", "003f"},
+        {950, "\x81\x20", "003f"},
+        {950, "\xA1\x40", "3000"},
+        {1252, "\x80\x81\x8D\x8F\x90\x9D", "20ac 0081 008d 008f 0090 009d"},
+        {1253, "\xAA\xD2\xFF", "f8f9 f8fa f8fb"},
+        {1255, "\xCA\xDB\xFB\xFF", "05ba f88f f894 f896"},
+        {874, "\x80\xDB", "20ac f8c1"},
+        {1257, "\xA1\xA5", "f8fc f8fd"},
+        {1258, "\xCC", "0300"},
+        {1258, "A\xCC", "0041 0300"}, // never composed
+        {866, "\x80\xF0", "0410 0401"},
+        {437, "\x80\xE1", "00c7 00df"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.codePage);
+        SCOPED_TRACE(Hex(c.bytes));
+        EXPECT_EQ(Hex(ToWide(c.bytes, c.codePage)), c.units);
+        EXPECT_EQ(GetLastError(), 0u);
+    }
+}
+
+TEST(CodePages, EncodingUsesTheDefaultCharacter) {
+    struct Case {
+        UINT codePage;
+        std::u16string units;
+        std::string bytes;
+        BOOL used;
+    };
+    const Case cases[] = {
+        {1252, u"A\u20AC\u3042", "41 80 3f", TRUE},
+        {1252, u"\u0081", "81", FALSE},
+        {1252, u"\xD800", "3f", TRUE},
+        {1252, u"\U0001F600", "3f 3f", TRUE}, // each half of a pair
+        // No best fit: Windows would give 'A' for U+0100.
+        {1250, u"\u0100", "3f", TRUE},
+        {932, u"A\u3042\\", "41 82 a0 5c", FALSE},
+        {932, u"\u30FB", "81 45", FALSE},
+        {932, u"\u20AC", "3f", TRUE},
+        {936, u"\u20AC\u4E00", "80 d2 bb", FALSE}, // the euro's own byte, not its pair
+        {949, u"\u20AC", "a2 e6", FALSE},
+        {950, u"\u20AC\u5341", "a3 e1 a4 51", FALSE},
+        {874, u"\u0E01", "a1", FALSE},
+        {1258, u"Vi\u00EA\u0323t", "56 69 ea f2 74", FALSE},
+        {1258, u"\u1EC7", "3f", TRUE}, // precomposed forms have no byte
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.codePage);
+        SCOPED_TRACE(Hex(c.units));
+        char buffer[32];
+        BOOL used = 7;
+        const int n =
+            WideCharToMultiByte(c.codePage, 0, c.units.data(), static_cast<int>(c.units.size()),
+                                buffer, sizeof buffer, nullptr, &used);
+        EXPECT_EQ(Hex(std::string_view(buffer, static_cast<std::size_t>(n))), c.bytes);
+        EXPECT_EQ(used, c.used);
+    }
+    const std::pair<std::u16string, std::string> utf8[] = {
+        {u"\xD800"
+         u"A",
+         "ef bf bd 41"},
+        {u"\xDC00", "ef bf bd"},
+        {u"\xD83D\xDE00", "f0 9f 98 80"},
+        {u"\u00F6\u20AC", "c3 b6 e2 82 ac"},
+    };
+    for (const auto& [units, bytes] : utf8) {
+        EXPECT_EQ(Hex(tervane::Narrow(units, CP_UTF8)), bytes);
+    }
+    char buffer[8];
+    const char16_t euro[] = u"\u20AC";
+    BOOL used = FALSE;
+    EXPECT_EQ(WideCharToMultiByte(1252, 0, u"\u3042", 1, buffer, 8, "#", &used), 1);
+    EXPECT_EQ(buffer[0], '#');
+    EXPECT_TRUE(used);
+    EXPECT_EQ(WideCharToMultiByte(932, 0, euro, 1, buffer, 8, "\x81\x48", &used), 2);
+    EXPECT_EQ(Hex(std::string_view(buffer, 2)), "81 48"); // a two-byte default in a DBCS page
+}
+
+// Real text in each ANSI code page, both ways.
+TEST(CodePages, RoundTripsOfEachAnsiCodePage) {
+    struct Case {
+        UINT codePage;
+        std::u16string text;
+        std::string bytes;
+    };
+    const Case cases[] = {
+        {874, u"\u0E2A\u0E27\u0E31\u0E2A\u0E14\u0E35", "\xCA\xC7\xD1\xCA\xB4\xD5"},
+        {932, u"\u65E5\u672C\u8A9E\u30C6\u30AD\u30B9\u30C8 \\",
+         "\x93\xFA\x96\x7B\x8C\xEA\x83\x65\x83\x4C\x83\x58\x83\x67 \\"},
+        {936, u"\u4E2D\u6587 \u20AC", "\xD6\xD0\xCE\xC4 \x80"},
+        {949, u"\uD55C\uAD6D\uC5B4", "\xC7\xD1\xB1\xB9\xBE\xEE"},
+        {950, u"\u4E2D\u6587", "\xA4\xA4\xA4\xE5"},
+        {1250, u"P\u0159\u00EDli\u0161 \u017Elu\u0165ou\u010Dk\u00FD",
+         "P\xF8\xEDli\x9A \x9Elu\x9Dou\xE8k\xFD"},
+        {1251, u"\u041F\u0440\u0438\u0432\u0435\u0442", "\xCF\xF0\xE8\xE2\xE5\xF2"},
+        {1252, u"Gr\u00FC\u00DFe \u20AC\u2026",
+         "Gr\xFC\xDF"
+         "e \x80\x85"},
+        {1253, u"\u039A\u03B1\u03BB\u03B7\u03BC\u03AD\u03C1\u03B1",
+         "\xCA\xE1\xEB\xE7\xEC\xDD\xF1\xE1"},
+        {1254, u"G\u00FCnayd\u0131n \u015F", "G\xFCnayd\xFDn \xFE"},
+        {1255, u"\u05E9\u05DC\u05D5\u05DD", "\xF9\xEC\xE5\xED"},
+        {1256, u"\u0645\u0631\u062D\u0628\u0627", "\xE3\xD1\xCD\xC8\xC7"},
+        {1257, u"\u0104\u017Euolas \u0173", "\xC0\xFEuolas \xF8"},
+        {1258, u"Vi\u00EA\u0323t", "Vi\xEA\xF2t"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.codePage);
+        EXPECT_EQ(Hex(tervane::Narrow(c.text, c.codePage)), Hex(c.bytes));
+        EXPECT_EQ(Hex(tervane::Widen(c.bytes, c.codePage)), Hex(c.text));
+    }
+    EXPECT_EQ(tervane::Widen("\xC3\xA9t\xC3\xA9"), u"\u00E9t\u00E9"); // CP_ACP is UTF-8
+    EXPECT_EQ(tervane::Narrow(u"\u00E9t\u00E9"), "\xC3\xA9t\xC3\xA9");
+}
+
+TEST(CodePages, SizesAndFailures) {
+    char16_t wide[8];
+    char narrow[8];
+    const auto run = [](int result) { return std::make_pair(result, GetLastError()); };
+    SetLastError(0);
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, "abc", -1, nullptr, 0)), std::make_pair(4, 0u));
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, "abc", -1, wide, 4)), std::make_pair(4, 0u));
+    EXPECT_EQ(wide[3], u'\0');
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, "abc", 3, wide, 3)), std::make_pair(3, 0u));
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, "abc", -1, wide, 3)),
+              std::make_pair(0, ERROR_INSUFFICIENT_BUFFER));
+    SetLastError(0);
+    EXPECT_EQ(run(MultiByteToWideChar(932, 0, "\x82\xA0", 2, nullptr, 0)), std::make_pair(1, 0u));
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, "abc", 0, wide, 8)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, nullptr, 3, wide, 8)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(run(MultiByteToWideChar(1252, 0, "abc", 3, nullptr, 8)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(run(MultiByteToWideChar(12345, 0, "abc", 3, wide, 8)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(run(MultiByteToWideChar(CP_UTF8, MB_PRECOMPOSED, "abc", 3, wide, 8)),
+              std::make_pair(0, ERROR_INVALID_FLAGS));
+    SetLastError(0);
+    EXPECT_EQ(run(MultiByteToWideChar(CP_ACP, MB_PRECOMPOSED, "abc", 3, wide, 8)),
+              std::make_pair(3, 0u));
+    EXPECT_EQ(run(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, "a\xC3", 2, wide, 8)),
+              std::make_pair(0, ERROR_NO_UNICODE_TRANSLATION));
+    EXPECT_EQ(run(MultiByteToWideChar(932, MB_ERR_INVALID_CHARS, "\x81", 1, wide, 8)),
+              std::make_pair(0, ERROR_NO_UNICODE_TRANSLATION));
+
+    SetLastError(0);
+    EXPECT_EQ(run(WideCharToMultiByte(1252, 0, u"ab", -1, nullptr, 0, nullptr, nullptr)),
+              std::make_pair(3, 0u));
+    EXPECT_EQ(run(WideCharToMultiByte(CP_UTF8, 0, u"\u20AC", -1, nullptr, 0, nullptr, nullptr)),
+              std::make_pair(4, 0u));
+    EXPECT_EQ(run(WideCharToMultiByte(CP_UTF8, 0, u"\u20AC", 1, narrow, 2, nullptr, nullptr)),
+              std::make_pair(0, ERROR_INSUFFICIENT_BUFFER));
+    // A two-byte character never leaves its lead byte alone at the end.
+    EXPECT_EQ(run(WideCharToMultiByte(932, 0, u"A\u3042", 2, narrow, 2, nullptr, nullptr)),
+              std::make_pair(0, ERROR_INSUFFICIENT_BUFFER));
+    BOOL used = FALSE;
+    EXPECT_EQ(run(WideCharToMultiByte(CP_UTF8, 0, u"a", 1, narrow, 8, nullptr, &used)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(run(WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, u"\xD800", 1, narrow, 8,
+                                      nullptr, nullptr)),
+              std::make_pair(0, ERROR_NO_UNICODE_TRANSLATION));
+    EXPECT_EQ(run(WideCharToMultiByte(1252, 0, u"a", 0, narrow, 8, nullptr, nullptr)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(run(WideCharToMultiByte(42424, 0, u"a", 1, narrow, 8, nullptr, nullptr)),
+              std::make_pair(0, ERROR_INVALID_PARAMETER));
+    EXPECT_EQ(tervane::Widen("abc", 42424), u"");
+}
+
+TEST(CodePages, LeadBytes) {
+    struct Case {
+        UINT codePage;
+        BYTE byte;
+        BOOL lead;
+    };
+    const Case cases[] = {
+        {932, 0x80, FALSE},  {932, 0x81, TRUE},      {932, 0x9F, TRUE},     {932, 0xA0, FALSE},
+        {932, 0xDF, FALSE},  {932, 0xE0, TRUE},      {932, 0xFC, TRUE},     {932, 0xFD, FALSE},
+        {936, 0x80, FALSE},  {936, 0x81, TRUE},      {936, 0xFE, TRUE},     {936, 0xFF, FALSE},
+        {949, 0x81, TRUE},   {949, 0xFE, TRUE},      {950, 0x81, TRUE},     {950, 0x40, FALSE},
+        {1252, 0x81, FALSE}, {CP_UTF8, 0xC3, FALSE}, {CP_ACP, 0xE3, FALSE},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(IsDBCSLeadByteEx(c.codePage, c.byte), c.lead) << c.codePage << " " << int{c.byte};
+    }
+    for (int b = 0; b < 256; ++b)
+        EXPECT_FALSE(IsDBCSLeadByte(static_cast<BYTE>(b)));
+    EXPECT_EQ(GetACP(), 65001u);
+    EXPECT_EQ(GetOEMCP(), 65001u);
+}
+
+} // namespace
