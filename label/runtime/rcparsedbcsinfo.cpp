@@ -3,16 +3,12 @@
 #include "platform/locale/code_pages.h"
 #include "platform/win32/os_version.h"
 
-// Weak until the code page layer defines it; the process's code page is
-// UTF-8, which has no lead bytes, and that is the answer meanwhile.
-BOOL IsDBCSLeadByte(BYTE testChar) __attribute__((weak));
-
 namespace tervane {
 
 bool rcparsedbcsinfo::isLeadByte(std::uint8_t byte) const {
     switch (mode_) {
     case 0:
-        return IsDBCSLeadByte && IsDBCSLeadByte(byte) != FALSE;
+        return IsDBCSLeadByte(byte) != FALSE;
     case 1:
         return false;
     case 2:

@@ -24,6 +24,8 @@ public:
 
     void destroy() override;
 
+    // False: the text lies in the same allocation, behind the object.
+    bool ownsText() const { return ownsText_; }
     bool narrow() const { return narrow_; }
     std::uint32_t line() const { return line_; }
     std::uint32_t token() const { return token_; }
