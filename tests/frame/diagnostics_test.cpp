@@ -1,0 +1,273 @@
+// The event log, CheckLastError, ReportError, the trace sink and the
+// exception family.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "frame/diagnostics/event_logging.h"
+#include "frame/diagnostics/exceptions.h"
+#include "frame/diagnostics/report_error.h"
+#include "frame/diagnostics/trace.h"
+#include "platform/com/class_objects.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/error_info.h"
+#include "platform/diag/event_log.h"
+#include "platform/diag/trace_sink.h"
+#include "platform/win32/last_error.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane {
+namespace {
+
+std::string Slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// Points the event log at a fresh file for one test.
+class EventLogFile : public ::testing::Test {
+protected:
+    void SetUp() override {
+        path_ = test::TempDir() + "/events.log";
+        setenv(kEventLogVariable, path_.c_str(), 1);
+    }
+    void TearDown() override { unsetenv(kEventLogVariable); }
+    std::string Log() const { return Slurp(path_); }
+    std::string path_;
+};
+
+TEST_F(EventLogFile, CheckLastErrorLogsOnlyASetError) {
+    struct Case {
+        DWORD lastError;
+        int result;
+        const char* logged;
+    };
+    const Case cases[] = {
+        {0, 0, nullptr},
+        {ERROR_ACCESS_DENIED, 1, "Access is denied."},
+        {ERROR_RESOURCE_TYPE_NOT_FOUND, 1,
+         "The specified resource type cannot be found in the image file."},
+        {ERROR_BAD_EXE_FORMAT, 1, "%1 is not a valid Win32 application."},
+        {0x7FFF, 1, ""}, // no text: the event is still written
+    };
+    for (const Case& c : cases) {
+        std::size_t before = Log().size();
+        SetLastError(c.lastError);
+        EXPECT_EQ(CheckLastError("CResourceParserImpl::GetResourceBuffer"), c.result);
+        std::string added = Log().substr(before);
+        if (c.logged == nullptr) {
+            EXPECT_EQ(added, "");
+            continue;
+        }
+        EXPECT_NE(added.find(std::string(" error 0xC0000004 category 0: ") + c.logged + "\n"),
+                  std::string::npos)
+            << added;
+        EXPECT_NE(added.find("TervaneFilter["), std::string::npos) << "source from string 100";
+        EXPECT_EQ(added.find("GetResourceBuffer"), std::string::npos) << "context is not logged";
+        EXPECT_EQ(added.find('\r'), std::string::npos);
+        EXPECT_EQ(added.back(), '\n');
+    }
+}
+
+TEST_F(EventLogFile, StaleErrorCountsAndAnUnwritableLogChangesNothing) {
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    SetLastError(GetLastError()); // a successful call that doesn't clear it
+    EXPECT_EQ(CheckLastError("Win32API::FindFile"), 1);
+
+    setenv(kEventLogVariable, "/proc/tervane-no-such-dir/events.log", 1);
+    SetLastError(ERROR_ACCESS_DENIED);
+    EXPECT_EQ(CheckLastError("Win32API::UpdateResource"), 1);
+}
+
+TEST_F(EventLogFile, LogEventHonoursTheLevelAndKeepsOneEventPerLine) {
+    LogEvent(EVENTLOG_ERROR_TYPE, "first line\r\nsecond line\r\n");
+    LogEvent(EVENTLOG_WARNING_TYPE, "a warning");
+    LogEvent(8, "above the level");
+    std::string log = Log();
+    EXPECT_NE(log.find(" error 0xC0000004 category 0: first line\n\tsecond line\n"),
+              std::string::npos)
+        << log;
+    EXPECT_NE(log.find(" warning 0xC0000004 category 0: a warning\n"), std::string::npos);
+    EXPECT_EQ(log.find("above the level"), std::string::npos);
+}
+
+TEST(EventLog, HandlesAreCheckedAndServersRefused) {
+    EXPECT_EQ(RegisterEventSourceA("otherhost", "TervaneFilter"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    HANDLE log = RegisterEventSourceA(nullptr, "TervaneFilter");
+    ASSERT_NE(log, nullptr);
+    EXPECT_TRUE(DeregisterEventSource(log));
+    const char* strings[] = {"late"};
+    EXPECT_FALSE(ReportEventA(log, EVENTLOG_ERROR_TYPE, 0, 0, nullptr, 1, 0, strings, nullptr));
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(DeregisterEventSource(log));
+}
+
+TEST(EventLog, PathFollowsTheEnvironment) {
+    struct Case {
+        const char* override;
+        const char* state;
+        const char* home;
+        const char* path;
+    };
+    const Case cases[] = {
+        {"/tmp/x.log", "/state", "/home/u", "/tmp/x.log"},
+        {nullptr, "/state", "/home/u", "/state/tervane/events.log"},
+        {"", "/state", "/home/u", "/state/tervane/events.log"},
+        {nullptr, "relative", "/home/u", "/home/u/.local/state/tervane/events.log"},
+        {nullptr, nullptr, "/home/u", "/home/u/.local/state/tervane/events.log"},
+        {nullptr, nullptr, nullptr, ""},
+    };
+    auto saved = [](const char* name) {
+        const char* v = std::getenv(name);
+        return v ? std::optional<std::string>(v) : std::nullopt;
+    };
+    auto set = [](const char* name, const char* value) {
+        if (value)
+            setenv(name, value, 1);
+        else
+            unsetenv(name);
+    };
+    auto savedState = saved("XDG_STATE_HOME");
+    auto savedHome = saved("HOME");
+    for (const Case& c : cases) {
+        set(kEventLogVariable, c.override);
+        set("XDG_STATE_HOME", c.state);
+        set("HOME", c.home);
+        EXPECT_EQ(EventLogPath(), c.path);
+    }
+    unsetenv(kEventLogVariable);
+    set("XDG_STATE_HOME", savedState ? savedState->c_str() : nullptr);
+    set("HOME", savedHome ? savedHome->c_str() : nullptr);
+}
+
+struct Reported {
+    std::u16string description;
+    std::u16string source;
+    GUID guid{};
+};
+
+std::optional<Reported> TakeErrorInfo() {
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Receive()) != S_OK)
+        return std::nullopt;
+    Reported r;
+    Bstr text;
+    info->GetDescription(text.Receive());
+    r.description = text.str();
+    info->GetSource(text.Receive());
+    r.source = text.str();
+    info->GetGUID(&r.guid);
+    return r;
+}
+
+constexpr CLSID kClass = MakeGuid("{33333333-0000-0000-0000-0000000000C1}");
+constexpr CLSID kUnnamedClass = MakeGuid("{33333333-0000-0000-0000-0000000000C2}");
+constexpr IID kInterface = MakeGuid("{33333333-0000-0000-0000-000000000001}");
+
+TEST(ReportError, FillsTheThreadsErrorInformation) {
+    RegisterProgId(kClass, u"Zelkor.TervaneTest.1");
+    const std::string longText(700, 'x');
+    struct Case {
+        const CLSID* clsid;
+        std::string text;
+        HRESULT hr;
+        std::u16string description;
+        std::u16string source;
+    };
+    const Case cases[] = {
+        {&kClass, "Unexpected error", E_FAIL, u"Unexpected error", u"Zelkor.TervaneTest.1"},
+        {&kClass, longText, E_ACCESSDENIED, std::u16string(700, u'x'), u"Zelkor.TervaneTest.1"},
+        {&kClass,
+         "Gr\xC3\xB6\xC3\x9F"
+         "e\n2",
+         E_FAIL, u"Gr\u00F6\u00DFe\n2", u"Zelkor.TervaneTest.1"},
+        {&kUnnamedClass, "no source", E_FAIL, u"no source", u""},
+        {&CLSID_NULL, "", E_FAIL, u"", u""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(ReportError(*c.clsid, c.text.c_str(), kInterface, c.hr), c.hr);
+        auto reported = TakeErrorInfo();
+        ASSERT_TRUE(reported);
+        EXPECT_EQ(reported->description, c.description);
+        EXPECT_EQ(reported->source, c.source);
+        EXPECT_EQ(reported->guid, kInterface);
+    }
+
+    EXPECT_EQ(ReportError(kClass, u"wide text", kInterface, E_FAIL), E_FAIL);
+    EXPECT_EQ(TakeErrorInfo()->description, u"wide text");
+}
+
+TEST(ReportError, NullNarrowTextLeavesTheOldInformation) {
+    ReportError(kClass, u"earlier", kInterface, E_FAIL);
+    EXPECT_EQ(ReportError(kClass, static_cast<const char*>(nullptr), kInterface, E_FAIL),
+              E_POINTER);
+    auto reported = TakeErrorInfo();
+    ASSERT_TRUE(reported);
+    EXPECT_EQ(reported->description, u"earlier");
+}
+
+TEST(Exceptions, CarryTheirTextsByPointer) {
+    static const char kText[] = "The selected file appears to be of an invalid format";
+    struct Case {
+        TervaneFilterException e;
+        const char* className;
+    };
+    const Case cases[] = {
+        {TervaneFilterException(kText), nullptr},
+        {TervaneFilterException(kText, "TervaneWriter", "raw_Write"), "TervaneWriter"},
+        {IOException(kText, "Win32API", "FindFile"), "Win32API"},
+        {CVerificationException(kText, "CResourceVerifier", "Verify"), "CResourceVerifier"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.e.message, kText) << "the pointer itself, not a copy";
+        EXPECT_STREQ(c.e.what(), kText);
+        EXPECT_EQ(c.e.code, -1);
+        EXPECT_EQ(c.e.className == nullptr, c.className == nullptr);
+        if (c.className) {
+            EXPECT_STREQ(c.e.className, c.className);
+        }
+    }
+
+    try {
+        throw IOException(kText, "Win32API", "FindFile");
+    } catch (const CVerificationException&) {
+        FAIL();
+    } catch (const TervaneFilterException& e) {
+        EXPECT_EQ(e.message, kText);
+        EXPECT_STREQ(e.methodName, "FindFile");
+    }
+
+    CParserException parser(kText);
+    CParserException copy = parser;
+    EXPECT_EQ(copy.message, kText);
+    EXPECT_STRNE(copy.what(), kText) << "what() is std::exception's";
+
+    std::string formatted = "Error: resource 7";
+    const char* kept = KeepText(formatted.c_str());
+    formatted.assign(100, '?');
+    EXPECT_STREQ(kept, "Error: resource 7");
+}
+
+TEST(Trace, GoesToTheAttachedFileOnly) {
+    std::string path = test::TempDir() + "/trace.log";
+    Trace("before any sink");
+    ASSERT_TRUE(AttachTraceFile(path));
+    EXPECT_TRUE(TraceAttached());
+    Trace("Initialising parser");
+    Trace("CodePage of source language is -> 1252 \n");
+    Trace("");
+    DetachTrace();
+    Trace("after the sink");
+    EXPECT_FALSE(TraceAttached());
+    EXPECT_EQ(Slurp(path), "Initialising parser\nCodePage of source language is -> 1252 \n\n");
+    EXPECT_FALSE(AttachTraceFile("/proc/tervane-no-such-dir/trace.log"));
+}
+
+} // namespace
+} // namespace tervane
