@@ -3,6 +3,7 @@
 #include <new>
 #include <string>
 
+#include "frame/component_ids.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
@@ -12,6 +13,8 @@
 namespace tervane {
 
 HRESULT ReportError(const CLSID& clsid, const char16_t* text, const IID& iid, HRESULT hr) {
+    // The module's own classes are always known by their ProgIDs.
+    RegisterComponentProgIds();
     ComPtr<ICreateErrorInfo> create;
     if (SUCCEEDED(CreateErrorInfo(create.Receive()))) {
         create->SetGUID(iid);

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "frame/component_ids.h"
 #include "frame/diagnostics/event_logging.h"
 #include "frame/diagnostics/exceptions.h"
 #include "frame/diagnostics/report_error.h"
@@ -189,6 +190,8 @@ TEST(ReportError, FillsTheThreadsErrorInformation) {
          E_FAIL, u"Gr\u00F6\u00DFe\n2", u"Zelkor.TervaneTest.1"},
         {&kUnnamedClass, "no source", E_FAIL, u"no source", u""},
         {&CLSID_NULL, "", E_FAIL, u"", u""},
+        {&CLSID_TervaneScanner, "scan", E_FAIL, u"scan", u"Zelkor.TervaneScanner.1"},
+        {&CLSID_TervaneVerifier, "verify", E_FAIL, u"verify", u"TervaneFilter.TervaneVerifier.1"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(ReportError(*c.clsid, c.text.c_str(), kInterface, c.hr), c.hr);
