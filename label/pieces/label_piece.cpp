@@ -1,0 +1,88 @@
+#include "label/pieces/label_piece.h"
+
+#include "platform/locale/code_pages.h"
+
+namespace tervane {
+namespace {
+
+std::unique_ptr<CTagLabelPiece> MakeStructural(std::string_view name, std::string_view tagText,
+                                               LONG endTag, LONG startTag) {
+    TagDescriptor tag;
+    tag.name = Widen(name);
+    tag.tagText = Widen(tagText);
+    tag.structural = 1;
+    tag.inlineClass = 0;
+    tag.endTag = endTag;
+    tag.startTag = startTag;
+    tag.inlineTag = 0;
+    return std::make_unique<CTagLabelPiece>(std::move(tag));
+}
+
+} // namespace
+
+std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText) {
+    return MakeStructural(name, tagText, 0, 1);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText) {
+    return MakeStructural(name, tagText, 1, 0);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText) {
+    return MakeStructural(name, tagText, 0, 0);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text) {
+    TagDescriptor tag;
+    tag.name = std::u16string(text);
+    tag.tagText = std::u16string(text);
+    tag.structural = 0;
+    tag.inlineClass = 1;
+    tag.endTag = 0;
+    tag.startTag = 0;
+    tag.inlineTag = 1;
+    return std::make_unique<CTagLabelPiece>(std::move(tag));
+}
+
+std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text) {
+    return std::make_unique<CTextLabelPiece>(std::u16string(text));
+}
+
+const TagDescriptor* TagOf(const CLabelPiece& piece) {
+    const auto* tag = dynamic_cast<const CTagLabelPiece*>(&piece);
+    return tag != nullptr ? &tag->tag : nullptr;
+}
+
+const CTextLabelPiece* TextOf(const CLabelPiece& piece) {
+    return dynamic_cast<const CTextLabelPiece*>(&piece);
+}
+
+std::unique_ptr<CLabelPiece> ClonePiece(const CLabelPiece& piece) {
+    if (const auto* tag = dynamic_cast<const CTagLabelPiece*>(&piece))
+        return std::make_unique<CTagLabelPiece>(*tag);
+    if (const auto* text = dynamic_cast<const CTextLabelPiece*>(&piece))
+        return std::make_unique<CTextLabelPiece>(*text);
+    return std::make_unique<CLabelPiece>(piece);
+}
+
+CLabelPieceList CloneList(const CLabelPieceList& pieces) {
+    CLabelPieceList copy;
+    copy.reserve(pieces.size());
+    for (const auto& piece : pieces)
+        copy.push_back(ClonePiece(*piece));
+    return copy;
+}
+
+std::u16string JoinLabel(const CLabelPieceList& pieces) {
+    std::u16string label;
+    for (const auto& piece : pieces) {
+        if (const CTextLabelPiece* text = TextOf(*piece)) {
+            label += text->text;
+        } else if (const TagDescriptor* tag = TagOf(*piece); tag != nullptr && tag->inlineTag) {
+            label += tag->tagText;
+        }
+    }
+    return label;
+}
+
+} // namespace tervane

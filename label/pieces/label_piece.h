@@ -1,0 +1,77 @@
+#pragma once
+// The pieces that carry a label's text and tags between the resources and the
+// host: a tag or a run of text, told apart by their dynamic type.
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/tag_descriptor.h"
+#include "platform/win32/types.h"
+
+namespace tervane {
+
+// A place in the host's document; opaque here, only compared and handed back.
+struct PiecePosition {
+    LONG first = 0;
+    LONG second = 0;
+    bool operator==(const PiecePosition&) const = default;
+};
+
+struct PieceRange {
+    PiecePosition start;
+    PiecePosition end;
+    bool operator==(const PieceRange&) const = default;
+};
+
+class CLabelPiece {
+public:
+    CLabelPiece() = default;
+    explicit CLabelPiece(const PieceRange& r) : range(r) {}
+    CLabelPiece(const CLabelPiece&) = default;
+    CLabelPiece& operator=(const CLabelPiece&) = default;
+    virtual ~CLabelPiece() = default;
+
+    PieceRange range;
+};
+
+class CTagLabelPiece : public CLabelPiece {
+public:
+    CTagLabelPiece() = default;
+    explicit CTagLabelPiece(TagDescriptor descriptor) : tag(std::move(descriptor)) {}
+
+    TagDescriptor tag;
+};
+
+class CTextLabelPiece : public CLabelPiece {
+public:
+    CTextLabelPiece() = default;
+    explicit CTextLabelPiece(std::u16string t) : text(std::move(t)) {}
+
+    std::u16string text;
+    LONG inSegment = 0; // 1 if the text came between the host's segment marks
+};
+
+// A list owns its pieces, in document order.
+using CLabelPieceList = std::vector<std::unique_ptr<CLabelPiece>>;
+
+// Name and tag text are narrow here and widened with the process's code page.
+std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText);
+std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText);
+std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText);
+std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text);
+std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text);
+
+// The tag of a piece, or null for text and plain pieces.
+const TagDescriptor* TagOf(const CLabelPiece& piece);
+const CTextLabelPiece* TextOf(const CLabelPiece& piece);
+
+// A copy of the piece with its dynamic type and every field.
+std::unique_ptr<CLabelPiece> ClonePiece(const CLabelPiece& piece);
+CLabelPieceList CloneList(const CLabelPieceList& pieces);
+
+// The label as the pieces spell it: text pieces give their text, inline tags
+// their tag text; other tags give nothing.
+std::u16string JoinLabel(const CLabelPieceList& pieces);
+
+} // namespace tervane

@@ -1,0 +1,219 @@
+#include "label/pieces/tag_predicates.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+
+namespace tervane {
+namespace {
+
+using Predicate = bool (*)(const TagDescriptor&);
+
+const std::map<std::string, Predicate>& Predicates() {
+    static const std::map<std::string, Predicate> all = {
+        {"ResourceOpen", IsResourceOpen},
+        {"ResourceClose", IsResourceClose},
+        {"DialogsOpen", IsDialogsOpen},
+        {"DialogsClose", IsDialogsClose},
+        {"DialogOpen", IsDialogOpen},
+        {"DialogClose", IsDialogClose},
+        {"MenuOpen", IsMenuOpen},
+        {"MenuClose", IsMenuClose},
+        {"MenusOpen", IsMenusOpen},
+        {"MenusClose", IsMenusClose},
+        {"StringOpen", IsStringOpen},
+        {"VersionInfoOpen", IsVersionInfoOpen},
+        {"VersionInfoEntryOpen", IsVersionInfoEntryOpen},
+        {"ResourcesOpen", IsResourcesOpen},
+        {"ResourcesClose", IsResourcesClose},
+        {"NamedResourceOpen", IsNamedResourceOpen},
+        {"ShortcutOpen", IsShortcutOpen},
+        {"ShortcutClose", IsShortcutClose},
+        {"SegmentOpen", IsSegmentOpen},
+        {"SegmentClose", IsSegmentClose},
+        {"ControlTextOpen", IsControlTextOpen},
+        {"ControlTextClose", IsControlTextClose},
+        {"ItemOpen", IsItemOpen},
+        {"ItemClose", IsItemClose},
+        {"HasId", HasIdAttribute},
+        {"Separator", IsSeparatorMark},
+        {"Numbered", IsNumberedPlaceholder},
+        {"Fixed", IsFixedInlineTag},
+        {"Ordered", IsOrderedTag},
+    };
+    return all;
+}
+
+enum class Kind { Open, Close, Empty, Inline };
+
+std::unique_ptr<CTagLabelPiece> Make(Kind kind, const std::string& text) {
+    switch (kind) {
+    case Kind::Open:
+        return MakeOpenTag("t", text);
+    case Kind::Close:
+        return MakeCloseTag("t", text);
+    case Kind::Empty:
+        return MakeEmptyTag("t", text);
+    case Kind::Inline:
+        break;
+    }
+    return MakeInlineTag(std::u16string(text.begin(), text.end()));
+}
+
+struct Row {
+    Kind kind;
+    std::string text;
+    std::set<std::string> holds; // every other predicate must be false
+    int kindOfOpen = 0;
+    int kindOfClose = 0;
+};
+
+TEST(TagPredicates, EveryPredicateOnEveryKindOfTag) {
+    const Row rows[] = {
+        {Kind::Open, "<resources>", {"ResourcesOpen", "Ordered"}},
+        {Kind::Close, "</resources>", {"ResourcesClose", "Ordered"}},
+        {Kind::Open, "<stringtable>", {"ResourceOpen", "StringOpen", "Ordered"}, 3},
+        // "string" is in </stringtable>: it ends a segment too.
+        {Kind::Close, "</stringtable>", {"ResourceClose", "SegmentClose", "Ordered"}, 0, 3},
+        {Kind::Open,
+         "<string id=\"97\">",
+         {"StringOpen", "NamedResourceOpen", "SegmentOpen", "HasId", "Ordered"}},
+        {Kind::Close, "</string>", {"SegmentClose", "Ordered"}},
+        {Kind::Open, "<dialogs>", {"DialogsOpen", "DialogOpen", "ResourceOpen", "Ordered"}, 2},
+        {Kind::Close,
+         "</dialogs>",
+         {"DialogsClose", "DialogClose", "ResourceClose", "Ordered"},
+         0,
+         2},
+        {Kind::Open,
+         "<dialog id=\"A\">",
+         {"DialogOpen", "NamedResourceOpen", "HasId", "Ordered"},
+         2},
+        {Kind::Close, "</dialog>", {"DialogClose", "Ordered"}, 0, 2},
+        // "item" is in <items>, which is tested for "item" first: a menu's kind.
+        {Kind::Open, "<items>", {"Ordered"}, 1},
+        {Kind::Close, "</items>", {"SegmentClose", "Ordered"}, 0, 1},
+        {Kind::Open,
+         "<item id=\"5\">",
+         {"ItemOpen", "SegmentOpen", "SegmentClose", "ControlTextOpen", "HasId", "Ordered"},
+         1},
+        {Kind::Close,
+         "</item>",
+         {"ItemClose", "SegmentClose", "ControlTextClose", "Ordered"},
+         0,
+         1},
+        {Kind::Open, "<menus>", {"MenusOpen", "MenuOpen", "ResourceOpen", "Ordered"}, 1},
+        {Kind::Close, "</menus>", {"MenusClose", "MenuClose", "ResourceClose", "Ordered"}, 0, 1},
+        {Kind::Open, "<menu id=\"1\">", {"MenuOpen", "NamedResourceOpen", "HasId", "Ordered"}, 1},
+        {Kind::Close, "</menu>", {"MenuClose", "Ordered"}, 0, 1},
+        {Kind::Open,
+         "<versioninfo>",
+         {"VersionInfoOpen", "VersionInfoEntryOpen", "NamedResourceOpen", "ResourceOpen",
+          "Ordered"},
+         4},
+        {Kind::Open, "<legalcopyright>", {"VersionInfoEntryOpen", "SegmentOpen", "Ordered"}},
+        {Kind::Close, "</legaltrademarks>", {"SegmentClose", "Ordered"}},
+        {Kind::Open, "<shortcut>", {"ShortcutOpen", "Ordered"}},
+        {Kind::Close, "</shortcut>", {"ShortcutClose", "Ordered"}},
+        {Kind::Open,
+         "<radiobutton id=\"4\">",
+         {"SegmentOpen", "ControlTextOpen", "HasId", "Ordered"}},
+        {Kind::Open, "<caption>", {"SegmentOpen", "ControlTextOpen", "Ordered"}},
+        {Kind::Close, "</checkbox>", {"SegmentClose", "ControlTextClose", "Ordered"}},
+        {Kind::Empty, "<separator/>", {"Ordered"}},
+        {Kind::Inline, "%1", {"Numbered"}},
+        {Kind::Inline, "%12", {"Numbered"}},
+        {Kind::Inline, "%10", {"Numbered"}},
+        {Kind::Inline, "%1d", {"Ordered"}}, // read from the end, the number starts with d
+        {Kind::Inline, "%0", {"Ordered"}},
+        {Kind::Inline, "%", {"Ordered"}},
+        {Kind::Inline, "%s", {"Ordered"}},
+        {Kind::Inline, "\\n", {"Fixed"}},
+        {Kind::Inline, "\\f", {"Fixed"}},
+        {Kind::Inline, "&", {"Fixed"}},
+        {Kind::Inline, "+", {"Fixed"}},
+        {Kind::Inline, ",", {"Fixed", "Separator"}},
+        {Kind::Inline, "\\t", {"Ordered"}},
+        {Kind::Inline, "&&", {"Ordered"}},
+        {Kind::Inline, " id=\"1\"", {"Ordered"}}, // the blank must come behind the first character
+        {Kind::Open, "x id=\"1\"", {"HasId", "Ordered"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const auto piece = Make(row.kind, row.text);
+        for (const auto& [name, predicate] : Predicates()) {
+            EXPECT_EQ(predicate(piece->tag), row.holds.count(name) == 1) << name;
+        }
+        for (const auto& name : row.holds)
+            EXPECT_EQ(Predicates().count(name), 1u) << name;
+        EXPECT_EQ(ResourceKindOfOpen(piece->tag), row.kindOfOpen);
+        EXPECT_EQ(ResourceKindOfClose(piece->tag), row.kindOfClose);
+        // The forms on a piece answer the same.
+        EXPECT_EQ(IsSegmentOpen(*piece), IsSegmentOpen(piece->tag));
+        EXPECT_EQ(IsOrderedTag(*piece), IsOrderedTag(piece->tag));
+        EXPECT_EQ(ResourceKindOfClose(*piece), row.kindOfClose);
+    }
+}
+
+TEST(TagPredicates, OpenAndCloseMatchSubstrings) {
+    const auto dialogs = MakeOpenTag("dialogs", "<dialogs>");
+    const auto dialog = MakeOpenTag("dialog", "<dialog id=\"A\">");
+    const auto closeString = MakeCloseTag("string", "</string>");
+    const auto closeTable = MakeCloseTag("stringtable", "</stringtable>");
+    EXPECT_TRUE(IsOpen(*dialogs, u"dialog"));
+    EXPECT_TRUE(IsOpen(*dialog, u"dialog"));
+    EXPECT_FALSE(IsClose(*dialog, u"dialog"));
+    EXPECT_TRUE(IsClose(*closeString, u"string"));
+    EXPECT_TRUE(IsClose(*closeTable, u"string"));
+    EXPECT_FALSE(IsOpen(*closeTable, u"string"));
+    // An empty tag is neither open nor close.
+    const auto separator = MakeEmptyTag("separator", "<separator/>");
+    EXPECT_FALSE(IsOpen(*separator, u"separator"));
+    EXPECT_FALSE(IsClose(*separator, u"separator"));
+}
+
+TEST(TagPredicates, TextAndPlainPiecesAreNoTags) {
+    const auto text = MakeText(u"<dialog id=\"A\">");
+    const CLabelPiece plain;
+    for (const CLabelPiece* piece : {static_cast<const CLabelPiece*>(text.get()), &plain}) {
+        EXPECT_FALSE(IsOpen(*piece, u"dialog"));
+        EXPECT_FALSE(IsDialogOpen(*piece));
+        EXPECT_FALSE(IsOrderedTag(*piece));
+        EXPECT_FALSE(HasIdAttribute(*piece));
+        EXPECT_EQ(ResourceKindOfOpen(*piece), 0);
+        EXPECT_EQ(GetIdAttribute(*piece), "");
+        EXPECT_EQ(GetTagWord(*piece), u"");
+    }
+}
+
+TEST(TagPredicates, AttributeReaders) {
+    const std::pair<std::string, std::string> ids[] = {
+        {"<dialog id=\"A\">", "A"},
+        {"<string id=\"97\">", "97"},
+        {"<menu id=\"\xC3\x84rger\">", "\xC3\x84rger"}, // back to narrow text as it came
+        {"<item>", ""},
+        {"<item id=\"5>", ""},
+        {"<item id=5>", ""},
+        {"<dialog id=\"\">", ""},
+    };
+    for (const auto& [text, id] : ids) {
+        EXPECT_EQ(GetIdAttribute(MakeOpenTag("t", text)->tag), id) << text;
+    }
+    const std::pair<std::string, std::u16string> words[] = {
+        {"<dialog id=\"A\">", u"dialog"},
+        {"</item>", u"/item"},
+        {"<separator/>", u"separator/"},
+        {"<caption>", u"caption"},
+        {"x<a b>", u"a"},
+        {"%1", u""},
+        {"<open", u"open"},
+    };
+    for (const auto& [text, word] : words) {
+        EXPECT_EQ(GetTagWord(MakeOpenTag("t", text)->tag), word) << text;
+    }
+}
+
+} // namespace
+} // namespace tervane
