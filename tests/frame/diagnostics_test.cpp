@@ -5,14 +5,17 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "frame/component_ids.h"
+#include "frame/diagnostics/caught_failure.h"
 #include "frame/diagnostics/event_logging.h"
 #include "frame/diagnostics/exceptions.h"
 #include "frame/diagnostics/report_error.h"
 #include "frame/diagnostics/trace.h"
 #include "platform/com/class_objects.h"
+#include "platform/com/com_error.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
 #include "platform/diag/event_log.h"
@@ -255,6 +258,39 @@ TEST(Exceptions, CarryTheirTextsByPointer) {
     const char* kept = KeepText(formatted.c_str());
     formatted.assign(100, '?');
     EXPECT_STREQ(kept, "Error: resource 7");
+}
+
+TEST(ReportCaughtFailure, EachKindOfThrowGivesItsTextAndResult) {
+    struct Case {
+        void (*raise)();
+        std::u16string description;
+        HRESULT result;
+    };
+    const Case cases[] = {
+        {[] { throw CParserException("bad dialog"); }, u"bad dialog", E_ACCESSDENIED},
+        {[] { throw CVerificationException("Error: tag missing", "C", "M"); },
+         u"Error: tag missing", E_ACCESSDENIED},
+        {[] { throw IOException("cannot copy"); }, u"cannot copy", E_ACCESSDENIED},
+        {[] { throw TervaneFilterException("plain"); }, u"plain", E_ACCESSDENIED},
+        {[] { _com_issue_error(E_POINTER); }, u"Invalid pointer", E_ACCESSDENIED},
+        {[] { throw std::runtime_error("hidden"); }, u"Unexpected error when accessing Test.",
+         E_FAIL},
+        {[] { throw 42; }, u"Unexpected error when accessing Test.", E_FAIL},
+    };
+    for (const Case& c : cases) {
+        HRESULT hr = S_OK;
+        try {
+            c.raise();
+        } catch (...) {
+            hr = ReportCaughtFailure(kClass, kInterface, u"Unexpected error when accessing Test.",
+                                     E_ACCESSDENIED);
+        }
+        EXPECT_EQ(hr, c.result);
+        auto reported = TakeErrorInfo();
+        ASSERT_TRUE(reported);
+        EXPECT_EQ(reported->description, c.description);
+        EXPECT_EQ(reported->guid, kInterface);
+    }
 }
 
 TEST(Trace, GoesToTheAttachedFileOnly) {
