@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -140,24 +141,44 @@ BOOL EndUpdateResourceA(HANDLE update, BOOL discard) {
         return FALSE;
     }
     auto error = WithPendingFile(t->path, [&](PendingFile& file) -> std::optional<Error> {
-        // Applied to a copy, so that a result that does not fit changes nothing.
-        ResourceTree next = t->deleteExisting ? ResourceTree{} : file.tree;
+        // Applied in place with an undo log, so that a result that does not
+        // fit changes nothing; copying the tree would cost O(resources) per
+        // transaction.
+        struct Undo {
+            const Change* change;
+            std::optional<ResourceLeaf> before;
+        };
+        std::vector<Undo> undo;
+        ResourceTree saved;
+        if (t->deleteExisting)
+            std::swap(saved, file.tree);
         for (Change& change : t->changes) {
+            const ResourceLeaf* old = file.tree.Find(change.type, change.name, change.language);
+            undo.push_back({&change, old ? std::optional<ResourceLeaf>(*old) : std::nullopt});
             if (change.data)
-                next.Set(change.type, change.name, change.language, std::move(change.data));
+                file.tree.Set(change.type, change.name, change.language, change.data);
             else
-                next.Remove(change.type, change.name, change.language);
+                file.tree.Remove(change.type, change.name, change.language);
         }
-        auto size = ResourceSectionSize(next);
+        auto size = ResourceSectionSize(file.tree);
+        std::optional<Error> error;
         if (!size)
-            return std::move(size.error());
-        auto plan = PlanImage(file.image, *size);
-        if (!plan)
-            return std::move(plan.error());
-        if (!t->changes.empty() || t->deleteExisting) {
-            file.tree = std::move(next);
-            file.dirty = true;
+            error = std::move(size.error());
+        else if (auto plan = PlanImage(file.image, *size); !plan)
+            error = std::move(plan.error());
+        if (error) {
+            for (auto it = undo.rbegin(); it != undo.rend(); ++it) {
+                const Change& c = *it->change;
+                file.tree.Remove(c.type, c.name, c.language);
+                if (it->before)
+                    file.tree.Insert(c.type, c.name, c.language, *it->before);
+            }
+            if (t->deleteExisting)
+                std::swap(saved, file.tree);
+            return error;
         }
+        if (!t->changes.empty() || t->deleteExisting)
+            file.dirty = true;
         return std::nullopt;
     });
     if (error) {
