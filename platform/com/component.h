@@ -249,4 +249,16 @@ template <typename Base> HRESULT CreateClassFactory(IClassFactory** out) {
     return hr;
 }
 
+// The module's one class object of Base, made on first use (the static's
+// guarded initialisation serves as the factory's lock) and kept for the
+// process. Null only if it could not be made. No new reference.
+template <typename Base> IClassFactory* CachedClassFactory() {
+    static IClassFactory* const factory = [] {
+        IClassFactory* made = nullptr;
+        CreateClassFactory<Base>(&made);
+        return made;
+    }();
+    return factory;
+}
+
 } // namespace tervane

@@ -215,6 +215,19 @@ TEST(Component, CoCreateInstanceFindsRegisteredClassesOnly) {
     EXPECT_EQ(g_alive, 0);
 }
 
+TEST(Component, CachedClassFactoryIsOnePerClassAndHoldsNoLock) {
+    LONG locks = ModuleLockCount();
+    IClassFactory* first = CachedClassFactory<Widget>();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(CachedClassFactory<Widget>(), first);
+    EXPECT_EQ(ModuleLockCount(), locks);
+    ComPtr<IAlpha> alpha;
+    ASSERT_EQ(first->CreateInstance(nullptr, IAlpha::iid, alpha.ReceiveVoid()), S_OK);
+    EXPECT_EQ(ModuleLockCount(), locks + 1) << "objects hold the module";
+    alpha.Reset();
+    EXPECT_EQ(ModuleLockCount(), locks);
+}
+
 TEST(Component, ProgIdsByClass) {
     const CLSID clsid = MakeGuid("{11111111-0000-0000-0000-0000000000C2}");
     EXPECT_FALSE(ProgIdOf(clsid));
