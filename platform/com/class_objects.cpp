@@ -109,8 +109,6 @@ HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, CLSCTX context, REFIID
     if (object == nullptr)
         return E_POINTER;
     *object = nullptr;
-    if (outer != nullptr && riid != IID_IUnknown)
-        return E_INVALIDARG;
     ComPtr<IClassFactory> factory;
     HRESULT hr =
         CoGetClassObject(clsid, context, nullptr, IID_IClassFactory, factory.ReceiveVoid());

@@ -195,6 +195,13 @@ TEST(Component, CoCreateInstanceFindsRegisteredClassesOnly) {
     ASSERT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IUnknown, unknown.ReceiveVoid()),
               S_OK);
     EXPECT_EQ(OleRun(unknown.get()), S_OK);
+    {
+        Outer outer;
+        void* aggregated = &outer;
+        EXPECT_EQ(CoCreateInstance(clsid, &outer, CLSCTX_ALL, IAlpha::iid, &aggregated),
+                  CLASS_E_NOAGGREGATION);
+        EXPECT_EQ(aggregated, nullptr);
+    }
     ComPtr<IAlpha> alpha;
     ASSERT_EQ(unknown.As(alpha), S_OK);
     LONG value = 0;
