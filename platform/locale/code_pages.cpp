@@ -61,6 +61,10 @@ int Fail(DWORD error) {
 int Utf8ToWide(std::string_view src, DWORD flags, Output<char16_t>& out) {
     std::size_t pos = 0;
     while (pos < src.size()) {
+        if (static_cast<unsigned char>(src[pos]) < 0x80) {
+            out.Put(static_cast<char16_t>(src[pos++]));
+            continue;
+        }
         const char32_t c = tervane::locale::DecodeUtf8(src, pos);
         if (c == tervane::locale::kUtf8Invalid) {
             if (flags & MB_ERR_INVALID_CHARS)
@@ -104,6 +108,10 @@ int TableToWide(const CodePageTable& table, std::string_view src, DWORD flags,
 int WideToUtf8(std::u16string_view src, DWORD flags, Output<char>& out) {
     for (std::size_t i = 0; i < src.size(); ++i) {
         char32_t c = src[i];
+        if (c < 0x80) {
+            out.Put(static_cast<char>(c));
+            continue;
+        }
         if (c >= 0xD800 && c <= 0xDBFF && i + 1 < src.size() && src[i + 1] >= 0xDC00 &&
             src[i + 1] <= 0xDFFF) {
             c = 0x10000 + ((c - 0xD800) << 10) + (src[++i] - 0xDC00);
