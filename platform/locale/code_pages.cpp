@@ -240,7 +240,8 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, const char16_t* src, int src
     }
     constexpr DWORD kKnown = WC_COMPOSITECHECK | WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR |
                              WC_ERR_INVALID_CHARS | WC_NO_BEST_FIT_CHARS;
-    if ((flags & ~kKnown) != 0)
+    // Refusing invalid characters is for UTF-8 alone.
+    if ((flags & ~kKnown) != 0 || (flags & WC_ERR_INVALID_CHARS) != 0)
         return Fail(ERROR_INVALID_FLAGS);
     const CodePageTable* table = CodePageTable::Find(resolved);
     if (table == nullptr)

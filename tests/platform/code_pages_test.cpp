@@ -244,6 +244,9 @@ TEST(CodePages, SizesAndFailures) {
     EXPECT_EQ(run(WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, u"\xD800", 1, narrow, 8,
                                       nullptr, nullptr)),
               std::make_pair(0, ERROR_NO_UNICODE_TRANSLATION));
+    EXPECT_EQ(
+        run(WideCharToMultiByte(1252, WC_ERR_INVALID_CHARS, u"a", 1, narrow, 8, nullptr, nullptr)),
+        std::make_pair(0, ERROR_INVALID_FLAGS));
     EXPECT_EQ(run(WideCharToMultiByte(1252, 0, u"a", 0, narrow, 8, nullptr, nullptr)),
               std::make_pair(0, ERROR_INVALID_PARAMETER));
     EXPECT_EQ(run(WideCharToMultiByte(42424, 0, u"a", 1, narrow, 8, nullptr, nullptr)),
