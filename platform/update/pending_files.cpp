@@ -72,10 +72,12 @@ public:
             if (!image)
                 return std::move(image.error()).With(path);
             auto tree = ReadResourceTree(*image);
-            if (!tree)
-                return std::move(tree.error()).With(path);
-            auto entry = std::make_unique<Entry>(Entry{
-                PendingFile{std::move(*image), std::move(*tree), false}, stamp.value_or(Stamp{})});
+            PendingFile file{std::move(*image), {}, false, {}};
+            if (tree)
+                file.tree = std::move(*tree);
+            else
+                file.treeError = std::move(tree.error()).With(path);
+            auto entry = std::make_unique<Entry>(Entry{std::move(file), stamp.value_or(Stamp{})});
             it = entries_.emplace(path, std::move(entry)).first;
         }
         auto result = work(it->second->file);

@@ -28,6 +28,9 @@ struct PendingFile {
     pe::PeImage image;  // the file as it was last read from the disk
     ResourceTree tree;  // its resources now
     bool dirty = false; // tree differs from what the disk holds
+    // Why the file's resources could not be read; only a transaction that
+    // drops them all may then go ahead.
+    std::optional<Error> treeError;
 };
 
 // Runs work on the file's state, read from the disk first when the registry

@@ -93,7 +93,9 @@ HANDLE BeginUpdateResourceA(const char* path, BOOL deleteExistingResources) {
     t->path = files::CanonicalPath(path);
     t->deleteExisting = deleteExistingResources != FALSE;
     // The image must be readable now, as Win32 maps it here.
-    auto error = WithPendingFile(t->path, [](PendingFile&) { return std::optional<Error>{}; });
+    auto error = WithPendingFile(t->path, [&](PendingFile& file) {
+        return t->deleteExisting ? std::nullopt : file.treeError;
+    });
     if (error) {
         SetLastError(error->code);
         return nullptr;
@@ -144,6 +146,8 @@ BOOL EndUpdateResourceA(HANDLE update, BOOL discard) {
         // Applied in place with an undo log, so that a result that does not
         // fit changes nothing; copying the tree would cost O(resources) per
         // transaction.
+        if (file.treeError && !t->deleteExisting)
+            return file.treeError;
         struct Undo {
             const Change* change;
             std::optional<ResourceLeaf> before;
@@ -179,6 +183,8 @@ BOOL EndUpdateResourceA(HANDLE update, BOOL discard) {
         }
         if (!t->changes.empty() || t->deleteExisting)
             file.dirty = true;
+        if (t->deleteExisting)
+            file.treeError.reset();
         return std::nullopt;
     });
     if (error) {

@@ -10,7 +10,8 @@
 
 // Fails with ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED (read-only or a
 // folder), ERROR_FILE_INVALID (empty), ERROR_BAD_EXE_FORMAT (not a PE image,
-// or a malformed resource directory), ERROR_INVALID_PARAMETER (null path).
+// or, unless they are to be dropped, resources that cannot be read),
+// ERROR_INVALID_PARAMETER (null path).
 HANDLE BeginUpdateResourceA(const char* path, BOOL deleteExistingResources);
 
 // Adds or replaces one resource; null data with size 0 deletes it (a resource

@@ -329,6 +329,29 @@ TEST(UpdateCalls, HeadersWithoutRoomForASectionFailCleanly) {
     EXPECT_EQ(ReadFile(path), bytes);
 }
 
+TEST(UpdateCalls, DamagedResourcesCanOnlyBeDroppedWhole) {
+    const std::string dir = TempDir();
+    const std::string path = Copy("sample", "x86", dir);
+    std::vector<unsigned char> bytes = ReadFile(path);
+    auto image = pe::PeImage::Parse(bytes);
+    auto root =
+        image->Sections()[*image->SectionIndexForRva(image->Directory(pe::kResourceDirectory).rva)]
+            .pointerToRawData;
+    bytes[root + 14] = bytes[root + 15] = 0xFF; // more entries than the section holds
+    WriteFile(path, bytes);
+
+    SetLastError(0);
+    EXPECT_EQ(BeginUpdateResourceA(path.c_str(), FALSE), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_BAD_EXE_FORMAT);
+    HANDLE h = BeginUpdateResourceA(path.c_str(), TRUE);
+    ASSERT_NE(h, nullptr) << GetLastError();
+    ASSERT_TRUE(UpdateResourceA(h, RT_RCDATA, ResName(1), 0x409, "new", 3));
+    ASSERT_TRUE(EndUpdateResourceA(h, FALSE));
+    ASSERT_FALSE(update::FlushPendingFile(path));
+    EXPECT_EQ(DumpResources(path).resources,
+              std::vector<std::string>{"#10\t#1\t1033\t0\t" + Hex("new")});
+}
+
 TEST(UpdateCalls, ReplacedResourcesKeepTheirCodePageAndNewOnesGetZero) {
     const std::string dir = TempDir();
     const std::string path = Copy("update_names", "x86", dir);
