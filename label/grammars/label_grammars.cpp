@@ -1,5 +1,7 @@
 #include "label/grammars/label_grammars.h"
 
+#include <utility>
+
 namespace tervane {
 
 namespace {
