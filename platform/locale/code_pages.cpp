@@ -1,5 +1,6 @@
 #include "platform/locale/code_pages.h"
 
+#include <climits>
 #include <string_view>
 
 #include "platform/locale/code_page_table.h"
@@ -26,6 +27,10 @@ template <typename T> class Output {
 public:
     Output(T* dst, int capacity) : dst_(dst), capacity_(capacity) {}
     void Put(T unit) {
+        if (count_ == INT_MAX) { // only a measure of a huge input gets here
+            overflow_ = true;
+            return;
+        }
         if (capacity_ > 0) {
             if (count_ >= capacity_) {
                 overflow_ = true;
@@ -252,7 +257,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, const char16_t* src, int src
 namespace tervane {
 
 std::u16string Widen(std::string_view text, UINT codePage) {
-    if (text.empty())
+    if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX))
         return {};
     const int length = static_cast<int>(text.size());
     const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
@@ -264,7 +269,8 @@ std::u16string Widen(std::string_view text, UINT codePage) {
 }
 
 std::string Narrow(std::u16string_view text, UINT codePage) {
-    if (text.empty())
+    // A third of INT_MAX: three bytes a unit must still count in an int.
+    if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX / 3))
         return {};
     const int length = static_cast<int>(text.size());
     const int needed =
