@@ -48,7 +48,7 @@ private:
     SSLexConsumer* consumer_;
     std::uint32_t lexemeCount_ = 0;
     const SSLexExpressionList* currentList_ = nullptr;
-    SSLifo<const SSLexExpressionList*> listStack_{32, 32};
+    SSLifo<const SSLexExpressionList*, 32> listStack_{32, 32};
     SSLexMark contextMark_;
 };
 

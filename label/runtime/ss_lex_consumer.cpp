@@ -89,12 +89,6 @@ void SSLexConsumer::resync() {
     lineDelta_ = 0;
 }
 
-void SSLexConsumer::adjust(SSLexMark& mark, bool clear) {
-    mark.index -= shift_;
-    if (clear)
-        shift_ = 0;
-}
-
 SSLexLexeme* SSLexConsumer::completeLexeme(std::uint32_t token, const SSLexMark& mark) {
     // A mark behind the lexeme start (only a damaged table can make one)
     // gives an empty text rather than a negative length.

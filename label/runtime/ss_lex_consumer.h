@@ -34,7 +34,11 @@ public:
     SSLexMark mark() const { return {index_, lineDelta_, offset_}; }
     void flushTo(const SSLexMark& mark);
     void resync();
-    void adjust(SSLexMark& mark, bool clear);
+    void adjust(SSLexMark& mark, bool clear) {
+        mark.index -= shift_;
+        if (clear)
+            shift_ = 0;
+    }
 
     // Brings more data into the buffer; returns the number of bytes brought.
     virtual std::uint32_t refill() = 0;

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+#include "label/runtime/ss_pool.h"
+
 namespace tervane {
 
 namespace {
@@ -19,7 +21,7 @@ constexpr std::size_t TextOffset() {
 SSLexLexeme* SSLexLexeme::create(const std::uint8_t* text, std::uint32_t length, bool narrow,
                                  std::uint32_t token, std::uint32_t line, std::uint32_t offset,
                                  std::uint32_t bufferOffset) {
-    void* memory = ::operator new(TextOffset() + length + 2, std::nothrow);
+    void* memory = ss_pool::Allocate(TextOffset() + length + 2);
     if (!memory)
         throw SSExceptionOutOfStorage();
     auto* lexeme = new (memory) SSLexLexeme();
@@ -50,8 +52,9 @@ SSLexLexeme* SSLexLexeme::create(std::u16string_view text, std::uint32_t token, 
 }
 
 void SSLexLexeme::destroy() {
+    std::size_t size = TextOffset() + length_ + 2;
     this->~SSLexLexeme();
-    ::operator delete(static_cast<void*>(this));
+    ss_pool::Free(static_cast<void*>(this), size);
 }
 
 std::u16string_view SSLexLexeme::wideText() const {

@@ -23,6 +23,9 @@ public:
                                std::uint32_t offset);
 
     void destroy() override;
+    // Final, so that holders of lexemes count without a virtual call.
+    void addRef() final { SSRefCount::addRef(); }
+    void release(bool deleteAtZero) final { SSRefCount::release(deleteAtZero); }
 
     // False: the text lies in the same allocation, behind the object.
     bool ownsText() const { return ownsText_; }

@@ -10,10 +10,24 @@
 
 namespace tervane {
 
-template <typename T> class SSLifo : public SSExceptionPresent {
+// The first Inline slots live in the object itself, so that a stack that
+// stays small costs no allocation; only slots below count hold live items.
+template <typename T, std::size_t Inline = 0> class SSLifo : public SSExceptionPresent {
 public:
     // growth 0 makes a stack of fixed size.
-    SSLifo(std::size_t capacity, std::size_t growth) : growth_(growth) { reserve(capacity); }
+    SSLifo(std::size_t capacity, std::size_t growth) : growth_(growth) {
+        if (capacity <= Inline)
+            capacity_ = capacity;
+        else
+            reserve(capacity);
+    }
+    SSLifo(const SSLifo&) = delete;
+    SSLifo& operator=(const SSLifo&) = delete;
+    ~SSLifo() {
+        while (count_)
+            items_[--count_].~T();
+        release();
+    }
 
     void push(T item) {
         if (count_ + 1 > capacity_) {
@@ -21,19 +35,20 @@ public:
                 raise(ss_error::kStackFull, "SSLifo0001e: Stack full");
             reserve(capacity_ + growth_);
         }
-        items_[count_++] = std::move(item);
+        new (items_ + count_) T(std::move(item));
+        ++count_;
     }
     T& top() {
         if (count_ == 0)
             raise(ss_error::kNoTop, "SSLifo0002e: No top, stack empty");
         return items_[count_ - 1];
     }
-    // Popped slots are cleared, so that a stack of references lets go at once.
+    // Popped items are destroyed, so that a stack of references lets go at once.
     void pop(std::size_t n = 1) {
         if (n > count_)
             raise(ss_error::kPopEmpty, "SSLifo0004e: Cannot pop empty stack");
         for (std::size_t i = 0; i < n; ++i)
-            items_[--count_] = T{};
+            items_[--count_].~T();
     }
     // The item i places below the top.
     T& at(std::size_t i) {
@@ -48,21 +63,29 @@ public:
 
 private:
     void reserve(std::size_t capacity) {
-        std::unique_ptr<T[]> items;
-        try {
-            items.reset(new T[capacity]);
-        } catch (const std::bad_alloc&) {
+        if (capacity > SIZE_MAX / sizeof(T))
             throw SSExceptionOutOfStorage();
+        auto* items = static_cast<T*>(::operator new(capacity * sizeof(T), std::nothrow));
+        if (!items)
+            throw SSExceptionOutOfStorage();
+        for (std::size_t i = 0; i < count_; ++i) {
+            new (items + i) T(std::move(items_[i]));
+            items_[i].~T();
         }
-        for (std::size_t i = 0; i < count_; ++i)
-            items[i] = std::move(items_[i]);
-        items_ = std::move(items);
+        release();
+        items_ = items;
         capacity_ = capacity;
     }
+    void release() {
+        if (items_ != inlineItems())
+            ::operator delete(items_);
+    }
+    T* inlineItems() { return reinterpret_cast<T*>(inline_); }
 
     std::size_t growth_;
     std::size_t count_ = 0;
-    std::unique_ptr<T[]> items_;
+    alignas(T) unsigned char inline_[(Inline ? Inline : 1) * sizeof(T)];
+    T* items_ = inlineItems();
     std::size_t capacity_ = 0;
 };
 

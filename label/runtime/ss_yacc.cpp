@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "label/runtime/ss_pool.h"
+
 namespace tervane {
 
 namespace {
@@ -13,6 +15,16 @@ constexpr std::uint32_t kNoPosition = 0xFFFFFFFF;
 constexpr std::uint64_t kStepsWithoutShift = 4096;
 
 } // namespace
+
+void* SSYaccStackElement::operator new(std::size_t size) {
+    if (void* block = ss_pool::Allocate(size))
+        return block;
+    throw std::bad_alloc();
+}
+
+void SSYaccStackElement::operator delete(void* block, std::size_t size) noexcept {
+    ss_pool::Free(block, size);
+}
 
 void SSYaccLookaheadQueue::add(SSLexLexeme* lexeme) {
     if (tail_ == capacity_) {

@@ -17,6 +17,12 @@ class SSYaccStackElement : public SSRefCount, public SSExceptionPresent {
 public:
     SSYaccStackElement() = default;
     void destroy() override { delete this; }
+    // Final, so that holders of elements count without a virtual call.
+    void addRef() final { SSRefCount::addRef(); }
+    void release(bool deleteAtZero) final { SSRefCount::release(deleteAtZero); }
+    // Grammars derive elements without fields: all come from one pool.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size) noexcept;
     ~SSYaccStackElement() override = default;
 
     std::uint32_t state = 0;   // the parser state entered when it was pushed
@@ -95,7 +101,7 @@ private:
     SSRef<SSLexLexeme> conflictLexeme_;
     std::uint32_t productionSize_ = 0;
     SSYaccLookaheadQueue queue_;
-    SSLifo<SSRef<SSYaccStackElement>> stack_{64, 64};
+    SSLifo<SSRef<SSYaccStackElement>, 64> stack_{64, 64};
     SSYaccAction action_ = SSYaccAction::error;
     std::uint32_t queuePosition_ = 0;
     std::uint32_t lhs_ = 0;
