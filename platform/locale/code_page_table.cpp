@@ -59,6 +59,30 @@ constexpr PrivateRun kPrivateRuns[] = {
     {1257, 0xA5, 1, 0xF8FD},
 };
 
+// The user-defined areas of the DBCS pages: Windows gives them private-use
+// characters row by row, iconv leaves them out.
+struct TrailRange {
+    BYTE first;
+    BYTE last;
+};
+struct UserDefinedBlock {
+    UINT codePage;
+    BYTE firstLead;
+    BYTE lastLead;
+    TrailRange trails[2];
+    char16_t unicode;
+};
+constexpr UserDefinedBlock kUserDefinedBlocks[] = {
+    {936, 0xAA, 0xAF, {{0xA1, 0xFE}, {1, 0}}, 0xE000},
+    {936, 0xF8, 0xFE, {{0xA1, 0xFE}, {1, 0}}, 0xE234},
+    {936, 0xA1, 0xA7, {{0x40, 0x7E}, {0x80, 0xA0}}, 0xE4C6},
+    {949, 0xC9, 0xC9, {{0xA1, 0xFE}, {1, 0}}, 0xE000},
+    {949, 0xFE, 0xFE, {{0xA1, 0xFE}, {1, 0}}, 0xE05E},
+    {950, 0xFA, 0xFE, {{0x40, 0x7E}, {0xA1, 0xFE}}, 0xE000},
+    {950, 0x8E, 0xA0, {{0x40, 0x7E}, {0xA1, 0xFE}}, 0xE311},
+    {950, 0x81, 0x8D, {{0x40, 0x7E}, {0xA1, 0xFE}}, 0xEEB8},
+};
+
 // Where Windows encodes a character that two byte pairs decode to with the
 // other pair than iconv does.
 struct PreferredForm {
@@ -157,6 +181,22 @@ bool CodePageTable::Load(const char* iconvName) {
             for (unsigned trail = 0x40; trail < 0xFF; ++trail) {
                 const char pair[2] = {static_cast<char>(lead), static_cast<char>(trail)};
                 decode_[256 + (lead << 8) + trail] = OneUnit(toWide.Convert(pair, 2));
+            }
+        }
+    }
+
+    for (const auto& block : kUserDefinedBlocks) {
+        if (block.codePage != codePage_)
+            continue;
+        char16_t next = block.unicode;
+        for (unsigned lead = block.firstLead; lead <= block.lastLead; ++lead) {
+            for (const TrailRange& range : block.trails) {
+                for (unsigned trail = range.first; trail <= range.last; ++trail) {
+                    char16_t& slot = decode_[256 + (lead << 8) + trail];
+                    if (slot == kUnmapped)
+                        slot = next;
+                    ++next;
+                }
             }
         }
     }

@@ -82,6 +82,9 @@ TEST(CodePages, DecodingReplacesWhatItCannotRead) {
         {936, "\x81", "003f"},
         {936, "\x81\x20", "003f"},
         {936, "\xFF", "f8f5"},
+        {936, "\xAA\xA1\xA1\x40", "e000 e4c6"}, // user-defined areas
+        {949, "\xC9\xA1\xFE\xFE", "e000 e0bb"},
+        {950, "\xFA\x40\x81\x40", "e000 eeb8"},
         {949, "\x80", "0080"},
         {949, "\x81\x20", "003f"},
         {950, "\x81\x20", "003f"},
@@ -125,6 +128,7 @@ TEST(CodePages, EncodingUsesTheDefaultCharacter) {
         {949, u"\u20AC", "a2 e6", FALSE},
         {950, u"\u20AC\u5341", "a3 e1 a4 51", FALSE},
         {874, u"\u0E01", "a1", FALSE},
+        {950, u"\uE000\uE311", "fa 40 8e 40", FALSE},
         {1258, u"Vi\u00EA\u0323t", "56 69 ea f2 74", FALSE},
         {1258, u"\u1EC7", "3f", TRUE}, // precomposed forms have no byte
     };
