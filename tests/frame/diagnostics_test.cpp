@@ -100,6 +100,13 @@ TEST_F(EventLogFile, LogEventHonoursTheLevelAndKeepsOneEventPerLine) {
     EXPECT_EQ(log.find("above the level"), std::string::npos);
 }
 
+TEST_F(EventLogFile, MissingFoldersAreMade) {
+    std::string nested = test::TempDir() + "/state/tervane/events.log";
+    setenv(kEventLogVariable, nested.c_str(), 1);
+    LogEvent(EVENTLOG_ERROR_TYPE, "into a new folder");
+    EXPECT_NE(Slurp(nested).find("into a new folder\n"), std::string::npos);
+}
+
 TEST(EventLog, HandlesAreCheckedAndServersRefused) {
     EXPECT_EQ(RegisterEventSourceA("otherhost", "TervaneFilter"), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);

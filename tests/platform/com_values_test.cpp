@@ -103,6 +103,10 @@ TEST(Bstr, ByteLengthKeepsOddLengthsAndZeroFillsWithoutSource) {
     EXPECT_EQ(reinterpret_cast<const char*>(odd)[3], '\0');
     SysFreeString(odd);
 
+    // Lengths whose block would not fit the 32-bit prefix are refused.
+    EXPECT_EQ(SysAllocStringByteLen(nullptr, 0xFFFFFFFFu), nullptr);
+    EXPECT_EQ(SysAllocStringLen(nullptr, 0x80000000u), nullptr);
+
     BSTR blank = SysAllocStringLen(nullptr, 4);
     EXPECT_EQ(SysStringLen(blank), 4u);
     EXPECT_EQ(std::u16string(blank, 4), std::u16string(4, u'\0'));
