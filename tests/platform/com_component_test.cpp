@@ -70,6 +70,7 @@ TEST(Component, PlainObjectHasOneIdentityAndCountsEveryReference) {
     EXPECT_EQ(Count(alpha.get()), 3u);
     EXPECT_EQ(Identity(alpha.get()), Identity(beta.get()));
     EXPECT_EQ(Identity(beta.get()), static_cast<IUnknown*>(alpha.get())) << "first entry";
+    EXPECT_EQ(static_cast<Widget*>(alpha.get())->ControllingUnknown(), Identity(alpha.get()));
     LONG twice = 0;
     EXPECT_EQ(beta->Twice(21, &twice), S_OK);
     EXPECT_EQ(twice, 42);
@@ -125,6 +126,13 @@ TEST(Component, AggregatedObjectDelegatesToTheOuterIdentity) {
         EXPECT_EQ(outer.refs_, 2u) << "references through the inner go to the outer";
         EXPECT_EQ(Count(outer.inner_.get()), 1u);
         EXPECT_EQ(Identity(beta.get()), static_cast<IUnknown*>(&outer));
+        auto* widget =
+            static_cast<Widget*>(static_cast<DispatchWithoutTypeInfo<IBeta>*>(beta.get()));
+        EXPECT_EQ(widget->ControllingUnknown(), static_cast<IUnknown*>(&outer));
+        ComPtr<IDispatch> viaOuter;
+        ASSERT_EQ(widget->OuterQueryInterface(IID_IDispatch, viaOuter.ReceiveVoid()), S_OK);
+        EXPECT_EQ(viaOuter.get(), static_cast<IDispatch*>(beta.get()));
+        viaOuter.Reset();
 
         // The inner's interfaces ask the outer, which doesn't give IAlpha out.
         ComPtr<IAlpha> alpha;
