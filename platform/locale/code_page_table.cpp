@@ -83,6 +83,26 @@ constexpr UserDefinedBlock kUserDefinedBlocks[] = {
     {950, 0x81, 0x8D, {{0x40, 0x7E}, {0xA1, 0xFE}}, 0xEEB8},
 };
 
+// And the pairs of 936 that Windows gives private-use characters one by one.
+struct PairRun {
+    UINT codePage;
+    BYTE lead;
+    BYTE trail;
+    BYTE count;
+    char16_t unicode;
+};
+constexpr PairRun kPairRuns[] = {
+    {936, 0xA2, 0xAB, 6, 0xE766},  {936, 0xA2, 0xE3, 2, 0xE76C},  {936, 0xA2, 0xEF, 2, 0xE76E},
+    {936, 0xA2, 0xFD, 2, 0xE770},  {936, 0xA4, 0xF4, 11, 0xE772}, {936, 0xA5, 0xF7, 8, 0xE77D},
+    {936, 0xA6, 0xB9, 8, 0xE785},  {936, 0xA6, 0xD9, 7, 0xE78D},  {936, 0xA6, 0xEC, 2, 0xE794},
+    {936, 0xA6, 0xF3, 1, 0xE796},  {936, 0xA6, 0xF6, 9, 0xE797},  {936, 0xA7, 0xC2, 15, 0xE7A0},
+    {936, 0xA7, 0xF2, 13, 0xE7AF}, {936, 0xA8, 0x96, 11, 0xE7BC}, {936, 0xA8, 0xBC, 1, 0xE7C7},
+    {936, 0xA8, 0xBF, 1, 0xE7C8},  {936, 0xA8, 0xC1, 4, 0xE7C9},  {936, 0xA8, 0xEA, 21, 0xE7CD},
+    {936, 0xA9, 0x58, 1, 0xE7E2},  {936, 0xA9, 0x5B, 1, 0xE7E3},  {936, 0xA9, 0x5D, 3, 0xE7E4},
+    {936, 0xA9, 0x89, 13, 0xE7E7}, {936, 0xA9, 0x97, 13, 0xE7F4}, {936, 0xA9, 0xF0, 15, 0xE801},
+    {936, 0xD7, 0xFA, 5, 0xE810},  {936, 0xFE, 0x50, 47, 0xE815}, {936, 0xFE, 0x80, 33, 0xE844},
+};
+
 // Where Windows encodes a character that two byte pairs decode to with the
 // other pair than iconv does.
 struct PreferredForm {
@@ -199,6 +219,13 @@ bool CodePageTable::Load(const char* iconvName) {
                 }
             }
         }
+    }
+
+    for (const auto& run : kPairRuns) {
+        if (run.codePage != codePage_)
+            continue;
+        for (unsigned k = 0; k < run.count; ++k)
+            decode_[256 + (run.lead << 8) + run.trail + k] = static_cast<char16_t>(run.unicode + k);
     }
 
     // The encoder is the decoder inverted; where several forms decode to one
