@@ -22,6 +22,6 @@ int RunList(const Args& args);
 int RunRes(const Args& args);
 int RunTokens(const Args& args);
 int RunTables(const Args& args);
-
+int RunExtract(const Args& args);
 
 } // namespace tervane::app

@@ -1,0 +1,160 @@
+// tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE: drives
+// the forward converter as a host framework does (Initialize, then raw_Parse)
+// and writes what the host received.
+#include <cstdio>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "app/commands.h"
+#include "app/event_recorder.h"
+#include "app/items.h"
+#include "app/json_text.h"
+#include "frame/tervane_parser.h"
+#include "platform/com/class_objects.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/error_info.h"
+#include "platform/diag/event_log.h"
+#include "platform/diag/trace_sink.h"
+#include "platform/files/file_replace.h"
+#include "platform/locale/code_pages.h"
+
+namespace tervane::app {
+
+namespace {
+
+const char* const kUsage =
+    "Usage: tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE\n";
+
+std::string EventLine(const RecordedEvent& e) {
+    switch (e.kind) {
+    case RecordedEvent::StartOfInput:
+        return std::string("{\"event\": \"StartOfInput\", \"info\": ") +
+               (e.info ? "true" : "false") + "}";
+    case RecordedEvent::Progress:
+        return "{\"event\": \"Progress\", \"value\": " + std::to_string(e.value) + "}";
+    case RecordedEvent::Tag:
+        return "{\"event\": \"Tag\", \"text\": " + JsonString(std::u16string_view(e.text)) +
+               ", \"name\": " + JsonString(std::u16string_view(e.name)) +
+               ", \"start\": " + std::to_string(e.start) + ", \"end\": " + std::to_string(e.end) +
+               ", \"inline\": " + std::to_string(e.inlineMark) + "}";
+    case RecordedEvent::Text:
+        return "{\"event\": \"Text\", \"text\": " + JsonString(std::u16string_view(e.text)) + "}";
+    case RecordedEvent::EndOfInput:
+        return "{\"event\": \"EndOfInput\"}";
+    case RecordedEvent::Property:
+        return "{\"event\": \"Property\", \"name\": " + JsonString(std::u16string_view(e.name)) +
+               ", \"value\": " + JsonString(std::u16string_view(e.text)) + "}";
+    case RecordedEvent::StartOfSegment:
+        return "{\"event\": \"StartOfSegment\"}";
+    case RecordedEvent::EndOfSegment:
+        return "{\"event\": \"EndOfSegment\"}";
+    }
+    return {};
+}
+
+std::string Render(const EventLog& log, bool events) {
+    std::string out;
+    for (const RecordedEvent& e : log) {
+        if (events) {
+            out += EventLine(e);
+            out += '\n';
+        } else if (e.kind == RecordedEvent::Tag || e.kind == RecordedEvent::Text) {
+            out += Narrow(e.text, CP_UTF8);
+        }
+    }
+    return out;
+}
+
+// The error information the component left on this thread.
+std::string ErrorText(HRESULT hr) {
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
+        BSTR description = nullptr;
+        info->GetDescription(&description);
+        Bstr owned = Bstr::Attach(description);
+        if (owned.length())
+            return Narrow(owned.view(), CP_UTF8);
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "the conversion failed (0x%08X)", static_cast<unsigned>(hr));
+    return text;
+}
+
+} // namespace
+
+int RunExtract(const Args& args) {
+    bool events = false;
+    std::string out, trace, file;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--events") {
+            events = true;
+        } else if (a == "--document") {
+            events = false;
+        } else if ((a == "-o" || a == "--trace") && i + 1 < args.size()) {
+            (a == "-o" ? out : trace) = args[++i];
+        } else if (!a.empty() && a[0] == '-') {
+            std::fprintf(stderr, "tervane extract: unknown option '%s'\n%s", a.c_str(), kUsage);
+            return 2;
+        } else if (file.empty()) {
+            file = a;
+        } else {
+            std::fprintf(stderr, "tervane extract: only one FILE\n%s", kUsage);
+            return 2;
+        }
+    }
+    if (file.empty()) {
+        std::fprintf(stderr, "%s", kUsage);
+        return 2;
+    }
+    if (!trace.empty() && !AttachTraceFile(trace)) {
+        std::fprintf(stderr, "tervane extract: cannot write the trace file %s\n", trace.c_str());
+        return 1;
+    }
+
+    RegisterItemClasses();
+    RegisterTervaneParserClass();
+    auto log = std::make_shared<EventLog>();
+    ComPtr<ComObject<RecordingSink>> sink;
+    ComPtr<ComObject<ProgressHost>> host;
+    ComObject<RecordingSink>::Create(sink.Receive());
+    ComObject<ProgressHost>::Create(host.Receive());
+    sink->Attach(log);
+    host->Attach(log, ::isatty(STDERR_FILENO) != 0);
+
+    ComPtr<IFileParser> parser;
+    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
+                                  parser.ReceiveVoid());
+    if (SUCCEEDED(hr)) {
+        Bstr path(Widen(file, CP_UTF8));
+        hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host.get(), sink.get());
+        if (SUCCEEDED(hr))
+            hr = parser->raw_Parse(0);
+    }
+    host->FinishBar();
+    std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
+
+    // What was received is written even when the conversion failed.
+    std::string rendered = Render(*log, events);
+    if (out.empty()) {
+        std::fwrite(rendered.data(), 1, rendered.size(), stdout);
+        std::fflush(stdout);
+    } else if (auto error = files::ReplaceFileContent(
+                   out,
+                   Bytes(reinterpret_cast<const std::uint8_t*>(rendered.data()), rendered.size()),
+                   0644)) {
+        std::fprintf(stderr, "tervane extract: cannot write %s\n", out.c_str());
+        return 1;
+    }
+    if (FAILED(hr)) {
+        std::fprintf(stderr, "tervane extract: %s: %s\n", file.c_str(), failure.c_str());
+        std::string logPath = EventLogPath();
+        if (!logPath.empty())
+            std::fprintf(stderr, "The system's messages are in %s\n", logPath.c_str());
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace tervane::app

@@ -1,0 +1,227 @@
+#include "model/string_block.h"
+
+#include <cstdlib>
+
+#include "frame/diagnostics/exceptions.h"
+#include "label/grammars/label_parser.h"
+#include "label/pieces/tag_predicates.h"
+#include "model/text_util.h"
+
+namespace tervane {
+
+namespace {
+
+constexpr long kStringsPerBlock = 16;
+
+// The block number is the identifier read as a decimal number; a named block is 0.
+long BlockNumber(const CResource& resource) {
+    return std::atol(resource.identifierText.c_str());
+}
+
+bool BelongsToBlock(long number, long block) {
+    return number >= block * kStringsPerBlock - kStringsPerBlock &&
+           number <= block * kStringsPerBlock - 1;
+}
+
+// The control characters become the two-character escapes the lexer reads.
+std::u16string EscapeForLexer(std::u16string_view text) {
+    std::u16string out;
+    out.reserve(text.size() + 8);
+    for (char16_t c : text) {
+        switch (c) {
+        case u'\\':
+            out += u"\\\\";
+            break;
+        case 13:
+            out += u"\\r";
+            break;
+        case 10:
+            out += u"\\n";
+            break;
+        case 8:
+            out += u"\\b";
+            break;
+        case 12:
+            out += u"\\f";
+            break;
+        default:
+            out += c;
+        }
+    }
+    // '&' is plain text in a string table, so a doubled one is a single one.
+    return ReplaceAll(out, u"&&", u"&");
+}
+
+// Text tokens are joined with their escapes undone; every other token is an
+// inline tag in its escaped form, with a blank at either edge moved out of it
+// into a text piece of its own.
+void AppendStringPieces(const LabelTokenList& tokens, PieceEntry& entry) {
+    std::u16string text;
+    auto flush = [&] {
+        if (!text.empty())
+            entry.push_back(MakeText(text));
+        text.clear();
+    };
+    for (const LabelToken& token : tokens) {
+        if (token.type == 1) {
+            text += ReplaceAll(ReplaceAll(token.text, u"\\\\", u"\\"), u"%%", u"%");
+            continue;
+        }
+        flush();
+        std::u16string t = token.text;
+        if (!t.empty() && t.front() == u' ') {
+            t = TrimLeft(t);
+            entry.push_back(MakeText(u" "));
+        }
+        if (!t.empty() && t.back() == u' ') {
+            entry.push_back(MakeInlineTag(TrimRight(t)));
+            entry.push_back(MakeText(u" "));
+        } else {
+            entry.push_back(MakeInlineTag(t));
+        }
+    }
+    flush();
+}
+
+} // namespace
+
+std::u16string ReadCountedString(Bytes data, std::size_t& offset) {
+    ByteReader reader(data);
+    if (!reader.Seek(offset))
+        throw CParserException(kCorruptedDocumentMessage);
+    auto length = reader.ReadU16LE();
+    if (!length)
+        throw CParserException(kCorruptedDocumentMessage);
+    auto units = reader.ReadBytes(std::size_t{*length} * 2);
+    if (!units)
+        throw CParserException(kCorruptedDocumentMessage);
+    std::u16string text(*length, u'\0');
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
+    offset = reader.Offset();
+    return text;
+}
+
+PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, long number) {
+    PieceEntry entry;
+    std::u16string text = EscapeForLexer(ReadCountedString(data, offset));
+    if (text.empty())
+        return entry;
+    const std::string id = "<string id=\"" + std::to_string(number) + "\">";
+    entry.push_back(MakeOpenTag("string", id));
+
+    // The blank keeps a conversion at the very end from reaching the end of input.
+    text += u' ';
+    // The parser reads a null-terminated text: what stands behind a NUL is lost.
+    text.resize(std::min(text.size(), text.find(u'\0')));
+    LabelTokenList tokens;
+    parser.Initialise(LabelKind::String);
+    parser.Parse(text, tokens);
+    if (tokens.empty())
+        throw CParserException(kCorruptedDocumentMessage);
+    std::u16string& last = tokens.back().text;
+    if (!last.empty())
+        last.pop_back();
+
+    AppendStringPieces(tokens, entry);
+    entry.push_back(MakeCloseTag("string", "</string>"));
+    return entry;
+}
+
+long GetStringNumber(const PieceEntry& entry) {
+    for (const auto& piece : entry) {
+        const auto* tag = dynamic_cast<const CTagLabelPiece*>(piece.get());
+        if (tag == nullptr || tag->tag.inlineTag)
+            continue;
+        const std::u16string& text = tag->tag.tagText;
+        std::size_t first = text.find(u'"');
+        std::size_t second = first == std::u16string::npos ? first : text.find(u'"', first + 1);
+        if (second == std::u16string::npos)
+            return 0;
+        std::string digits;
+        for (std::size_t i = first + 1; i < second; ++i)
+            digits += static_cast<char>(text[i] & 0xFF);
+        return std::atol(digits.c_str());
+    }
+    return 0;
+}
+
+int CStringBlockResource::Accept(CResourceVisitor& visitor) {
+    visitor.VisitStringBlock(this);
+    return 0;
+}
+
+std::unique_ptr<CTagLabelPiece> CStringBlockResource::GetOpenTag() const {
+    return GroupTag("stringtable", true);
+}
+
+std::unique_ptr<CTagLabelPiece> CStringBlockResource::GetCloseTag() const {
+    return GroupTag("stringtable", false);
+}
+
+void CStringBlockResource::ExtractPieces(CLabelPieceList& stream) {
+    const long block = BlockNumber(*this);
+    std::size_t start = 0;
+    while (start < stream.size() && !IsOpen(*stream[start], u"stringtable"))
+        ++start;
+    if (start == stream.size())
+        return;
+    ++start; // the group's tag stays for the next block
+
+    std::size_t accepted = start;  // behind the last entry taken
+    std::vector<std::size_t> work; // positions of the pieces of the entry being read
+    for (std::size_t at = start; at < stream.size(); ++at) {
+        CLabelPiece& piece = *stream[at];
+        auto* tag = dynamic_cast<CTagLabelPiece*>(&piece);
+        if (tag == nullptr && dynamic_cast<CTextLabelPiece*>(&piece) == nullptr)
+            continue;
+        if (tag && IsClose(tag->tag, u"stringtable")) {
+            accepted = at;
+            break;
+        }
+        work.push_back(at);
+        if (!tag || !tag->tag.endTag)
+            continue;
+        PieceEntry entry;
+        for (std::size_t i : work)
+            entry.push_back(std::move(stream[i]));
+        if (!BelongsToBlock(GetStringNumber(entry), block)) {
+            // The entry that does not fit stays for the next block.
+            for (std::size_t i = 0; i < work.size(); ++i)
+                stream[work[i]] = std::move(entry[i]);
+            break;
+        }
+        entries.push_back(std::move(entry));
+        work.clear();
+        accepted = at + 1;
+    }
+    stream.erase(stream.begin() + static_cast<std::ptrdiff_t>(start),
+                 stream.begin() + static_cast<std::ptrdiff_t>(accepted));
+}
+
+void CStringBlockResource::MergePieces(CResource& other) {
+    auto& source = static_cast<CStringBlockResource&>(other);
+    for (std::size_t i = 0; i < source.entries.size() && i < entries.size(); ++i)
+        entries[i] = std::move(source.entries[i]);
+}
+
+CResource* CStringBlockCommand::Execute(Bytes data, CResource* resource) {
+    auto* block = static_cast<CStringBlockResource*>(resource);
+    try {
+        Bytes bytes = data.first(std::min<std::size_t>(data.size(), block->size));
+        CLabelParser parser;
+        long number = BlockNumber(*block) * kStringsPerBlock - kStringsPerBlock;
+        std::size_t offset = 0;
+        while (offset < bytes.size()) {
+            PieceEntry entry = ParseString(bytes, offset, parser, number);
+            if (!entry.empty())
+                block->entries.push_back(std::move(entry));
+            ++number;
+        }
+    } catch (...) {
+        throw CParserException(kCorruptedDocumentMessage);
+    }
+    return block;
+}
+
+} // namespace tervane

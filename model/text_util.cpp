@@ -1,0 +1,58 @@
+#include "model/text_util.h"
+
+namespace tervane {
+
+std::u16string ReplaceAll(std::u16string_view text, std::u16string_view from,
+                          std::u16string_view to) {
+    std::u16string out;
+    out.reserve(text.size());
+    std::size_t at = 0;
+    while (true) {
+        std::size_t found = text.find(from, at);
+        if (found == std::u16string_view::npos || from.empty())
+            break;
+        out.append(text.substr(at, found - at));
+        out.append(to);
+        at = found + from.size();
+    }
+    out.append(text.substr(at));
+    return out;
+}
+
+bool IsWideSpace(char16_t c) {
+    switch (c) {
+    case u' ':
+    case u'\t':
+    case u'\n':
+    case u'\v':
+    case u'\f':
+    case u'\r':
+    case 0x85:
+    case 0x1680:
+    case 0x2028:
+    case 0x2029:
+    case 0x205F:
+    case 0x3000:
+        return true;
+    default:
+        // U+2000..U+2006 and U+2008..U+200A; U+00A0, U+2007 and U+202F do not
+        // break and count as no space.
+        return (c >= 0x2000 && c <= 0x2006) || (c >= 0x2008 && c <= 0x200A);
+    }
+}
+
+std::u16string TrimLeft(std::u16string_view text) {
+    std::size_t at = 0;
+    while (at < text.size() && IsWideSpace(text[at]))
+        ++at;
+    return std::u16string(text.substr(at));
+}
+
+std::u16string TrimRight(std::u16string_view text) {
+    std::size_t end = text.size();
+    while (end > 0 && IsWideSpace(text[end - 1]))
+        --end;
+    return std::u16string(text.substr(0, end));
+}
+
+} // namespace tervane

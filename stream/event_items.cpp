@@ -1,0 +1,78 @@
+#include "stream/event_items.h"
+
+#include "frame/diagnostics/report_error.h"
+#include "host/items.h"
+#include "platform/com/bstr.h"
+#include "platform/com/class_objects.h"
+#include "platform/com/com_error.h"
+#include "platform/com/com_ptr.h"
+
+namespace tervane {
+
+namespace {
+
+// The interface under which a lost event is reported.
+constexpr GUID kEventReportIid = MakeGuid("{45A9C8F9-A430-4BD5-9D57-2CB92A8B9476}");
+
+// CoCreateInstance for IUnknown, OleRun, then the item's own interface.
+template <typename Item> ComPtr<Item> CreateItem(const CLSID& clsid) {
+    ComPtr<IUnknown> unknown;
+    if (FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IID_IUnknown, unknown.ReceiveVoid())))
+        return {};
+    if (FAILED(OleRun(unknown.get())))
+        return {};
+    ComPtr<Item> item;
+    if (FAILED(unknown.As(item)))
+        return {};
+    return item;
+}
+
+template <typename Send> HRESULT Guarded(Send send) {
+    try {
+        return send();
+    } catch (const _com_error& error) {
+        ReportError(CLSID_NULL, error.ErrorMessage(), kEventReportIid, E_FAIL);
+    } catch (...) {
+        ReportError(CLSID_NULL, u"Unexpected error when accessing EndOfInput property.",
+                    kEventReportIid, E_FAIL);
+    }
+    return E_FAIL;
+}
+
+} // namespace
+
+HRESULT SendTagEvent(IEvents* sink, const TagDescriptor& tag) {
+    return Guarded([&]() -> HRESULT {
+        ComPtr<ITag> item = CreateItem<ITag>(CLSID_Tag);
+        if (!item)
+            return E_FAIL;
+        // The order in which the framework's own producers set the properties.
+        Bstr text(tag.tagText);
+        Bstr name(tag.name);
+        item->put_EndTag(tag.endTag);
+        item->put_TagText(text.get());
+        item->put_StartTag(tag.startTag);
+        item->put_TagName(name.get());
+        item->put_Inline(tag.inlineTag);
+        HRESULT hr = sink->raw_Tag(item.get());
+        if (FAILED(hr))
+            _com_issue_errorex(hr, sink, IEvents::iid);
+        return S_OK;
+    });
+}
+
+HRESULT SendTextEvent(IEvents* sink, std::u16string_view text) {
+    return Guarded([&]() -> HRESULT {
+        ComPtr<IText> item = CreateItem<IText>(CLSID_Text);
+        if (!item)
+            return E_FAIL;
+        Bstr value(text);
+        item->put_Text(value.get());
+        HRESULT hr = sink->raw_Text(item.get());
+        if (FAILED(hr))
+            _com_issue_errorex(hr, sink, IEvents::iid);
+        return S_OK;
+    });
+}
+
+} // namespace tervane
