@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <cstdio>
 #include <string>
 
 #include "platform/win32/last_error.h"
-#include "tests/support/fixtures.h"
 
 namespace {
 
