@@ -81,11 +81,13 @@ SSLexLexeme* SSLex::nextLexeme() {
                 continue;
         }
         ++lexemeCount_;
+        // Held while the lookup may raise, so that an error frees it.
+        SSRef<SSLexLexeme> held = lexeme;
         if (accepted.flags & SSLexFinalState::setUserValue)
             lexeme->setUserValue(accepted.userValue);
         if (accepted.flags & SSLexFinalState::keyword)
             keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
-        return lexeme;
+        return held.detach();
     }
 }
 

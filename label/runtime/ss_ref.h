@@ -74,6 +74,14 @@ public:
     }
 
     T* get() const { return object_; }
+    // Lets go of the object without deleting it: it is handed on with the
+    // count it had before this holder took it.
+    T* detach() {
+        T* object = std::exchange(object_, nullptr);
+        if (object)
+            object->release(false);
+        return object;
+    }
     T* operator->() const { return object_; }
     T& operator*() const { return *object_; }
     explicit operator bool() const { return object_ != nullptr; }

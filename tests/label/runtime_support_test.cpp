@@ -127,12 +127,21 @@ TEST(RuntimeReferences, ObjectsLiveFromTheFirstHolderToTheLast) {
     }
     EXPECT_EQ(destroyed, 1);
 
+    // Detaching hands the object on with count 0, alive.
+    SSRef<SSYaccStackElement> holder = SSMakeCounted<CountedElement>(&destroyed);
+    SSYaccStackElement* detached = holder.detach();
+    EXPECT_EQ(detached->refCount(), 0u);
+    EXPECT_EQ(destroyed, 1);
+    SSRef<SSYaccStackElement> taken = detached;
+    taken = nullptr;
+    EXPECT_EQ(destroyed, 2);
+
     // A stack lets go of what it pops at once.
     SSLifo<SSRef<SSYaccStackElement>> stack(1, 1);
     stack.push(SSMakeCounted<CountedElement>(&destroyed));
     stack.push(SSMakeCounted<CountedElement>(&destroyed));
     stack.pop(1);
-    EXPECT_EQ(destroyed, 2);
+    EXPECT_EQ(destroyed, 3);
 }
 
 TEST(RuntimeReferences, LexemeTextSitsBehindTheObjectWithTwoZeros) {
