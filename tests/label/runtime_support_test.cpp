@@ -84,25 +84,6 @@ TEST(RuntimeContainers, ErrorsAtTheirLimits) {
     }
 }
 
-TEST(RuntimeContainers, StackGrowsAndKeepsItsOrder) {
-    SSLifo<int> stack(2, 3);
-    for (int i = 0; i < 10; ++i)
-        stack.push(i);
-    EXPECT_EQ(stack.capacity(), 11u);
-    EXPECT_EQ(stack.top(), 9);
-    EXPECT_EQ(stack.at(9), 0);
-    stack.pop(4);
-    EXPECT_EQ(stack.top(), 5);
-    EXPECT_EQ(stack.count(), 6u);
-
-    SSSetArray set(1, 1);
-    for (std::uint32_t v : {3u, 1u, 3u, 2u})
-        set.add(v);
-    EXPECT_EQ(set.count(), 3u);
-    EXPECT_TRUE(set.contains(2));
-    EXPECT_FALSE(set.contains(4));
-}
-
 // Counts the destructions of stack elements.
 struct CountedElement : SSYaccStackElement {
     explicit CountedElement(int* destroyed) : destroyed_(destroyed) {}

@@ -103,23 +103,6 @@ TEST(LexTableLoad, EveryTruncationIsAnInvalidTable) {
     }
 }
 
-TEST(LexTableLoad, ListsAndKeywordsAsStored) {
-    SSLexTable table(LexWithKeywords(), "TOY");
-    EXPECT_EQ(table.listCount(), 2u);
-    EXPECT_EQ(table.keywordTableCount(), 1u);
-    EXPECT_EQ(table.expressionList(1)->stateCount(), 3u);
-    EXPECT_EQ(table.expressionList(0)->transition(0, u'7'), 2u);
-    EXPECT_EQ(table.expressionList(0)->transition(0, u'#'), SSLexExpressionList::kNoState);
-    EXPECT_EQ(table.expressionList(0)->transition(0, 0xFFFFFFFF), 6u);
-    try {
-        table.expressionList(2);
-        ADD_FAILURE() << "no error";
-    } catch (const SSException& e) {
-        EXPECT_EQ(e.code(), 6);
-        EXPECT_EQ(e.message(), "SSLex0106e: Invalid expression list index, 2");
-    }
-}
-
 YaccGrammar GrammarWithLookahead() {
     YaccGrammar g = ToyGrammar();
     g.rows[0].actions = {{Lookahead(0), kNum}};
