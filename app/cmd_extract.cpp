@@ -9,7 +9,6 @@
 #include "app/commands.h"
 #include "app/event_recorder.h"
 #include "app/items.h"
-#include "app/json_text.h"
 #include "frame/tervane_parser.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
@@ -25,46 +24,6 @@ namespace {
 
 const char* const kUsage =
     "Usage: tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE\n";
-
-std::string EventLine(const RecordedEvent& e) {
-    switch (e.kind) {
-    case RecordedEvent::StartOfInput:
-        return std::string("{\"event\": \"StartOfInput\", \"info\": ") +
-               (e.info ? "true" : "false") + "}";
-    case RecordedEvent::Progress:
-        return "{\"event\": \"Progress\", \"value\": " + std::to_string(e.value) + "}";
-    case RecordedEvent::Tag:
-        return "{\"event\": \"Tag\", \"text\": " + JsonString(std::u16string_view(e.text)) +
-               ", \"name\": " + JsonString(std::u16string_view(e.name)) +
-               ", \"start\": " + std::to_string(e.start) + ", \"end\": " + std::to_string(e.end) +
-               ", \"inline\": " + std::to_string(e.inlineMark) + "}";
-    case RecordedEvent::Text:
-        return "{\"event\": \"Text\", \"text\": " + JsonString(std::u16string_view(e.text)) + "}";
-    case RecordedEvent::EndOfInput:
-        return "{\"event\": \"EndOfInput\"}";
-    case RecordedEvent::Property:
-        return "{\"event\": \"Property\", \"name\": " + JsonString(std::u16string_view(e.name)) +
-               ", \"value\": " + JsonString(std::u16string_view(e.text)) + "}";
-    case RecordedEvent::StartOfSegment:
-        return "{\"event\": \"StartOfSegment\"}";
-    case RecordedEvent::EndOfSegment:
-        return "{\"event\": \"EndOfSegment\"}";
-    }
-    return {};
-}
-
-std::string Render(const EventLog& log, bool events) {
-    std::string out;
-    for (const RecordedEvent& e : log) {
-        if (events) {
-            out += EventLine(e);
-            out += '\n';
-        } else if (e.kind == RecordedEvent::Tag || e.kind == RecordedEvent::Text) {
-            out += Narrow(e.text, CP_UTF8);
-        }
-    }
-    return out;
-}
 
 // The error information the component left on this thread.
 std::string ErrorText(HRESULT hr) {
@@ -115,7 +74,7 @@ int RunExtract(const Args& args) {
 
     RegisterItemClasses();
     RegisterTervaneParserClass();
-    auto log = std::make_shared<EventLog>();
+    auto log = std::make_shared<EventOutput>(events);
     ComPtr<ComObject<RecordingSink>> sink;
     ComPtr<ComObject<ProgressHost>> host;
     ComObject<RecordingSink>::Create(sink.Receive());
@@ -136,7 +95,7 @@ int RunExtract(const Args& args) {
     std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
     // What was received is written even when the conversion failed.
-    std::string rendered = Render(*log, events);
+    const std::string& rendered = log->Rendered();
     if (out.empty()) {
         std::fwrite(rendered.data(), 1, rendered.size(), stdout);
         std::fflush(stdout);

@@ -2,6 +2,9 @@
 
 #include <cstdio>
 
+#include "app/json_text.h"
+#include "platform/locale/code_pages.h"
+
 namespace tervane::app {
 
 namespace {
@@ -13,6 +16,57 @@ std::u16string Take(BSTR text) {
 
 } // namespace
 
+void EventOutput::StartOfInput(bool info) {
+    if (jsonLines_)
+        out_ += info ? "{\"event\": \"StartOfInput\", \"info\": true}\n"
+                     : "{\"event\": \"StartOfInput\", \"info\": false}\n";
+}
+
+void EventOutput::EndOfInput() {
+    if (jsonLines_)
+        out_ += "{\"event\": \"EndOfInput\"}\n";
+}
+
+void EventOutput::Progress(LONG value) {
+    if (jsonLines_)
+        out_ += "{\"event\": \"Progress\", \"value\": " + std::to_string(value) + "}\n";
+}
+
+void EventOutput::Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
+                      LONG inlineMark) {
+    if (!jsonLines_) {
+        out_ += Narrow(text, CP_UTF8);
+        return;
+    }
+    out_ += "{\"event\": \"Tag\", \"text\": ";
+    out_ += JsonString(text);
+    out_ += ", \"name\": ";
+    out_ += JsonString(name);
+    out_ += ", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
+            ", \"inline\": " + std::to_string(inlineMark) + "}\n";
+}
+
+void EventOutput::Text(std::u16string_view text) {
+    if (!jsonLines_) {
+        out_ += Narrow(text, CP_UTF8);
+        return;
+    }
+    out_ += "{\"event\": \"Text\", \"text\": ";
+    out_ += JsonString(text);
+    out_ += "}\n";
+}
+
+void EventOutput::Property(std::u16string_view name, std::u16string_view value) {
+    if (jsonLines_)
+        out_ += "{\"event\": \"Property\", \"name\": " + JsonString(name) +
+                ", \"value\": " + JsonString(value) + "}\n";
+}
+
+void EventOutput::Segment(bool start) {
+    if (jsonLines_)
+        out_ += start ? "{\"event\": \"StartOfSegment\"}\n" : "{\"event\": \"EndOfSegment\"}\n";
+}
+
 InterfaceMap<RecordingSink> RecordingSink::Interfaces() {
     static const InterfaceEntry<RecordingSink> map[] = {Entry<RecordingSink, IEvents>(),
                                                         Entry<RecordingSink, IDispatch, IEvents>()};
@@ -20,64 +74,57 @@ InterfaceMap<RecordingSink> RecordingSink::Interfaces() {
 }
 
 HRESULT RecordingSink::raw_Property(IProperty* property) {
-    RecordedEvent event(RecordedEvent::Property);
     if (property == nullptr)
         return E_POINTER;
     BSTR name = nullptr, value = nullptr;
     property->get_Name(&name);
     property->get_Value(&value);
-    event.name = Take(name);
-    event.text = Take(value);
-    log_->push_back(std::move(event));
+    log_->Property(Take(name), Take(value));
     return S_OK;
 }
 
 HRESULT RecordingSink::raw_StartOfInput(IDocumentInfo* info) {
-    RecordedEvent event(RecordedEvent::StartOfInput);
-    event.info = info != nullptr;
-    log_->push_back(std::move(event));
+    log_->StartOfInput(info != nullptr);
     return S_OK;
 }
 
 HRESULT RecordingSink::raw_EndOfInput() {
-    log_->push_back(RecordedEvent(RecordedEvent::EndOfInput));
+    log_->EndOfInput();
     return S_OK;
 }
 
 HRESULT RecordingSink::raw_StartOfSegment(IUnknown*) {
-    log_->push_back(RecordedEvent(RecordedEvent::StartOfSegment));
+    log_->Segment(true);
     return S_OK;
 }
 
 HRESULT RecordingSink::raw_EndOfSegment() {
-    log_->push_back(RecordedEvent(RecordedEvent::EndOfSegment));
+    log_->Segment(false);
     return S_OK;
 }
 
 HRESULT RecordingSink::raw_Text(IText* text) {
     if (text == nullptr)
         return E_POINTER;
-    RecordedEvent event(RecordedEvent::Text);
     BSTR value = nullptr;
     text->get_Text(&value);
-    event.text = Take(value);
-    log_->push_back(std::move(event));
+    Bstr owned = Bstr::Attach(value);
+    log_->Text(owned.view());
     return S_OK;
 }
 
 HRESULT RecordingSink::raw_Tag(ITag* tag) {
     if (tag == nullptr)
         return E_POINTER;
-    RecordedEvent event(RecordedEvent::Tag);
-    tag->get_StartTag(&event.start);
-    tag->get_EndTag(&event.end);
-    tag->get_Inline(&event.inlineMark);
+    LONG start = 0, end = 0, inlineMark = 0;
+    tag->get_StartTag(&start);
+    tag->get_EndTag(&end);
+    tag->get_Inline(&inlineMark);
     BSTR name = nullptr, text = nullptr;
     tag->get_TagName(&name);
     tag->get_TagText(&text);
-    event.name = Take(name);
-    event.text = Take(text);
-    log_->push_back(std::move(event));
+    Bstr ownedName = Bstr::Attach(name), ownedText = Bstr::Attach(text);
+    log_->Tag(ownedText.view(), ownedName.view(), start, end, inlineMark);
     return S_OK;
 }
 
@@ -88,9 +135,7 @@ InterfaceMap<ProgressHost> ProgressHost::Interfaces() {
 }
 
 HRESULT ProgressHost::raw_Progress(LONG percent) {
-    RecordedEvent event(RecordedEvent::Progress);
-    event.value = percent;
-    log_->push_back(std::move(event));
+    log_->Progress(percent);
     if (showBar_) {
         constexpr int kWidth = 40;
         LONG shown = percent < 0 ? 0 : percent > 100 ? 100 : percent;

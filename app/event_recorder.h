@@ -4,7 +4,7 @@
 // drives a progress bar on a terminal.
 #include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "host/events.h"
 #include "platform/com/component.h"
@@ -12,32 +12,32 @@
 
 namespace tervane::app {
 
-struct RecordedEvent {
-    enum Kind {
-        StartOfInput,
-        Progress,
-        Tag,
-        Text,
-        EndOfInput,
-        Property,
-        StartOfSegment,
-        EndOfSegment
-    };
-    explicit RecordedEvent(Kind k) : kind(k) {}
-    Kind kind;
-    std::u16string text; // tag text or text
-    std::u16string name; // tag name
-    LONG start = 0, end = 0, inlineMark = 0;
-    LONG value = 0;    // progress
-    bool info = false; // StartOfInput carried an item
-};
+// What the host received, rendered as it arrives: the tagged document (tag
+// texts and texts in order, UTF-8), or one JSON object a line per event.
+class EventOutput {
+public:
+    explicit EventOutput(bool jsonLines) : jsonLines_(jsonLines) {}
 
-using EventLog = std::vector<RecordedEvent>;
+    void StartOfInput(bool info);
+    void EndOfInput();
+    void Progress(LONG value);
+    void Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
+             LONG inlineMark);
+    void Text(std::u16string_view text);
+    void Property(std::u16string_view name, std::u16string_view value);
+    void Segment(bool start);
+
+    const std::string& Rendered() const { return out_; }
+
+private:
+    bool jsonLines_;
+    std::string out_;
+};
 
 class RecordingSink : public ComObjectRoot, public DispatchWithoutTypeInfo<IEvents> {
 public:
     static InterfaceMap<RecordingSink> Interfaces();
-    void Attach(std::shared_ptr<EventLog> log) { log_ = std::move(log); }
+    void Attach(std::shared_ptr<EventOutput> log) { log_ = std::move(log); }
 
     HRESULT raw_Property(IProperty* property) override;
     HRESULT raw_StartOfInput(IDocumentInfo* info) override;
@@ -48,14 +48,14 @@ public:
     HRESULT raw_Tag(ITag* tag) override;
 
 private:
-    std::shared_ptr<EventLog> log_;
+    std::shared_ptr<EventOutput> log_;
 };
 
 class ProgressHost : public ComObjectRoot, public DispatchWithoutTypeInfo<IFilterHost> {
 public:
     static InterfaceMap<ProgressHost> Interfaces();
     // showBar: draw on standard error, which should be a terminal.
-    void Attach(std::shared_ptr<EventLog> log, bool showBar) {
+    void Attach(std::shared_ptr<EventOutput> log, bool showBar) {
         log_ = std::move(log);
         showBar_ = showBar;
     }
@@ -65,7 +65,7 @@ public:
     HRESULT raw_Pump(LONG_PTR) override { return S_OK; }
 
 private:
-    std::shared_ptr<EventLog> log_;
+    std::shared_ptr<EventOutput> log_;
     bool showBar_ = false;
     bool drawn_ = false;
 };
