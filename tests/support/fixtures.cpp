@@ -27,15 +27,33 @@ std::vector<unsigned char> ReadFile(const std::string& path) {
 
 void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
     if (!out)
         throw std::runtime_error("cannot write " + path);
 }
+
+namespace {
+// Folders made by TempDir, removed when the test program ends.
+struct TempDirs {
+    std::vector<std::string> paths;
+    ~TempDirs() {
+        std::error_code ignored;
+        for (const auto& path : paths)
+            std::filesystem::remove_all(path, ignored);
+    }
+};
+TempDirs& Made() {
+    static TempDirs dirs;
+    return dirs;
+}
+} // namespace
 
 std::string TempDir() {
     std::string pattern = std::filesystem::temp_directory_path().string() + "/tervane-test-XXXXXX";
     if (!::mkdtemp(pattern.data()))
         throw std::runtime_error("mkdtemp failed");
+    Made().paths.push_back(pattern);
     return pattern;
 }
 
@@ -54,6 +72,8 @@ std::string RunCommand(const std::string& command, int* status) {
     return output;
 }
 
-std::string DebianPython() { return "/usr/bin/python3"; }
+std::string DebianPython() {
+    return "/usr/bin/python3";
+}
 
 } // namespace tervane::test

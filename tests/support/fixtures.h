@@ -11,7 +11,7 @@ std::string FixturePath(const std::string& name, const std::string& arch);
 std::vector<std::string> FixtureImages(const std::string& name);
 std::vector<unsigned char> ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes);
-// A fresh folder under the build tree, removed with the test program's temp files.
+// A fresh folder under the temporary directory, removed when the test program ends.
 std::string TempDir();
 // Runs a shell command, returns its standard output; the exit status goes to *status.
 std::string RunCommand(const std::string& command, int* status = nullptr);
