@@ -1,5 +1,6 @@
 #include "label/runtime/ss_lex_consumer.h"
 
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -117,6 +118,8 @@ void SSLexConsumer::skipLeadingNewline(SSLexMark& mark) {
 }
 
 void SSLexConsumer::appendToBuffer(const std::uint8_t* bytes, std::uint32_t count) {
+    if (count > UINT32_MAX - 2 - end_)
+        throw SSExceptionOutOfStorage();
     try {
         buffer_.resize(end_ + count + 2);
     } catch (const std::bad_alloc&) {
@@ -131,6 +134,9 @@ void SSLexConsumer::appendToBuffer(const std::uint8_t* bytes, std::uint32_t coun
 
 SSLexStringConsumer::SSLexStringConsumer(std::u16string_view text) {
     type_ = kWide;
+    // Positions are 32-bit byte offsets, as in the original.
+    if (text.size() > (UINT32_MAX - 2) / 2)
+        throw SSExceptionOutOfStorage();
     auto bytes = static_cast<std::uint32_t>(text.size() * 2);
     try {
         buffer_.resize(bytes + 2);
