@@ -55,6 +55,9 @@ TEST(LabelTokens, StringKind) {
          {{1, u"a"}, {2, u"\\t"}, {1, u"b"}, {2, u"\\r"}, {2, u"\\f"}, {2, u"\\b"}}},
         {S, u"%%d", {{1, u"%%"}, {1, u"d"}}},
         {S, u"\u00e9t\u00e9 \u4e2d", {{1, u"\u00e9t\u00e9 \u4e2d"}}},
+        // The text ends at a null, and a leading byte-order mark is no text.
+        {S, std::u16string(u"a\0%d", 4), {{1, u"a"}}},
+        {S, u"\uFEFF%d", {{8, u"%d"}}},
     });
 }
 
