@@ -212,3 +212,39 @@ TEST(Extract, UnreadableFilesFailBeforeAnyEvent) {
 
 } // namespace
 } // namespace tervane
+
+namespace tervane {
+namespace {
+
+// Real files where Debian's wine64 has put them: every non-empty string of
+// every block and language comes out as one element, and nothing fails.
+TEST(Extract, EveryStringOfWinesFiles) {
+    const std::string dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    const char* const names[] = {"shell32.dll",  "comctl32.dll", "user32.dll", "kernelbase.dll",
+                                 "comdlg32.dll", "wininet.dll",  "msi.dll",    "cmd.exe",
+                                 "notepad.exe",  "regedit.exe",  "winecfg.exe"};
+    if (test::RunCommand("ls " + dir + "/shell32.dll 2>/dev/null").empty())
+        GTEST_SKIP() << "wine64 is not installed";
+    std::string files;
+    for (const char* name : names)
+        files += " " + dir + "/" + name;
+    std::istringstream counts(test::RunCommand(test::DebianPython() + " " + TERVANE_SOURCE_DIR +
+                                               "/tests/app/count_strings.py" + files));
+    std::string path;
+    long expected = 0;
+    int checked = 0;
+    while (counts >> path >> expected) {
+        ExtractRun run = Extract("", path);
+        EXPECT_EQ(run.status, 0) << path << ": " << run.err;
+        long found = 0;
+        for (std::size_t at = run.out.find("<string id=\""); at != std::string::npos;
+             at = run.out.find("<string id=\"", at + 1))
+            ++found;
+        EXPECT_EQ(found, expected) << path;
+        ++checked;
+    }
+    EXPECT_EQ(checked, static_cast<int>(std::size(names)));
+}
+
+} // namespace
+} // namespace tervane
