@@ -34,10 +34,14 @@ void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes)
 }
 
 namespace {
-// Folders made by TempDir, removed when the test program ends.
+// Folders made by TempDir, removed when the test program ends; a forked
+// child that exits leaves them to its parent.
 struct TempDirs {
     std::vector<std::string> paths;
+    pid_t owner = ::getpid();
     ~TempDirs() {
+        if (::getpid() != owner)
+            return;
         std::error_code ignored;
         for (const auto& path : paths)
             std::filesystem::remove_all(path, ignored);
