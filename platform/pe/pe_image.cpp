@@ -9,7 +9,9 @@ namespace tervane::pe {
 
 namespace {
 
-Error BadFormat(std::string what) { return Error{ERROR_BAD_EXE_FORMAT, std::move(what)}; }
+Error BadFormat(std::string what) {
+    return Error{ERROR_BAD_EXE_FORMAT, std::move(what)};
+}
 
 // Field offsets inside the optional header; the PE32+ form widens the image
 // base and the four stack and heap sizes, which shifts the tail by 16 bytes.
@@ -102,7 +104,8 @@ Result<PeImage> PeImage::Parse(std::vector<std::uint8_t> bytes) {
     at.dataDirectories = at.optionalHeader + rvaCountAt + 4;
 
     // Only as many directories as the header declares and the optional header holds.
-    std::size_t available = (*optionalSize - std::min<std::size_t>(*optionalSize, rvaCountAt + 4)) / 8;
+    std::size_t available =
+        (*optionalSize - std::min<std::size_t>(*optionalSize, rvaCountAt + 4)) / 8;
     std::size_t directoryCount = std::min<std::size_t>({*rvaCount, kMaxDirectories, available});
     ByteReader dirs = *optional;
     dirs.Seek(rvaCountAt + 4);

@@ -32,8 +32,12 @@ private:
     std::variant<WORD, std::string> value_;
 };
 
-inline ResName MAKEINTRESOURCEA(WORD ordinal) { return ResName(ordinal); }
-inline bool IS_INTRESOURCE(const ResName& r) { return r.IsOrdinal(); }
+inline ResName MAKEINTRESOURCEA(WORD ordinal) {
+    return ResName(ordinal);
+}
+inline bool IS_INTRESOURCE(const ResName& r) {
+    return r.IsOrdinal();
+}
 
 inline const ResName RT_CURSOR{WORD{1}};
 inline const ResName RT_BITMAP{WORD{2}};

@@ -36,7 +36,8 @@ constexpr MessageEntry kMessages[] = {
     {123, "The filename, directory name, or volume label syntax is incorrect."},
     {183, "Cannot create a file when that file already exists."},
     {193, "%1 is not a valid Win32 application."},
-    {317, "The system cannot find message text for message number 0x%1 in the message file for %2."},
+    {317,
+     "The system cannot find message text for message number 0x%1 in the message file for %2."},
     {1006, "The volume for a file has been externally altered so that the opened file is no longer "
            "valid."},
     {1113, "No mapping for the Unicode character exists in the target multi-byte code page."},

@@ -18,9 +18,15 @@ using LONG_PTR = std::intptr_t;
 inline constexpr BOOL TRUE = 1;
 inline constexpr BOOL FALSE = 0;
 
-constexpr WORD MAKELANGID(WORD primary, WORD sub) { return static_cast<WORD>((sub << 10) | primary); }
-constexpr WORD PRIMARYLANGID(WORD lang) { return lang & 0x3FF; }
-constexpr WORD SUBLANGID(WORD lang) { return lang >> 10; }
+constexpr WORD MAKELANGID(WORD primary, WORD sub) {
+    return static_cast<WORD>((sub << 10) | primary);
+}
+constexpr WORD PRIMARYLANGID(WORD lang) {
+    return lang & 0x3FF;
+}
+constexpr WORD SUBLANGID(WORD lang) {
+    return lang >> 10;
+}
 
 inline constexpr WORD LANG_NEUTRAL = 0x00;
 inline constexpr WORD SUBLANG_NEUTRAL = 0x00;

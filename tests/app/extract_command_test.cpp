@@ -138,7 +138,7 @@ TEST(Extract, EdgesOfTheStream) {
 }
 
 TEST(Extract, NamedBlockCountsAsBlockZero) {
-    ExtractRun run = Extract("", test::FixturePath("fwd_special", "x64"));
+    ExtractRun run = Extract("", test::FixturePath("fwd_edges", "x64"));
     EXPECT_EQ(run.out, "<resources>\n\t<stringtable>\n\t\t<string id=\"-16\">Hi</string>\n"
                        "\t</stringtable>\n</resources>\n");
 }
