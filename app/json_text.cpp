@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "platform/locale/utf8.h"
+
 namespace tervane::app {
 
 namespace {
@@ -47,19 +49,10 @@ void AppendAscii(std::string& out, char c) {
 void AppendUtf8(std::string& out, char32_t c) {
     if (c < 0x80) {
         AppendAscii(out, static_cast<char>(c));
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
+        return;
     }
+    char bytes[4];
+    out.append(bytes, static_cast<std::size_t>(locale::EncodeUtf8(c, bytes)));
 }
 
 } // namespace
