@@ -1,7 +1,13 @@
 #!/usr/bin/env bash
-# Sets up, builds, and runs the main job on the built-in sample executable.
+# Sets up, builds, and runs the main job on the built-in sample executable:
+# its resources, then the tagged document of what the filter reads so far.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bash "$root/tools/setup.sh"
 bash "$root/tools/build.sh" "$root/build"
-"$root/build/tervane" list "$root/build/fixtures/sample.x64.dll"
+sample="$root/build/fixtures/sample.x64.dll"
+echo "== tervane list $sample"
+"$root/build/tervane" list "$sample"
+echo
+echo "== tervane extract $sample"
+"$root/build/tervane" extract "$sample"
