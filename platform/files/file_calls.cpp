@@ -16,6 +16,7 @@
 #include "platform/files/file_replace.h"
 #include "platform/pe/resource_name_text.h"
 #include "platform/update/pending_files.h"
+#include "platform/win32/handle_table.h"
 #include "platform/win32/last_error.h"
 
 namespace {
@@ -74,32 +75,7 @@ struct FindState {
     std::size_t next = 0;
 };
 
-class FindHandles {
-public:
-    static FindHandles& Instance() {
-        static FindHandles handles;
-        return handles;
-    }
-    HANDLE Add(std::unique_ptr<FindState> state) {
-        std::lock_guard lock(mutex_);
-        HANDLE handle = state.get();
-        live_.emplace(handle, std::move(state));
-        return handle;
-    }
-    FindState* Find(HANDLE handle) {
-        std::lock_guard lock(mutex_);
-        auto it = live_.find(handle);
-        return it == live_.end() ? nullptr : it->second.get();
-    }
-    bool Remove(HANDLE handle) {
-        std::lock_guard lock(mutex_);
-        return live_.erase(handle) != 0;
-    }
-
-private:
-    std::mutex mutex_;
-    std::map<HANDLE, std::unique_ptr<FindState>> live_;
-};
+using FindHandles = HandleTable<FindState>;
 
 bool NextMatch(FindState& state, WIN32_FIND_DATAA* data) {
     while (state.next < state.matches.size()) {
@@ -243,7 +219,7 @@ BOOL FindNextFileA(HANDLE find, WIN32_FIND_DATAA* data) {
 }
 
 BOOL FindClose(HANDLE find) {
-    if (!FindHandles::Instance().Remove(find))
+    if (!FindHandles::Instance().Take(find))
         return Fail(ERROR_INVALID_HANDLE);
     return TRUE;
 }

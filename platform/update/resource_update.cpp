@@ -13,6 +13,7 @@
 #include "platform/update/image_layout.h"
 #include "platform/update/pending_files.h"
 #include "platform/update/section_writer.h"
+#include "platform/win32/handle_table.h"
 #include "platform/win32/last_error.h"
 
 namespace {
@@ -33,38 +34,7 @@ struct Transaction {
     std::vector<Change> changes;
 };
 
-// Live handles only: a stale or foreign value is looked up, never dereferenced.
-class Transactions {
-public:
-    static Transactions& Instance() {
-        static Transactions transactions;
-        return transactions;
-    }
-    HANDLE Add(std::unique_ptr<Transaction> t) {
-        std::lock_guard lock(mutex_);
-        HANDLE handle = t.get();
-        live_.emplace(handle, std::move(t));
-        return handle;
-    }
-    Transaction* Find(HANDLE handle) {
-        std::lock_guard lock(mutex_);
-        auto it = live_.find(handle);
-        return it == live_.end() ? nullptr : it->second.get();
-    }
-    std::unique_ptr<Transaction> Take(HANDLE handle) {
-        std::lock_guard lock(mutex_);
-        auto it = live_.find(handle);
-        if (it == live_.end())
-            return nullptr;
-        auto t = std::move(it->second);
-        live_.erase(it);
-        return t;
-    }
-
-private:
-    std::mutex mutex_;
-    std::map<HANDLE, std::unique_ptr<Transaction>> live_;
-};
+using Transactions = HandleTable<Transaction>;
 
 // Win32 opens the file for writing: a missing file, a folder or a read-only
 // file fails here. The read-only attribute is the owner's write bit, which
