@@ -17,10 +17,11 @@ public:
     void ExtractPieces(CLabelPieceList&) override {}
 };
 
-// Reads nothing yet: the resource is kept, and gives nothing to the document.
+// Reads the records into the process-wide table under the resource's
+// identifier; the resource itself stays as it was.
 class CDlgInitCommand : public CResourceCommand {
 public:
-    CResource* Execute(Bytes, CResource* resource) override { return resource; }
+    CResource* Execute(Bytes data, CResource* resource) override;
 };
 
 } // namespace tervane

@@ -1,13 +1,121 @@
 #include "model/dlginit_table.h"
 
+#include "frame/diagnostics/exceptions.h"
+#include "frame/resource.h"
+
 namespace tervane {
 
-class CDlgInitData {};
+void CDlgInitData::FlushPending() {
+    const WORD control = static_cast<WORD>(currentControl);
+    records[control] = std::move(pendingRecords);
+    strings[control] = std::move(pendingStrings);
+    pendingRecords.clear();
+    pendingStrings.clear();
+}
+
+void CDlgInitData::Parse(Bytes data, std::size_t size) {
+    ByteReader reader(data.first(std::min(size, data.size())));
+    currentControl = -1;
+    hasPending = 0;
+    while (reader.Remaining() > 2) {
+        DlgInitRecord record;
+        auto id = reader.ReadU16LE();
+        auto message = reader.ReadU16LE();
+        auto low = reader.ReadU16LE();
+        auto high = reader.ReadU16LE();
+        if (!high)
+            throw CParserException(kCorruptedDocumentMessage);
+        auto bytes = reader.ReadBytes(*low);
+        if (!bytes)
+            throw CParserException(kCorruptedDocumentMessage);
+        record = {*id, *message, *low, *high, std::string(bytes->begin(), bytes->end())};
+
+        // A control's records that are not next to each other do not add up:
+        // the later run replaces the earlier one.
+        if (record.controlId != currentControl && currentControl != -1)
+            FlushPending();
+        if (record.controlId != currentControl || !hasPending) {
+            pendingRecords.clear();
+            pendingStrings.clear();
+            currentControl = record.controlId;
+        }
+        pendingStrings.push_back(record.text);
+        pendingRecords.push_back(std::move(record));
+        hasPending = 1;
+        ++recordCount;
+    }
+    // Fewer than two bytes left leave the word as 0.
+    endWord = reader.ReadU16LE().value_or(0);
+    if (hasPending)
+        FlushPending();
+}
+
+NarrowTextList CDlgInitData::GetStrings(WORD controlId) const {
+    auto it = strings.find(controlId);
+    return it == strings.end() ? NarrowTextList{} : it->second;
+}
+
+void CDlgInitData::SetStrings(WORD controlId, NarrowTextList list) {
+    strings[controlId] = std::move(list);
+}
+
+void CDlgInitData::Rebuild() {
+    buffer.clear();
+    auto word = [this](WORD value) {
+        buffer.push_back(static_cast<std::uint8_t>(value & 0xFF));
+        buffer.push_back(static_cast<std::uint8_t>(value >> 8));
+    };
+    for (const auto& [control, list] : records) {
+        const NarrowTextList& texts = strings[control];
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            const DlgInitRecord& record = list[i];
+            const std::string* text = &record.text;
+            WORD length = record.lengthLow;
+            std::string replaced;
+            if (i < texts.size() && !texts[i].empty() && texts[i] != record.text) {
+                // The record's text keeps its zero byte; a translation has none.
+                replaced = texts[i];
+                replaced.push_back('\0');
+                text = &replaced;
+                length = static_cast<WORD>(replaced.size());
+            }
+            word(record.controlId);
+            word(record.message);
+            word(length);
+            word(0);
+            buffer.insert(buffer.end(), text->begin(), text->end());
+        }
+    }
+    word(0);
+}
 
 CDlgInitTable& CDlgInitTable::GetInstance() {
     // One conversion runs at a time on a thread.
     thread_local CDlgInitTable table;
     return table;
+}
+
+void CDlgInitTable::Store(const std::string& identifier, std::unique_ptr<CDlgInitData> data) {
+    entries_[identifier] = std::move(data);
+}
+
+CDlgInitData* CDlgInitTable::Find(const std::string& identifier) const {
+    auto it = entries_.find(identifier);
+    return it == entries_.end() ? nullptr : it->second.get();
+}
+
+NarrowTextList CDlgInitTable::GetItems(const std::string& identifier, WORD controlId) {
+    CDlgInitData* data = Find(identifier);
+    if (data == nullptr)
+        return {};
+    language = data->language;
+    return data->GetStrings(controlId);
+}
+
+void CDlgInitTable::SetItems(const std::string& identifier, WORD controlId,
+                             NarrowTextList list) {
+    if (CDlgInitData* data = Find(identifier))
+        data->SetStrings(controlId, std::move(list));
 }
 
 } // namespace tervane

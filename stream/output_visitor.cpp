@@ -1,9 +1,6 @@
 #include "stream/output_visitor.h"
 
-#include "model/dialog_resource.h"
-#include "model/menu_resource.h"
 #include "model/string_block.h"
-#include "model/version_info_resource.h"
 #include "stream/event_items.h"
 
 namespace tervane {
@@ -123,26 +120,6 @@ int COutputVisitor::VisitStringBlock(CStringBlockResource* resource) {
         SendNewLine();
     }
     CloseFrameIfLast(kStringTableGroup);
-    return 0;
-}
-
-// Dialogs, menus and version blocks are not read yet: they have no content,
-// and take part in the frame only.
-int COutputVisitor::VisitDialog(CDialogResource*) {
-    OpenFrame(kDialogsGroup, false);
-    CloseFrameIfLast(kDialogsGroup);
-    return 0;
-}
-
-int COutputVisitor::VisitMenu(CMenuResource*) {
-    OpenFrame(kMenusGroup, false);
-    CloseFrameIfLast(kMenusGroup);
-    return 0;
-}
-
-int COutputVisitor::VisitVersionInfo(CVersionInfoResource*) {
-    OpenFrame(kVersionInfoGroup, false);
-    CloseFrameIfLast(kVersionInfoGroup);
     return 0;
 }
 
