@@ -112,8 +112,7 @@ NarrowTextList CDlgInitTable::GetItems(const std::string& identifier, WORD contr
     return data->GetStrings(controlId);
 }
 
-void CDlgInitTable::SetItems(const std::string& identifier, WORD controlId,
-                             NarrowTextList list) {
+void CDlgInitTable::SetItems(const std::string& identifier, WORD controlId, NarrowTextList list) {
     if (CDlgInitData* data = Find(identifier))
         data->SetStrings(controlId, std::move(list));
 }
