@@ -1,6 +1,10 @@
 #pragma once
-// A dialog template.
+// A dialog template resource: one CDialogItem once read.
+#include <memory>
+#include <vector>
+
 #include "frame/resource.h"
+#include "model/dialog_item.h"
 
 namespace tervane {
 
@@ -13,14 +17,19 @@ public:
     std::unique_ptr<CTagLabelPiece> GetCloseTag() const override {
         return GroupTag("dialogs", false);
     }
-    // Nothing of this kind is read yet, so there is nothing to take.
-    void ExtractPieces(CLabelPieceList&) override {}
+    // Takes the pieces behind the group's tag up to the first end tag that
+    // names a dialog, which goes too, into a new dialog of this object.
+    void ExtractPieces(CLabelPieceList& stream) override;
+    // The first dialog takes over the pieces of other's first dialog; every
+    // other field stays that of the source.
+    void MergePieces(CResource& other) override;
+
+    std::vector<std::unique_ptr<CDialogItem>> dialogs;
 };
 
-// Reads nothing yet: the resource is kept, and gives nothing to the document.
 class CDialogCommand : public CResourceCommand {
 public:
-    CResource* Execute(Bytes, CResource* resource) override { return resource; }
+    CResource* Execute(Bytes data, CResource* resource) override;
 };
 
 } // namespace tervane

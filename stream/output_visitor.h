@@ -28,6 +28,9 @@ private:
     void SendIndent(short count);
     void SendGroupTag(const char* name, bool open);
     void SendPieces(const CLabelPieceList& pieces);
+    // The white space around a dialog's tags, decided by words in the tag text.
+    void SendIndentBefore(std::u16string_view tagText, bool start);
+    void SendLineEndAfter(std::u16string_view tagText);
 
     // The frame common to every visit: root and group tags before the object,
     // and the closing ones after the last object of the conversion.
@@ -36,6 +39,8 @@ private:
     void CloseGroup(GroupIndex group);
 
     IEvents* sink_ = nullptr;
+    // Indentation depth in dialogs and menus, set at the start of each visit.
+    short level_ = 0;
 };
 
 } // namespace tervane

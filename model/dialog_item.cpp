@@ -1,0 +1,228 @@
+// A dialog's pieces, in the order of the document.
+#include "model/dialog_item.h"
+
+#include <cstdio>
+
+#include "frame/diagnostics/exceptions.h"
+#include "frame/diagnostics/trace.h"
+#include "frame/resource.h"
+#include "label/grammars/label_parser.h"
+#include "model/dialog_controls.h"
+#include "model/dlginit_table.h"
+#include "platform/locale/code_pages.h"
+#include "platform/locale/locale_info.h"
+
+namespace tervane {
+
+namespace {
+
+bool Contains(std::string_view text, std::string_view word) {
+    return text.find(word) != std::string_view::npos;
+}
+
+bool NameContains(const CLabelPiece& piece, std::u16string_view word) {
+    const TagDescriptor* tag = TagOf(piece);
+    return tag != nullptr && tag->name.find(word) != std::u16string::npos;
+}
+
+// The last piece is an <items> that nothing followed, and the one before it
+// opened owner: the owner has no title either.
+enum class Ending { Empty, TitleOnly, Content };
+Ending HowItEnds(const CLabelPieceList& pieces, std::u16string_view owner) {
+    const std::size_t n = pieces.size();
+    if (n == 0 || !NameContains(*pieces[n - 1], u"items"))
+        return Ending::Content;
+    if (n >= 2 && NameContains(*pieces[n - 2], owner))
+        return Ending::Empty;
+    return Ending::TitleOnly;
+}
+
+std::string TrimNarrow(const std::string& text) {
+    const char* const blanks = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+void TraceWithIdentifier(const char* format, const std::string& identifier) {
+    std::vector<char> buffer(std::char_traits<char>::length(format) + identifier.size() + 1);
+    std::snprintf(buffer.data(), buffer.size(), format, identifier.c_str());
+    Trace(buffer.data());
+}
+
+std::u16string TitleText(const OptionalText& title) {
+    return title ? title->substr(0, kMaxTitleLength) : std::u16string();
+}
+
+UINT AnsiCodePage(WORD language) {
+    char buffer[8] = {};
+    if (GetLocaleInfoA(language, LOCALE_IDEFAULTANSICODEPAGE, buffer, sizeof buffer) == 0)
+        return CP_ACP;
+    return static_cast<UINT>(std::atoi(buffer));
+}
+
+} // namespace
+
+CDialogItem::CDialogItem() = default;
+CDialogItem::~CDialogItem() = default;
+CDialogItem::CDialogItem(CDialogItem&&) noexcept = default;
+CDialogItem& CDialogItem::operator=(CDialogItem&&) noexcept = default;
+
+void CDialogItem::AppendOpen(const char* name, const std::string& body) {
+    pieces.push_back(MakeOpenTag(name, "<" + body + ">"));
+}
+
+void CDialogItem::AppendClose(const char* name) {
+    pieces.push_back(MakeCloseTag(name, std::string("</") + name + ">"));
+}
+
+void CDialogItem::AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption) {
+    AppendOpen("caption", "caption");
+    AnalyseDialogText(title, marks, isCaption);
+    AppendClose("caption");
+}
+
+void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WORD languageId) {
+    language = languageId;
+    skipped = 0;
+    identifier = TrimNarrow(identifierText);
+
+    CDialogTemplateReader reader;
+    header = reader.ReadHeader(data);
+    parser = std::make_unique<CLabelParser>();
+    const std::u16string title = TitleText(header.title);
+
+    if (header.itemCount == 0) {
+        if (title.empty()) {
+            TraceWithIdentifier("-----Dialog id = %s has been skipped-----\n", identifier);
+            skipped = 1;
+            return;
+        }
+        AppendOpen("dialog", DialogTagBody(identifier));
+        AppendCaption(title, {}, true);
+        AppendClose("dialog");
+        return;
+    }
+    if (header.itemCount > kMaxDialogControls)
+        throw CParserException(kCorruptedDocumentMessage);
+
+    AppendOpen("dialog", DialogTagBody(identifier));
+    if (!title.empty())
+        AppendCaption(title, {}, true);
+    AppendOpen("items", "items");
+    ReadAndEmitControls(reader);
+
+    switch (HowItEnds(pieces, u"dialog")) {
+    case Ending::Empty:
+        pieces.clear();
+        TraceWithIdentifier(
+            "!!!!!Dialog id = %s has been skipped, there is no translatable contents.!!!!!\n",
+            identifier);
+        skipped = 1;
+        return;
+    case Ending::TitleOnly:
+        pieces.pop_back();
+        AppendClose("dialog");
+        return;
+    case Ending::Content:
+        AppendClose("items");
+        AppendClose("dialog");
+        return;
+    }
+}
+
+void CDialogItem::ReadAndEmitControls(CDialogTemplateReader& reader) {
+    controls.clear();
+    for (WORD place = 0; place < header.itemCount; ++place) {
+        DialogControl control = reader.ReadControl();
+        control.tabIndex = place;
+        controls.push_back(std::move(control));
+    }
+    SortByPosition();
+    PartitionControls(0, controls, true);
+    // The top level is always the last list appended.
+    controls = std::move(groupLists.back());
+    groupLists.pop_back();
+    SortByTabIndex(controls, true);
+    // Each group box stays in front of its own list.
+    for (ControlList& list : groupLists)
+        SortByTabIndex(list, false);
+    EmitControls(controls, true);
+}
+
+void CDialogItem::EmitControls(const ControlList& list, bool includeFirst) {
+    for (std::size_t at = includeFirst ? 0 : 1; at < list.size(); ++at) {
+        const DialogControl& control = list[at];
+        EmitControl(control);
+        const char* kind = GetControlKind(control.classOrdinal, control.style);
+        if (!Contains(kind, "groupbox"))
+            continue;
+        EmitControls(TakeGroupList(control.tabIndex), false);
+        CloseGroupBox(kind);
+    }
+}
+
+void CDialogItem::CloseGroupBox(const char* kind) {
+    switch (HowItEnds(pieces, u"groupbox")) {
+    case Ending::Empty:
+        pieces.pop_back();
+        pieces.pop_back();
+        return;
+    case Ending::TitleOnly:
+        pieces.pop_back();
+        AppendClose(kind);
+        return;
+    case Ending::Content:
+        AppendClose("items");
+        AppendClose(kind);
+        return;
+    }
+}
+
+void CDialogItem::EmitControl(DialogControl control) {
+    emittedControls.push_back(control);
+    if (!control.title && !control.className)
+        return;
+    const std::u16string title = TitleText(control.title);
+    const char* kind = GetControlKind(control.classOrdinal, control.style);
+    const std::string marks = GetStyleMarks(control.classOrdinal, control.style);
+    if (Contains(kind, "unknown"))
+        return;
+
+    if (Contains(kind, "groupbox")) {
+        AppendOpen(kind, ControlTagBody(control, false));
+        if (!title.empty())
+            AppendCaption(title, marks, false);
+        AppendOpen("items", "items");
+        return;
+    }
+    const std::string body = ControlTagBody(control, true);
+    if (!title.empty()) {
+        AppendOpen(kind, body);
+        AnalyseDialogText(title, marks, false);
+        AppendClose(kind);
+    }
+    if (Contains(kind, "combobox") || Contains(kind, "listbox"))
+        EmitListItems(identifier, control.id, body, kind);
+}
+
+void CDialogItem::EmitListItems(const std::string& dialogIdentifier, WORD controlId,
+                                const std::string& body, const char* kind) {
+    CDlgInitTable& table = CDlgInitTable::GetInstance();
+    const NarrowTextList entries = table.GetItems(dialogIdentifier, controlId);
+    if (entries.empty())
+        return;
+    const UINT codePage = AnsiCodePage(table.language);
+    AppendOpen(kind, body);
+    for (const std::string& entry : entries) {
+        AppendOpen("item", "item");
+        // Up to the first zero byte: the string's own terminator, or where
+        // binary data stop showing.
+        pieces.push_back(MakeText(Widen(entry.substr(0, entry.find('\0')), codePage)));
+        AppendClose("item");
+    }
+    AppendClose(kind);
+}
+
+} // namespace tervane

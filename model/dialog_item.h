@@ -1,0 +1,79 @@
+#pragma once
+// One dialog: its template, and the flat list of pieces it gives to the
+// document. The document's order is neither the template's nor the screen's:
+// group boxes take the controls that lie in them, found by geometry after a
+// sort by position, and each level then stands in tab order.
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "label/pieces/label_piece.h"
+#include "model/dialog_template.h"
+
+namespace tervane {
+
+class CLabelParser;
+
+using ControlList = std::vector<DialogControl>;
+
+// The sorts work in arrays of this size; a template with more controls is
+// taken as corrupted.
+inline constexpr std::size_t kMaxDialogControls = 1000;
+// Characters of a title taken for the document.
+inline constexpr std::size_t kMaxTitleLength = 256;
+
+class CDialogItem {
+public:
+    CDialogItem();
+    ~CDialogItem();
+    CDialogItem(CDialogItem&&) noexcept;
+    CDialogItem& operator=(CDialogItem&&) noexcept;
+
+    // Reads the template and fills pieces; a dialog with nothing to translate
+    // is marked skipped and has none. Throws CParserException on a template
+    // that runs past the data.
+    void ParseDialog(Bytes data, const std::string& identifier, WORD language);
+
+    // Exchange sorts, kept exactly: controls at the same spot end in the order
+    // these exchanges leave, and that decides which group box takes what.
+    void SortByPosition();
+    static void SortByTabIndex(ControlList& list, bool includeFirst);
+
+    // Splits list, sorted by position, into the content of each group box
+    // behind start and the rest; each box's content is appended to groupLists
+    // with the box in front, and the rest last of all.
+    void PartitionControls(std::size_t start, ControlList& list, bool isTop);
+    // The content list of the group box at tabIndex, taken out; empty if none.
+    ControlList TakeGroupList(WORD tabIndex);
+
+    void EmitControls(const ControlList& list, bool includeFirst);
+    void EmitControl(DialogControl control);
+    void EmitListItems(const std::string& dialogIdentifier, WORD controlId, const std::string& body,
+                       const char* kind);
+    // Appends the pieces of a dialog title (isCaption) or a control's text.
+    void AnalyseDialogText(std::u16string_view text, std::string_view marks, bool isCaption);
+
+    DialogHeader header;
+    // In template order, then the top level of the dialog.
+    ControlList controls;
+    // Every control in the order the emission met it, with or without a tag.
+    ControlList emittedControls;
+    std::vector<ControlList> groupLists;
+    std::string identifier;
+    CLabelPieceList pieces;
+    std::unique_ptr<CLabelParser> parser;
+    long skipped = 0;
+    WORD language = 0;
+
+private:
+    void ReadAndEmitControls(CDialogTemplateReader& reader);
+    void PartitionLevel(std::size_t start, ControlList& list, std::size_t depth);
+    void CloseGroupBox(const char* kind);
+    void AppendOpen(const char* name, const std::string& body);
+    void AppendClose(const char* name);
+    void AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption);
+};
+
+} // namespace tervane

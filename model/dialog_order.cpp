@@ -1,0 +1,100 @@
+// The order of a dialog's controls in the document.
+#include <utility>
+
+#include "frame/diagnostics/exceptions.h"
+#include "frame/resource.h"
+#include "model/dialog_controls.h"
+#include "model/dialog_item.h"
+
+namespace tervane {
+
+namespace {
+
+bool IsGroupBox(const DialogControl& control) {
+    return std::string_view(GetControlKind(control.classOrdinal, control.style)).find("groupbox") !=
+           std::string_view::npos;
+}
+
+// Only the top-left corner counts, both edges of the box included.
+bool LiesIn(const DialogControl& control, const DialogControl& box) {
+    const long x = control.x, y = control.y;
+    const long left = box.x, top = box.y;
+    return x >= left && x <= left + box.width && y >= top && y <= top + box.height;
+}
+
+} // namespace
+
+void CDialogItem::SortByPosition() {
+    if (controls.size() > kMaxDialogControls)
+        throw CParserException(kCorruptedDocumentMessage);
+    for (std::size_t i = 0; i + 1 < controls.size(); ++i)
+        for (std::size_t j = i; j < controls.size(); ++j) {
+            const DialogControl& a = controls[i];
+            const DialogControl& b = controls[j];
+            if (a.y > b.y || (a.y == b.y && a.x > b.x))
+                std::swap(controls[i], controls[j]);
+        }
+}
+
+void CDialogItem::SortByTabIndex(ControlList& list, bool includeFirst) {
+    if (list.size() > kMaxDialogControls)
+        throw CParserException(kCorruptedDocumentMessage);
+    for (std::size_t i = includeFirst ? 0 : 1; i + 1 < list.size(); ++i)
+        for (std::size_t j = i; j < list.size(); ++j)
+            if (list[i].tabIndex > list[j].tabIndex)
+                std::swap(list[i], list[j]);
+}
+
+void CDialogItem::PartitionControls(std::size_t start, ControlList& list, bool /*isTop*/) {
+    PartitionLevel(start, list, 0);
+}
+
+// Each box found goes on behind it in the same list, which is a loop here;
+// only a box within a box goes one level deeper.
+void CDialogItem::PartitionLevel(std::size_t start, ControlList& list, std::size_t depth) {
+    if (depth > kMaxDialogControls)
+        throw CParserException(kCorruptedDocumentMessage);
+    while (start < list.size()) {
+        ControlList inside;
+        ControlList outside(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(start));
+        std::size_t cursor = start;
+        bool found = false;
+        const DialogControl* box = nullptr;
+        for (std::size_t at = start; at < list.size(); ++at) {
+            const DialogControl& control = list[at];
+            if (box != nullptr) {
+                if (LiesIn(control, *box)) {
+                    inside.push_back(control);
+                    found = true;
+                } else {
+                    outside.push_back(control);
+                }
+                continue;
+            }
+            ++cursor;
+            if (IsGroupBox(control)) {
+                box = &control;
+                inside.push_back(control);
+            }
+            outside.push_back(control);
+        }
+        list = std::move(outside);
+        if (found)
+            PartitionLevel(1, inside, depth + 1);
+        start = cursor;
+    }
+    groupLists.push_back(list);
+}
+
+ControlList CDialogItem::TakeGroupList(WORD tabIndex) {
+    for (auto it = groupLists.begin(); it != groupLists.end(); ++it) {
+        if (!it->empty() && it->front().tabIndex == tabIndex) {
+            ControlList taken = std::move(*it);
+            groupLists.erase(it);
+            return taken;
+        }
+    }
+    return {};
+}
+
+} // namespace tervane

@@ -1,0 +1,167 @@
+#include "model/dialog_template.h"
+
+#include "frame/diagnostics/exceptions.h"
+#include "frame/diagnostics/trace.h"
+#include "frame/resource.h"
+
+namespace tervane {
+
+namespace {
+
+constexpr DWORD kExtendedSignature = 0xFFFF0001;
+constexpr DWORD kSetFont = 0x40;
+constexpr DWORD kFixedSys = 0x08;
+constexpr WORD kOrdinalMark = 0xFFFF;
+
+[[noreturn]] void Corrupted() {
+    throw CParserException(kCorruptedDocumentMessage);
+}
+
+} // namespace
+
+WORD CDialogTemplateReader::Word() {
+    auto value = reader_.ReadU16LE();
+    if (!value)
+        Corrupted();
+    return *value;
+}
+
+DWORD CDialogTemplateReader::Dword() {
+    auto value = reader_.ReadU32LE();
+    if (!value)
+        Corrupted();
+    return *value;
+}
+
+BYTE CDialogTemplateReader::Byte() {
+    auto value = reader_.ReadU8();
+    if (!value)
+        Corrupted();
+    return *value;
+}
+
+WORD CDialogTemplateReader::PeekWord() {
+    ByteReader ahead = reader_;
+    auto value = ahead.ReadU16LE();
+    if (!value)
+        Corrupted();
+    return *value;
+}
+
+std::u16string CDialogTemplateReader::Text() {
+    std::u16string text;
+    for (WORD unit = Word(); unit != 0; unit = Word())
+        text += static_cast<char16_t>(unit);
+    return text;
+}
+
+void CDialogTemplateReader::Align() {
+    if (!reader_.AlignTo(4))
+        reader_.Seek(reader_.Size());
+}
+
+DialogHeader CDialogTemplateReader::ReadHeader(Bytes data) {
+    reader_ = ByteReader(data);
+    DialogHeader header;
+    const DWORD first = Dword();
+    if (first == kExtendedSignature) {
+        isExtended = 1;
+        header.helpId = Dword();
+        header.extendedStyle = Dword();
+        header.style = Dword();
+    } else {
+        isExtended = 0;
+        header.style = first;
+        header.extendedStyle = Dword();
+    }
+    header.isExtended = isExtended;
+    header.itemCount = Word();
+    header.x = static_cast<std::int16_t>(Word());
+    header.y = static_cast<std::int16_t>(Word());
+    header.cx = static_cast<std::int16_t>(Word());
+    header.cy = static_cast<std::int16_t>(Word());
+
+    const WORD menu = PeekWord();
+    if (menu == 0) {
+        Word();
+    } else if (menu == kOrdinalMark) {
+        Word();
+        header.menuOrdinal = Word();
+    } else {
+        header.menuName = Text();
+    }
+
+    // The model keeps no number for a window class.
+    const WORD windowClass = PeekWord();
+    if (windowClass == 0) {
+        Word();
+    } else if (windowClass == kOrdinalMark) {
+        Word();
+        Word();
+    } else {
+        header.className = Text();
+    }
+
+    if (PeekWord() == 0)
+        Word();
+    else
+        header.title = Text();
+
+    if (header.style & (kSetFont | kFixedSys)) {
+        Trace("DS_SETFONT is set");
+        header.pointSize = Word();
+        if (isExtended) {
+            header.weight = Word();
+            header.italic = Byte();
+            header.charset = Byte();
+        }
+        header.fontName = Text();
+    }
+    Align();
+    return header;
+}
+
+DialogControl CDialogTemplateReader::ReadControl() {
+    DialogControl control;
+    if (isExtended) {
+        control.helpId = Dword();
+        control.extendedStyle = Dword();
+        control.style = Dword();
+    } else {
+        control.style = Dword();
+        control.extendedStyle = Dword();
+    }
+    control.x = static_cast<std::int16_t>(Word());
+    control.y = static_cast<std::int16_t>(Word());
+    control.width = static_cast<std::int16_t>(Word());
+    control.height = static_cast<std::int16_t>(Word());
+    control.id = Word();
+    if (isExtended)
+        control.idHigh = Word();
+
+    if (PeekWord() == kOrdinalMark) {
+        Word();
+        control.classOrdinal = Word();
+    } else {
+        control.className = Text();
+    }
+
+    if (PeekWord() == kOrdinalMark) {
+        Word();
+        control.titleOrdinal = Word();
+    } else {
+        control.title = Text();
+    }
+
+    const WORD count = Word();
+    if (count != 0) {
+        auto bytes = reader_.ReadBytes(count);
+        if (!bytes)
+            Corrupted();
+        control.creationData.assign(bytes->begin(), bytes->end());
+    }
+    Align();
+    return control;
+}
+
+} // namespace tervane
