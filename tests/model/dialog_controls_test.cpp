@@ -1,0 +1,88 @@
+#include "model/dialog_controls.h"
+
+#include <gtest/gtest.h>
+
+namespace tervane {
+namespace {
+
+TEST(DialogControls, KindsByBitsNotByButtonType) {
+    // Button types 0 to 15, in order.
+    const char* const buttons[16] = {"button",      "button",      "checkbox", "checkbox",
+                                     "button",      "button",      "checkbox", "groupbox",
+                                     "radiobutton", "radiobutton", "checkbox", "checkbox",
+                                     "radiobutton", "radiobutton", "checkbox", "groupbox"};
+    for (DWORD type = 0; type < 16; ++type) {
+        EXPECT_STREQ(GetControlKind(0x80, type), buttons[type]) << type;
+        // Only the low byte counts.
+        EXPECT_STREQ(GetControlKind(0x80, 0x50010000 | type), buttons[type]) << type;
+    }
+    struct Case {
+        WORD classOrdinal;
+        const char* kind;
+    };
+    const Case others[] = {{0x81, "edit"},    {0x82, "label"},    {0x83, "listbox"},
+                           {0x84, "unknown"}, {0x85, "combobox"}, {0, "unknown"},
+                           {0x86, "unknown"}};
+    for (const Case& c : others)
+        EXPECT_STREQ(GetControlKind(c.classOrdinal, 0x07), c.kind) << c.classOrdinal;
+}
+
+TEST(DialogControls, StyleMarks) {
+    struct Case {
+        WORD classOrdinal;
+        DWORD style;
+        const char* marks;
+    };
+    const Case cases[] = {
+        {0x81, 0x0020, " style=\"ES_PASSWORD\""},
+        {0x81, 0x2008, " style=\"ES_UPPERCASE ES_NUMBER\""},
+        {0x81, 0x2038, " style=\"ES_UPPERCASE ES_LOWERCASE ES_PASSWORD ES_NUMBER\""},
+        {0x82, 0x0080, " style=\"SS_NOPREFIX\""},
+        {0x85, 0x6000, " style=\"CBS_UPPERCASE CBS_LOWERCASE\""},
+        // The same bits on another class give nothing.
+        {0x80, 0x2028, ""},
+        {0x82, 0x2000, ""},
+        {0x85, 0x0080, ""},
+        {0x81, 0, ""},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(GetStyleMarks(c.classOrdinal, c.style), c.marks) << c.classOrdinal << c.style;
+}
+
+TEST(DialogControls, TagBodies) {
+    struct Case {
+        DialogControl control;
+        bool withHidden;
+        const char* body;
+    };
+    auto control = [](WORD classOrdinal, DWORD style, std::int16_t x, WORD id) {
+        DialogControl c;
+        c.classOrdinal = classOrdinal;
+        c.style = style;
+        c.x = x;
+        c.y = 20;
+        c.width = 50;
+        c.height = 10;
+        c.id = id;
+        return c;
+    };
+    const Case cases[] = {
+        {control(0x80, 0x10000003, 10, 1001), true,
+         "checkbox x=\"10\" y=\"20\" width=\"50\" height=\"10\" id=\"1001\""},
+        {control(0x80, 0x00000003, 10, 1001), true,
+         "checkbox x=\"10\" y=\"20\" width=\"50\" height=\"10\" id=\"1001\" hidden=\"yes\""},
+        {control(0x80, 0x00000007, 10, 1001), false,
+         "groupbox x=\"10\" y=\"20\" width=\"50\" height=\"10\" id=\"1001\""},
+        {control(0x82, 0x10000080, -1, 0xFFFF), true,
+         "label style=\"SS_NOPREFIX\" x=\"-1\" y=\"20\" width=\"50\" height=\"10\""},
+        {control(0x81, 0x10000020, -32768, 65534), true,
+         "edit style=\"ES_PASSWORD\" x=\"-32768\" y=\"20\" width=\"50\" height=\"10\" "
+         "id=\"65534\""},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(ControlTagBody(c.control, c.withHidden), c.body);
+    EXPECT_EQ(DialogTagBody("ABOUT BOX"), "dialog id=\"ABOUT BOX\"");
+}
+
+} // namespace
+} // namespace tervane

@@ -1,0 +1,379 @@
+#include "model/dialog_item.h"
+
+#include <gtest/gtest.h>
+#include <regex>
+
+#include "frame/diagnostics/exceptions.h"
+#include "model/dialog_resource.h"
+#include "model/dlginit_table.h"
+#include "tests/model/dialog_template_builder.h"
+
+namespace tervane {
+namespace {
+
+using test::NameOrOrdinal;
+using test::TemplateControl;
+using test::TemplateDialog;
+
+constexpr DWORD kVisible = 0x50000000;
+
+// Pieces spelt out: texts in brackets, inline tags in braces, other tags as
+// their text without place and size, which the tag bodies' own test covers.
+std::string Spell(const CLabelPieceList& pieces) {
+    static const std::regex place(" x=\"-?\\d+\" y=\"-?\\d+\" width=\"-?\\d+\" height=\"-?\\d+\"");
+    std::u16string out;
+    for (const auto& piece : pieces) {
+        if (const auto* text = TextOf(*piece))
+            out += u"[" + text->text + u"]";
+        else if (const auto* tag = TagOf(*piece))
+            out += tag->inlineTag ? u"{" + tag->tagText + u"}" : tag->tagText;
+    }
+    std::string narrow;
+    for (char16_t c : out)
+        narrow += c < 0x80 ? static_cast<char>(c) : '?';
+    return std::regex_replace(narrow, place, "");
+}
+
+TemplateControl Control(WORD classOrdinal, DWORD style, std::int16_t x, std::int16_t y,
+                        std::int16_t cx, std::int16_t cy, WORD id, std::u16string title) {
+    TemplateControl c;
+    c.windowClass = NameOrOrdinal::Number(classOrdinal);
+    c.style = style;
+    c.x = x;
+    c.y = y;
+    c.cx = cx;
+    c.cy = cy;
+    c.id = id;
+    c.title = NameOrOrdinal::Name(std::move(title));
+    return c;
+}
+TemplateControl Label(std::int16_t x, std::int16_t y, WORD id, std::u16string title) {
+    return Control(0x82, kVisible, x, y, 40, 8, id, std::move(title));
+}
+TemplateControl Button(std::int16_t x, std::int16_t y, WORD id, std::u16string title) {
+    return Control(0x80, kVisible, x, y, 50, 14, id, std::move(title));
+}
+TemplateControl Box(std::int16_t x, std::int16_t y, std::int16_t cx, std::int16_t cy, WORD id,
+                    std::u16string title) {
+    return Control(0x80, kVisible | 7, x, y, cx, cy, id, std::move(title));
+}
+
+CDialogItem Parse(const TemplateDialog& dialog, const std::string& identifier = " 7 ") {
+    auto bytes = test::BuildTemplate(dialog);
+    CDialogItem item;
+    item.ParseDialog(bytes, identifier, 0x409);
+    return item;
+}
+
+TEST(DialogItem, TextAnalysis) {
+    struct Case {
+        std::u16string text;
+        const char* marks;
+        bool isCaption;
+        const char* spelt;
+    };
+    const Case cases[] = {
+        {u"&Print", "", true, "[&][Print]"},
+        {u"&Print", "", false, "{&}[Print]"},
+        {u"A & B", "", true, "[A ][&][ B]"},
+        {u"A&B", " style=\"SS_NOPREFIX\"", false, "[A][&][B]"},
+        {u"A&&B", " style=\"SS_NOPREFIX\"", false, "[A&&B]"},
+        {u"Fish && Chips", "", false, "[Fish & Chips]"},
+        {u"100%% done", "", false, "[100% done]"},
+        {u"%d", "", false, "{%d}"},
+        {u" %d", "", false, "[ ]{%d}"},
+        {u"50% off", "", false, "[50]{% o}[ff]"},
+        {u"a\\b", "", false, "[a\\b]"},
+        {u"x\r\ny", "", true, "[x]{\\r}{\\n}[y]"},
+        {u"tab\tstop", "", false, "[tab\tstop]"},
+        {u"Save &As\\%1", "", false, "[Save ]{&}[As\\]{%1}"},
+    };
+    for (const Case& c : cases) {
+        CDialogItem item;
+        item.AnalyseDialogText(c.text, c.marks, c.isCaption);
+        EXPECT_EQ(Spell(item.pieces), c.spelt) << c.spelt;
+    }
+}
+
+TEST(DialogItem, WhatADialogGives) {
+    struct Case {
+        const char* what;
+        std::u16string title;
+        std::vector<TemplateControl> controls;
+        const char* spelt;
+    };
+    TemplateControl icon = Label(0, 0, 5, u"");
+    icon.title = NameOrOrdinal::Number(42);
+    TemplateControl named = Label(0, 0, 6, u"Named");
+    named.windowClass = NameOrOrdinal::Name(u"SysLink");
+    TemplateControl hiddenBox = Box(0, 0, 100, 100, 1, u"Box");
+    hiddenBox.style &= ~0x10000000u;
+    TemplateControl hiddenLabel = Label(10, 10, 2, u"L");
+    hiddenLabel.style &= ~0x10000000u;
+
+    const Case cases[] = {
+        {"no controls, no title", u"", {}, ""},
+        {"no controls, a title",
+         u"About",
+         {},
+         "<dialog id=\"7\"><caption>[About]</caption></dialog>"},
+        {"a title and an empty edit",
+         u"T",
+         {Control(0x81, kVisible, 0, 0, 10, 10, 3, u"")},
+         "<dialog id=\"7\"><caption>[T]</caption></dialog>"},
+        {"no title, nothing with text",
+         u"",
+         {Control(0x81, kVisible, 0, 0, 10, 10, 3, u""), Label(0, 20, 4, u""), icon, named,
+          Control(0x84, kVisible, 0, 40, 10, 10, 8, u"Scroll")},
+         ""},
+        {"a box without title around two labels",
+         u"",
+         {Box(0, 0, 100, 100, 1, u""), Label(10, 10, 2, u"A"), Label(10, 20, 3, u"B")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><items><label id=\"2\">[A]</label>"
+         "<label id=\"3\">[B]</label></items></groupbox></items></dialog>"},
+        {"a box with a title and nothing inside",
+         u"T",
+         {Box(0, 0, 10, 10, 1, u"Box"), Label(200, 200, 2, u"L")},
+         "<dialog id=\"7\"><caption>[T]</caption><items><groupbox id=\"1\"><caption>[Box]"
+         "</caption></groupbox><label id=\"2\">[L]</label></items></dialog>"},
+        {"a box without title and nothing inside",
+         u"T",
+         {Box(0, 0, 10, 10, 1, u"")},
+         "<dialog id=\"7\"><caption>[T]</caption></dialog>"},
+        {"a hidden box",
+         u"",
+         {hiddenBox, hiddenLabel},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[Box]</caption><items>"
+         "<label id=\"2\" hidden=\"yes\">[L]</label></items></groupbox></items></dialog>"},
+        {"the corner of a box is inside, one unit beyond is not",
+         u"",
+         {Box(0, 0, 100, 50, 1, u""), Label(100, 50, 2, u"in"), Label(101, 50, 3, u"right"),
+          Label(100, 51, 4, u"below")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><items><label id=\"2\">[in]</label></items>"
+         "</groupbox><label id=\"3\">[right]</label><label id=\"4\">[below]</label></items>"
+         "</dialog>"},
+        {"a box within a box",
+         u"",
+         {Box(0, 0, 200, 200, 1, u"Outer"), Box(10, 10, 50, 50, 2, u"Inner"),
+          Label(20, 20, 3, u"deep"), Label(100, 100, 4, u"shallow")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[Outer]</caption><items>"
+         "<groupbox id=\"2\"><caption>[Inner]</caption><items><label id=\"3\">[deep]</label>"
+         "</items></groupbox><label id=\"4\">[shallow]</label></items></groupbox></items>"
+         "</dialog>"},
+        {"tab order at one level",
+         u"",
+         {Button(100, 10, 1, u"OK"), Button(5, 5, 2, u"Cancel"), Button(100, 40, 9, u"Help")},
+         "<dialog id=\"7\"><items><button id=\"1\">[OK]</button><button id=\"2\">[Cancel]"
+         "</button><button id=\"9\">[Help]</button></items></dialog>"},
+        {"a box last in the template holds what it surrounds",
+         u"",
+         {Button(100, 10, 1, u"OK"), Button(5, 5, 2, u"Cancel"), Button(100, 40, 9, u"Help"),
+          Box(0, 0, 200, 100, 4, u"Buttons")},
+         "<dialog id=\"7\"><items><groupbox id=\"4\"><caption>[Buttons]</caption><items>"
+         "<button id=\"1\">[OK]</button><button id=\"2\">[Cancel]</button>"
+         "<button id=\"9\">[Help]</button></items></groupbox></items></dialog>"},
+        // The exchanges put Q before P, so Q lies before the box and is not in it.
+        {"a label on the spot of a box, by the exchanges",
+         u"",
+         {Box(0, 10, 100, 100, 1, u"Box"), Label(0, 10, 2, u"Q"), Label(0, 0, 3, u"R")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[Box]</caption></groupbox>"
+         "<label id=\"2\">[Q]</label><label id=\"3\">[R]</label></items></dialog>"},
+        {"hotkeys of controls",
+         u"&Title",
+         {Button(0, 0, 1, u"&Save")},
+         "<dialog id=\"7\"><caption>[&][Title]</caption><items><button id=\"1\">{&}[Save]"
+         "</button></items></dialog>"},
+        {"a list without text and without init data",
+         u"T",
+         {Control(0x83, kVisible, 0, 0, 10, 10, 3, u"")},
+         "<dialog id=\"7\"><caption>[T]</caption></dialog>"},
+    };
+    for (const Case& c : cases) {
+        TemplateDialog dialog;
+        dialog.title = c.title;
+        dialog.controls = c.controls;
+        for (bool extended : {false, true}) {
+            dialog.extended = extended;
+            CDialogItem item = Parse(dialog);
+            EXPECT_EQ(Spell(item.pieces), c.spelt) << c.what;
+            EXPECT_EQ(item.skipped, std::string(c.spelt).empty() ? 1 : 0) << c.what;
+            EXPECT_EQ(item.emittedControls.size(), c.controls.size()) << c.what;
+            EXPECT_EQ(item.identifier, "7");
+        }
+    }
+}
+
+TEST(DialogItem, TitlesAreCutTo256) {
+    TemplateDialog dialog;
+    dialog.title = std::u16string(300, u'a');
+    dialog.controls = {Label(0, 0, 1, std::u16string(257, u'b'))};
+    CDialogItem item = Parse(dialog);
+    EXPECT_EQ(Spell(item.pieces), "<dialog id=\"7\"><caption>[" + std::string(256, 'a') +
+                                      "]</caption><items><label id=\"1\">[" +
+                                      std::string(256, 'b') + "]</label></items></dialog>");
+}
+
+TEST(DialogItem, ExchangeSortsKeepTheirOrder) {
+    CDialogItem item;
+    auto at = [](std::int16_t x, std::int16_t y, WORD tab) {
+        DialogControl c;
+        c.x = x;
+        c.y = y;
+        c.tabIndex = tab;
+        return c;
+    };
+    item.controls = {at(0, 1, 0), at(0, 1, 1), at(0, 0, 2), at(-5, 0, 3)};
+    item.SortByPosition();
+    auto order = [&item] {
+        std::vector<WORD> tabs;
+        for (const auto& c : item.controls)
+            tabs.push_back(c.tabIndex);
+        return tabs;
+    };
+    EXPECT_EQ(order(), (std::vector<WORD>{3, 2, 0, 1}));
+    // Here the exchanges turn two controls at one spot round: a stable sort
+    // would give 2, 0, 1.
+    item.controls = {at(0, 1, 0), at(0, 1, 1), at(0, 0, 2)};
+    item.SortByPosition();
+    EXPECT_EQ(order(), (std::vector<WORD>{2, 1, 0}));
+
+    ControlList list = {at(0, 0, 9), at(0, 0, 4), at(0, 0, 1)};
+    CDialogItem::SortByTabIndex(list, false);
+    EXPECT_EQ(list[0].tabIndex, 9);
+    EXPECT_EQ(list[1].tabIndex, 1);
+    CDialogItem::SortByTabIndex(list, true);
+    EXPECT_EQ(list[0].tabIndex, 1);
+}
+
+TEST(DialogItem, AThousandControlsAtMost) {
+    for (std::size_t count : {std::size_t{1000}, std::size_t{1001}}) {
+        TemplateDialog dialog;
+        dialog.title = u"Many";
+        dialog.controls.assign(count, Label(0, 0, 1, u""));
+        auto bytes = test::BuildTemplate(dialog);
+        CDialogResource resource;
+        resource.identifierText = "1";
+        resource.size = static_cast<DWORD>(bytes.size());
+        if (count > kMaxDialogControls)
+            EXPECT_THROW(CDialogCommand().Execute(bytes, &resource), CParserException);
+        else
+            EXPECT_NO_THROW(CDialogCommand().Execute(bytes, &resource));
+    }
+}
+
+class DialogListItems : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // 401: three strings; 402: Cyrillic in code page 1251.
+        const std::uint8_t records[] = {0x91, 0x01, 0x03, 0x04, 4,    0,    0,    0,    'O',  'n',
+                                        'e',  0,    0x91, 0x01, 0x03, 0x04, 4,    0,    0,    0,
+                                        'T',  'w',  'o',  0,    0x91, 0x01, 0x03, 0x04, 3,    0,
+                                        0,    0,    'T',  0,    'x',  0x92, 0x01, 0x80, 0x01, 4,
+                                        0,    0,    0,    0xCF, 0xF0, 0xE8, 0,    0,    0};
+        for (WORD language : {WORD{0x409}, WORD{0x419}}) {
+            auto data = std::make_unique<CDlgInitData>();
+            data->Parse(records, sizeof records);
+            data->language = language;
+            CDlgInitTable::GetInstance().Store(language == 0x409 ? "7" : "8", std::move(data));
+        }
+    }
+    void TearDown() override { CDlgInitTable::GetInstance().Clear(); }
+};
+
+TEST_F(DialogListItems, ListsFilledFromInitData) {
+    struct Case {
+        const char* what;
+        std::string identifier;
+        TemplateControl control;
+        const char* spelt;
+    };
+    const Case cases[] = {
+        {"a combobox with three strings", "7", Control(0x85, kVisible, 0, 0, 9, 9, 401, u""),
+         "<dialog id=\"7\"><items><combobox id=\"401\"><item>[One]</item><item>[Two]</item>"
+         "<item>[T]</item></combobox></items></dialog>"},
+        {"a combobox with a title", "7", Control(0x85, kVisible, 0, 0, 9, 9, 401, u"Pick"),
+         "<dialog id=\"7\"><items><combobox id=\"401\">[Pick]</combobox><combobox id=\"401\">"
+         "<item>[One]</item><item>[Two]</item><item>[T]</item></combobox></items></dialog>"},
+        {"a listbox in its language's code page", "8",
+         Control(0x83, kVisible, 0, 0, 9, 9, 402, u""),
+         "<dialog id=\"8\"><items><listbox id=\"402\"><item>[???]</item></listbox></items>"
+         "</dialog>"},
+        {"a dialog without init data", "9", Control(0x85, kVisible, 0, 0, 9, 9, 401, u""), ""},
+        {"a label gets no items", "7", Control(0x82, kVisible, 0, 0, 9, 9, 401, u""), ""},
+    };
+    for (const Case& c : cases) {
+        TemplateDialog dialog;
+        dialog.controls = {c.control};
+        CDialogItem item = Parse(dialog, c.identifier);
+        EXPECT_EQ(Spell(item.pieces), c.spelt) << c.what;
+    }
+    TemplateDialog dialog;
+    dialog.controls = {Control(0x83, kVisible, 0, 0, 9, 9, 402, u"")};
+    CDialogItem item = Parse(dialog, "8");
+    ASSERT_EQ(item.pieces.size(), 9u);
+    EXPECT_EQ(TextOf(*item.pieces[4])->text, u"\u041f\u0440\u0438");
+}
+
+// A translated stream as the writer gathers it, white space included.
+CLabelPieceList Stream() {
+    CLabelPieceList stream;
+    stream.push_back(MakeOpenTag("resources", "<resources>"));
+    stream.push_back(MakeOpenTag("dialogs", "<dialogs>"));
+    for (const char* id : {"1", "2"}) {
+        stream.push_back(MakeText(u"\t\t"));
+        stream.push_back(MakeOpenTag("dialog", std::string("<dialog id=\"") + id + "\">"));
+        stream.push_back(std::make_unique<CLabelPiece>());
+        stream.push_back(MakeOpenTag("caption", "<caption>"));
+        stream.push_back(MakeText(std::u16string(u"Title ") + char16_t(*id)));
+        stream.push_back(MakeCloseTag("caption", "</caption>"));
+        stream.push_back(MakeCloseTag("dialog", "</dialog>"));
+        stream.push_back(MakeText(u"\n"));
+    }
+    stream.push_back(MakeCloseTag("dialogs", "</dialogs>"));
+    return stream;
+}
+
+TEST(DialogResource, ExtractAndMergeByPosition) {
+    CLabelPieceList stream = Stream();
+    CDialogResource first;
+    first.ExtractPieces(stream);
+    ASSERT_EQ(first.dialogs.size(), 1u);
+    EXPECT_EQ(Spell(first.dialogs[0]->pieces),
+              "[\t\t]<dialog id=\"1\"><caption>[Title 1]</caption>");
+    // The group's tag stays; the dialog's end tag went with it.
+    ASSERT_GE(stream.size(), 4u);
+    EXPECT_EQ(TagOf(*stream[1])->tagText, u"<dialogs>");
+    EXPECT_EQ(TextOf(*stream[2])->text, u"\n");
+    EXPECT_EQ(TagOf(*stream[4])->tagText, u"<dialog id=\"2\">");
+
+    TemplateDialog dialog;
+    dialog.title = u"Source";
+    dialog.controls = {Label(0, 0, 1, u"L")};
+    auto bytes = test::BuildTemplate(dialog);
+    CDialogResource source;
+    source.identifierText = "1";
+    source.size = static_cast<DWORD>(bytes.size());
+    CDialogCommand().Execute(bytes, &source);
+    ASSERT_EQ(source.dialogs.size(), 1u);
+
+    CDialogResource empty;
+    source.MergePieces(empty);
+    EXPECT_EQ(Spell(source.dialogs[0]->pieces),
+              "<dialog id=\"1\"><caption>[Source]</caption><items><label id=\"1\">[L]</label>"
+              "</items></dialog>");
+    source.MergePieces(first);
+    EXPECT_EQ(Spell(source.dialogs[0]->pieces),
+              "[\t\t]<dialog id=\"1\"><caption>[Title 1]</caption>");
+    EXPECT_EQ(source.dialogs[0]->header.title, u"Source");
+    EXPECT_EQ(source.dialogs[0]->emittedControls.size(), 1u);
+
+    CDialogResource second;
+    second.ExtractPieces(stream);
+    EXPECT_EQ(Spell(second.dialogs[0]->pieces),
+              "[\n][\t\t]<dialog id=\"2\"><caption>[Title 2]</caption>");
+    ASSERT_EQ(stream.size(), 4u);
+    EXPECT_EQ(TagOf(*stream.back())->tagText, u"</dialogs>");
+}
+
+} // namespace
+} // namespace tervane
