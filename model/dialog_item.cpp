@@ -159,7 +159,10 @@ void CDialogItem::EmitControls(const ControlList& list, bool includeFirst) {
         if (!Contains(kind, "groupbox"))
             continue;
         EmitControls(TakeGroupList(control.tabIndex), false);
-        CloseGroupBox(kind);
+        // A box whose title is a number opened no tag, so there is nothing to
+        // close: its content stands at this level, and the tags stay balanced.
+        if (control.title)
+            CloseGroupBox(kind);
     }
 }
 

@@ -109,6 +109,8 @@ TEST(DialogItem, WhatADialogGives) {
     TemplateControl hiddenBox = Box(0, 0, 100, 100, 1, u"Box");
     hiddenBox.style &= ~0x10000000u;
     TemplateControl hiddenLabel = Label(10, 10, 2, u"L");
+    TemplateControl numberedBox = Box(0, 0, 100, 100, 1, u"");
+    numberedBox.title = NameOrOrdinal::Number(5);
     hiddenLabel.style &= ~0x10000000u;
 
     const Case cases[] = {
@@ -160,6 +162,10 @@ TEST(DialogItem, WhatADialogGives) {
          "<groupbox id=\"2\"><caption>[Inner]</caption><items><label id=\"3\">[deep]</label>"
          "</items></groupbox><label id=\"4\">[shallow]</label></items></groupbox></items>"
          "</dialog>"},
+        {"a box whose title is a number gives its content to its level",
+         u"",
+         {numberedBox, Label(10, 10, 2, u"A")},
+         "<dialog id=\"7\"><items><label id=\"2\">[A]</label></items></dialog>"},
         {"tab order at one level",
          u"",
          {Button(100, 10, 1, u"OK"), Button(5, 5, 2, u"Cancel"), Button(100, 40, 9, u"Help")},
