@@ -88,9 +88,8 @@ public:
         while (true) {
             entry.key = Text(VersionVarEntry::kKeyLimit);
             words = static_cast<std::uint16_t>(words - (entry.key.size() + 1));
-            for (std::size_t i = 0; i < VersionPadding::kWords && Peek() == 0 &&
-                                    words * 2 != entry.valueLength;
-                 ++i) {
+            for (std::size_t i = 0;
+                 i < VersionPadding::kWords && Peek() == 0 && words * 2 != entry.valueLength; ++i) {
                 Word();
                 entry.padding.words[i] = 0;
                 --words;
@@ -230,8 +229,8 @@ std::u16string CVersionBlock::GetValue(const std::u16string& key) const {
 
 std::u16string NormaliseVersionKey(const std::u16string& key) {
     static const char16_t* const kNames[] = {
-        u"comments",     u"companyname",    u"filedescription",  u"fileversion",
-        u"internalname", u"legalcopyright", u"legaltrademarks",  u"originalfilename",
+        u"comments",     u"companyname",    u"filedescription", u"fileversion",
+        u"internalname", u"legalcopyright", u"legaltrademarks", u"originalfilename",
         u"productname",  u"productversion",
     };
     // Only ASCII letters are folded: the names are ASCII, and a key that
