@@ -106,16 +106,6 @@ TEST(DlgInitTable, RebuildOrdersByControlAndKeepsSourceBytes) {
     }
 }
 
-TEST(DlgInitTable, StringsAreTheRecordsData) {
-    using namespace std::string_literals;
-    CDlgInitData data =
-        Parsed(Join({Record(1001, "a\0"s), Record(1002, "b\0"s), Record(1001, "c\0"s), kEnd}));
-    EXPECT_EQ(data.recordCount, 3);
-    EXPECT_EQ(data.GetStrings(1001), NarrowTextList{"c\0"s});
-    EXPECT_EQ(data.GetStrings(1002), NarrowTextList{"b\0"s});
-    EXPECT_TRUE(data.GetStrings(1003).empty());
-}
-
 TEST(DlgInitTable, RecordPastTheEndIsCorrupted) {
     using namespace std::string_literals;
     ByteList good = Join({Record(1001, "One\0"s), kEnd});

@@ -41,15 +41,6 @@ TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
     };
     for (const auto& [value, spelt] : cases)
         EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
-
-    CLabelPieceList entry = ParseValue("productname", u"P");
-    ASSERT_EQ(entry.size(), 3u);
-    const TagDescriptor* open = TagOf(*entry.front());
-    const TagDescriptor* close = TagOf(*entry.back());
-    ASSERT_TRUE(open && close);
-    EXPECT_EQ(open->name, u"productname");
-    EXPECT_TRUE(open->startTag && !open->endTag && !open->inlineTag);
-    EXPECT_TRUE(close->endTag && !close->startTag && !close->inlineTag);
 }
 
 TEST(VersionPieces, ExecuteOffersFiveValuesInFixedOrder) {
@@ -96,18 +87,6 @@ TEST(VersionPieces, ExecuteOffersFiveValuesInFixedOrder) {
         EXPECT_EQ(resource.hasValues, c.hasValues) << c.name;
         EXPECT_EQ(resource.block.strings.size(), c.strings.size()) << c.name;
     }
-}
-
-TEST(VersionPieces, SourceValuesKeepTheirText) {
-    auto image = VersionImage({Block(
-        u"StringFileInfo",
-        {Block(u"040904B0", {Str(u"ProductName", u"N\r\n"), Str(u"LegalCopyright", u"R")})})});
-    CVersionInfoResource resource;
-    resource.size = static_cast<DWORD>(image.size());
-    CVersionInfoCommand().Execute(image, &resource);
-    EXPECT_EQ(resource.sourceValues.productName, u"N\r\n");
-    EXPECT_EQ(resource.sourceValues.legalCopyright, u"R");
-    EXPECT_EQ(resource.sourceValues.comments, u"");
 }
 
 // The translated stream as the writer gathers it: white space between tags.
