@@ -1,6 +1,10 @@
 #pragma once
-// A version information block.
+// A version information block. Of its values only five are offered for
+// translation, each as one entry framed by a tag of its key's name.
+#include <vector>
+
 #include "frame/resource.h"
+#include "model/version_block.h"
 
 namespace tervane {
 
@@ -13,14 +17,27 @@ public:
     std::unique_ptr<CTagLabelPiece> GetCloseTag() const override {
         return GroupTag("versioninfo", false);
     }
-    // Nothing of this kind is read yet, so there is nothing to take.
-    void ExtractPieces(CLabelPieceList&) override {}
+    void ExtractPieces(CLabelPieceList& stream) override;
+    void MergePieces(CResource& other) override;
+
+    // In the fixed order comments, legalcopyright, productversion,
+    // productname, legaltrademarks; values without text have none.
+    std::vector<CLabelPieceList> entries;
+    CVersionBlock block;
+    VersionTexts sourceValues;
+    LONG hasValues = 1; // 0 when none of the five has text
 };
 
-// Reads nothing yet: the resource is kept, and gives nothing to the document.
 class CVersionInfoCommand : public CResourceCommand {
 public:
-    CResource* Execute(Bytes, CResource* resource) override { return resource; }
+    CResource* Execute(Bytes data, CResource* resource) override;
+
+private:
+    CVersionBlock block_;
 };
+
+// The keys offered for translation, in the order of the entries.
+inline constexpr const char* kVersionEntryKeys[] = {"comments", "legalcopyright", "productversion",
+                                                    "productname", "legaltrademarks"};
 
 } // namespace tervane

@@ -3,9 +3,14 @@
 
 namespace tervane {
 
-// Version blocks are not read yet: they have no content, and take part in the frame only.
-int COutputVisitor::VisitVersionInfo(CVersionInfoResource*) {
-    OpenFrame(kVersionInfoGroup, false);
+// Each value on a line of its own, as the strings stand.
+int COutputVisitor::VisitVersionInfo(CVersionInfoResource* resource) {
+    OpenFrame(kVersionInfoGroup, !resource->entries.empty());
+    for (const CLabelPieceList& entry : resource->entries) {
+        SendIndent(2);
+        SendPieces(entry);
+        SendNewLine();
+    }
     CloseFrameIfLast(kVersionInfoGroup);
     return 0;
 }

@@ -1,0 +1,97 @@
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "tests/support/fixtures.h"
+
+namespace tervane {
+namespace {
+
+std::string ExtractOutput(const std::string& options, const std::string& path, int* status) {
+    return test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract " + options + " '" +
+                                path + "' 2>/dev/null",
+                            status);
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+// German before English by language; the block without any of the five
+// values is last, gives nothing, and closes the document.
+const char* const kVersionDocument =
+    "<resources>\n"
+    "\t<stringtable>\n"
+    "\t\t<string id=\"1\">Hello</string>\n"
+    "\t</stringtable>\n"
+    "\t<versioninfo>\n"
+    "\t\t<comments>Kommentar</comments>\n"
+    "\t\t<productname>Tervane EN</productname>\n"
+    "\t\t<legaltrademarks>TM</legaltrademarks>\n"
+    "\t\t<comments>C:\\path\\n</comments>\n"
+    "\t\t<legalcopyright>(c) Zelkor\\n\\rAll rights reserved</legalcopyright>\n"
+    "\t\t<productversion>1.2</productversion>\n"
+    "\t\t<productname>Tervane 100% & more</productname>\n"
+    "\t</versioninfo>\n"
+    "</resources>\n";
+
+TEST(ExtractVersion, WholeDocument) {
+    for (const auto& image : test::FixtureImages("fwd_version")) {
+        int status = -1;
+        EXPECT_EQ(ExtractOutput("", image, &status), kVersionDocument) << image;
+        EXPECT_EQ(status, 0) << image;
+    }
+}
+
+std::string Tag(const std::string& text, const std::string& name, int start, int end, int in) {
+    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
+           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
+           ", \"inline\": " + std::to_string(in) + "}";
+}
+
+std::string Text(const std::string& text) {
+    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
+}
+
+// The events from one tag on, exactly.
+TEST(ExtractVersion, EventsOfValuesAndFrame) {
+    struct Case {
+        std::string from;
+        std::vector<std::string> events;
+    };
+    const Case cases[] = {
+        {Tag("</string>", "string", 0, 1, 0),
+         {Text("\\n"), Text("\\t"), Tag("</stringtable>", "stringtable", 0, 1, 0), Text("\\n"),
+          Text("\\t"), Tag("<versioninfo>", "versioninfo", 1, 0, 0), Text("\\n"), Text("\\t\\t"),
+          Tag("<comments>", "comments", 1, 0, 0), Text("Kommentar")}},
+        {Tag("<legalcopyright>", "legalcopyright", 1, 0, 0),
+         {Text("(c) Zelkor"), Tag("\\\\n", "\\\\n", 0, 0, 1), Tag("\\\\r", "\\\\r", 0, 0, 1),
+          Text("All rights reserved"), Tag("</legalcopyright>", "legalcopyright", 0, 1, 0),
+          Text("\\n"), Text("\\t\\t"), Tag("<productversion>", "productversion", 1, 0, 0)}},
+        {Tag("</productname>", "productname", 0, 1, 0),
+         {Text("\\n"), Text("\\t"), Tag("</versioninfo>", "versioninfo", 0, 1, 0), Text("\\n"),
+          Tag("</resources>", "resources", 0, 1, 0), Text("\\n"),
+          R"({"event": "Progress", "value": 100})", R"({"event": "EndOfInput"})"}},
+    };
+    for (const auto& image : test::FixtureImages("fwd_version")) {
+        int status = -1;
+        std::vector<std::string> lines = Lines(ExtractOutput("--events", image, &status));
+        EXPECT_EQ(status, 0) << image;
+        for (const Case& c : cases) {
+            // The last occurrence: both languages have a productname.
+            auto at = std::find(lines.rbegin(), lines.rend(), c.from);
+            ASSERT_NE(at, lines.rend()) << c.from;
+            auto from = at.base();
+            ASSERT_GE(static_cast<std::size_t>(lines.end() - from), c.events.size()) << c.from;
+            EXPECT_EQ(std::vector<std::string>(from, from + c.events.size()), c.events)
+                << image << " " << c.from;
+        }
+    }
+}
+
+} // namespace
+} // namespace tervane
