@@ -2,6 +2,9 @@
 #include "model/dialog_item.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "frame/diagnostics/exceptions.h"
 #include "frame/diagnostics/trace.h"
@@ -25,8 +28,9 @@ bool NameContains(const CLabelPiece& piece, std::u16string_view word) {
     return tag != nullptr && tag->name.find(word) != std::u16string::npos;
 }
 
-// The last piece is an <items> that nothing followed, and the one before it
-// opened owner: the owner has no title either.
+// How a container's list ends: Content unless its <items> is the last piece;
+// Empty if the piece before that is the container's own start tag, so that
+// it has no title either.
 enum class Ending { Empty, TitleOnly, Content };
 Ending HowItEnds(const CLabelPieceList& pieces, std::u16string_view owner) {
     const std::size_t n = pieces.size();
