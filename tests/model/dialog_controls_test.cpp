@@ -49,40 +49,5 @@ TEST(DialogControls, StyleMarks) {
         EXPECT_EQ(GetStyleMarks(c.classOrdinal, c.style), c.marks) << c.classOrdinal << c.style;
 }
 
-TEST(DialogControls, TagBodies) {
-    struct Case {
-        DialogControl control;
-        bool withHidden;
-        const char* body;
-    };
-    auto control = [](WORD classOrdinal, DWORD style, std::int16_t x, WORD id) {
-        DialogControl c;
-        c.classOrdinal = classOrdinal;
-        c.style = style;
-        c.x = x;
-        c.y = 20;
-        c.width = 50;
-        c.height = 10;
-        c.id = id;
-        return c;
-    };
-    const Case cases[] = {
-        {control(0x80, 0x10000003, 10, 1001), true,
-         "checkbox x=\"10\" y=\"20\" width=\"50\" height=\"10\" id=\"1001\""},
-        {control(0x80, 0x00000003, 10, 1001), true,
-         "checkbox x=\"10\" y=\"20\" width=\"50\" height=\"10\" id=\"1001\" hidden=\"yes\""},
-        {control(0x80, 0x00000007, 10, 1001), false,
-         "groupbox x=\"10\" y=\"20\" width=\"50\" height=\"10\" id=\"1001\""},
-        {control(0x82, 0x10000080, -1, 0xFFFF), true,
-         "label style=\"SS_NOPREFIX\" x=\"-1\" y=\"20\" width=\"50\" height=\"10\""},
-        {control(0x81, 0x10000020, -32768, 65534), true,
-         "edit style=\"ES_PASSWORD\" x=\"-32768\" y=\"20\" width=\"50\" height=\"10\" "
-         "id=\"65534\""},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(ControlTagBody(c.control, c.withHidden), c.body);
-    EXPECT_EQ(DialogTagBody("ABOUT BOX"), "dialog id=\"ABOUT BOX\"");
-}
-
 } // namespace
 } // namespace tervane

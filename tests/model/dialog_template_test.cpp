@@ -71,19 +71,6 @@ TEST(DialogTemplate, HeaderFields) {
     }
 }
 
-TEST(DialogTemplate, ExtendedHeaderKeepsTheFontFields) {
-    TemplateDialog dialog;
-    dialog.extended = true;
-    dialog.style = 0x40;
-    dialog.fontBlock = true;
-    auto bytes = test::BuildTemplate(dialog);
-    DialogHeader header = CDialogTemplateReader().ReadHeader(bytes);
-    EXPECT_EQ(header.helpId, 0x1234u);
-    EXPECT_EQ(header.pointSize, 8);
-    EXPECT_EQ(header.italic, 1);
-    EXPECT_EQ(header.charset, 204);
-}
-
 TEST(DialogTemplate, ControlFields) {
     struct Case {
         const char* what;
