@@ -11,6 +11,8 @@
 
 namespace tervane {
 
+struct MenuItemRecord;
+
 class COutputVisitor : public CResourceVisitor {
 public:
     // The sink is not counted: the engine keeps its own reference while it runs.
@@ -35,7 +37,12 @@ private:
     void CloseFrameIfLast(GroupIndex group);
     void CloseGroup(GroupIndex group);
 
+    // The menu walk: a record's pieces, then its children, depth first.
+    void WalkMenuRecord(const MenuItemRecord& record, bool root);
+    void SendMenuTag(const TagDescriptor& tag, bool root);
+
     IEvents* sink_ = nullptr;
+    short level_ = 0; // indentation depth in dialogs and menus
 };
 
 } // namespace tervane
