@@ -82,57 +82,41 @@ TEST(ExtractMenus, WholeDocument) {
     }
 }
 
-std::string Tag(const std::string& text, const std::string& name, int start, int end, int in) {
-    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
-           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-           ", \"inline\": " + std::to_string(in) + "}";
-}
-
-std::string Text(const std::string& text) {
-    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
-}
-
-// From the indentation in front of a tag to the line end behind its line.
-TEST(ExtractMenus, EventsOfLines) {
-    struct Case {
-        std::string open;
-        std::vector<std::string> events;
+// The events of one line: indentation, tags with their names and marks, texts.
+TEST(ExtractMenus, EventsOfAnItemWithAShortcut) {
+    auto tag = [](const std::string& text, int start, int end, int in, std::string name = "") {
+        return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" +
+               (name.empty() ? text : name) + "\", \"start\": " + std::to_string(start) +
+               ", \"end\": " + std::to_string(end) + ", \"inline\": " + std::to_string(in) + "}";
     };
-    const std::string item = "item";
-    const std::string endItem = Tag("</item>", item, 0, 1, 0);
-    const std::string amp = Tag("&", "&", 0, 0, 1);
-    const std::string plus = Tag("+", "+", 0, 0, 1);
-    const std::string shortcut = Tag("<shortcut>", "shortcut", 1, 0, 0);
-    const std::string endShortcut = Tag("</shortcut>", "shortcut", 0, 1, 0);
-    const Case cases[] = {
-        {Tag("<menu id=\\\"101\\\">", "menu", 1, 0, 0), {Text("\\t"), "", Text("\\n")}},
-        {Tag("<item id=\\\"100\\\">", item, 1, 0, 0),
-         {Text("\\t\\t\\t"), "", amp, Text("Open..."), shortcut, Text("Ctrl"), plus, Text("O"),
-          endShortcut, endItem, Text("\\n")}},
-        {Tag("<item id=\\\"110\\\">", item, 1, 0, 0),
-         {Text("\\t\\t\\t\\t\\t\\t"), "", Text("A&B 100%"), endItem, Text("\\n"),
-          Text("\\t\\t\\t\\t\\t"), Tag("</menu>", "menu", 0, 1, 0), Text("\\n")}},
-        {Tag("<item id=\\\"301\\\">", item, 1, 0, 0),
-         {Text("\\t\\t\\t"), "", Text("Cu"), amp, Text("t"), shortcut, Text("Ctrl"), plus,
-          Text("Shift"), plus, Text("X"), endShortcut, endItem, Text("\\n"), Text("\\t\\t\\t"),
-          Tag("<separator/>", "separator", 0, 0, 0), Text("\\n")}},
-        {Tag("<item id=\\\"200\\\">", item, 1, 0, 0),
-         {Text("\\t\\t"), "", amp, Text("Help"), endItem, Text("\\n"), Text("\\t"),
-          Tag("</menu>", "menu", 0, 1, 0), Text("\\n")}},
+    auto text = [](const std::string& t) {
+        return "{\"event\": \"Text\", \"text\": \"" + t + "\"}";
     };
+    const std::vector<std::string> expected = {text("\\t\\t\\t"),
+                                               tag("<item id=\\\"301\\\">", 1, 0, 0, "item"),
+                                               text("Cu"),
+                                               tag("&", 0, 0, 1),
+                                               text("t"),
+                                               tag("<shortcut>", 1, 0, 0, "shortcut"),
+                                               text("Ctrl"),
+                                               tag("+", 0, 0, 1),
+                                               text("Shift"),
+                                               tag("+", 0, 0, 1),
+                                               text("X"),
+                                               tag("</shortcut>", 0, 1, 0, "shortcut"),
+                                               tag("</item>", 0, 1, 0, "item"),
+                                               text("\\n"),
+                                               text("\\t\\t\\t"),
+                                               tag("<separator/>", 0, 0, 0, "separator"),
+                                               text("\\n")};
     for (const auto& image : test::FixtureImages("fwd_menus")) {
         std::vector<std::string> lines = Lines(Extract("--events", image).out);
-        for (const Case& c : cases) {
-            auto at = std::find(lines.begin(), lines.end(), c.open);
-            ASSERT_NE(at, lines.end()) << c.open;
-            ASSERT_GE(at - lines.begin(), 1);
-            ASSERT_GE(lines.end() - at, static_cast<long>(c.events.size()) - 1) << c.open;
-            // The empty entry stands for the opening tag itself.
-            std::vector<std::string> expected = c.events;
-            std::replace(expected.begin(), expected.end(), std::string(), c.open);
-            std::vector<std::string> got(at - 1, at - 1 + static_cast<long>(expected.size()));
-            EXPECT_EQ(got, expected) << image << " " << c.open;
-        }
+        auto at = std::find(lines.begin(), lines.end(), expected[1]);
+        ASSERT_NE(at, lines.end()) << image;
+        ASSERT_GE(lines.end() - at, static_cast<long>(expected.size())) << image;
+        EXPECT_EQ(std::vector<std::string>(at - 1, at - 1 + static_cast<long>(expected.size())),
+                  expected)
+            << image;
     }
 }
 
