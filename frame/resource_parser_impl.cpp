@@ -193,12 +193,13 @@ bool CResourceParserImpl::ReadMenuHeader(CResource& resource) {
     auto version = reader.ReadU16LE();
     if (!version)
         return true;
-    menu.version = *version;
     if (*version != 1) {
-        menu.headerSize = reader.ReadU16LE().value_or(0);
+        menu.plainVersion = *version;
+        menu.plainHeaderSize = reader.ReadU16LE().value_or(0);
     } else {
-        menu.offset = reader.ReadU16LE().value_or(0);
-        menu.helpId = reader.ReadU32LE().value_or(0);
+        menu.extendedVersion = *version;
+        menu.extendedOffset = reader.ReadU16LE().value_or(0);
+        menu.extendedHelpId = reader.ReadU32LE().value_or(0);
     }
     return true;
 }

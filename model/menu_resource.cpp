@@ -1,10 +1,131 @@
 #include "model/menu_resource.h"
 
+#include <algorithm>
+
+#include "frame/diagnostics/exceptions.h"
+#include "label/grammars/label_parser.h"
+#include "label/pieces/tag_predicates.h"
+
 namespace tervane {
+
+namespace {
+
+constexpr std::size_t kPlainItemsStart = 4;
+constexpr std::size_t kExtendedItemsStart = 8;
+
+bool HasTagText(const CLabelPiece& piece, std::u16string_view text) {
+    const TagDescriptor* tag = TagOf(piece);
+    return tag != nullptr && tag->tagText == text;
+}
+
+bool Counts(const CLabelPiece& piece) {
+    return TagOf(piece) != nullptr || TextOf(piece) != nullptr;
+}
+
+// The end of the group and the root of the next menu end a menu's pieces.
+bool StopsMenu(const CLabelPiece& piece) {
+    return IsClose(piece, u"menus") || IsOpen(piece, u"menu id");
+}
+
+// Depth first, as the records stood in the flat stream. False once other runs out.
+bool MergeRecord(MenuItemRecord& record, std::vector<MenuItemRecord>& flat, std::size_t& next) {
+    if (next >= flat.size())
+        return false;
+    record.pieces = std::move(flat[next++].pieces);
+    for (MenuItemRecord& child : record.children)
+        if (!MergeRecord(child, flat, next))
+            return false;
+    return true;
+}
+
+} // namespace
+
+CMenuResource::CMenuResource() = default;
+CMenuResource::~CMenuResource() = default;
 
 int CMenuResource::Accept(CResourceVisitor& visitor) {
     visitor.VisitMenu(this);
     return 0;
+}
+
+void CMenuResource::ExtractPieces(CLabelPieceList& stream) {
+    std::size_t at = 0;
+    while (at < stream.size() && !IsOpen(*stream[at], u"menus"))
+        ++at;
+    if (at == stream.size())
+        return;
+    const std::size_t start = ++at; // the group's tag stays for the next menu
+
+    if (at < stream.size() && IsOpen(*stream[at], u"menu id")) {
+        MenuItemRecord root;
+        menuId = GetIdAttribute(*stream[at]);
+        root.pieces.push_back(std::move(stream[at++]));
+        items.push_back(std::move(root));
+    }
+    while (at < stream.size() && !StopsMenu(*stream[at])) {
+        if (!Counts(*stream[at])) {
+            ++at;
+            continue;
+        }
+        const TagDescriptor* tag = TagOf(*stream[at]);
+        const bool item = tag != nullptr && IsOpen(*tag, u"item");
+        const bool mark = tag != nullptr && !tag->startTag && !tag->endTag;
+        MenuItemRecord record;
+        record.pieces.push_back(std::move(stream[at++]));
+        if (item) {
+            while (at < stream.size() && !StopsMenu(*stream[at])) {
+                if (!Counts(*stream[at])) {
+                    ++at;
+                    continue;
+                }
+                const bool closes = HasTagText(*stream[at], u"</item>");
+                record.pieces.push_back(std::move(stream[at++]));
+                if (closes)
+                    break;
+            }
+        }
+        // A record holds one </menu> at most; a second in a row is a record of its own.
+        if ((item || mark) && at < stream.size() &&
+            (HasTagText(*stream[at], u"</menu>") || HasTagText(*stream[at], u"<menu>")))
+            record.pieces.push_back(std::move(stream[at++]));
+        items.push_back(std::move(record));
+    }
+    stream.erase(stream.begin() + static_cast<std::ptrdiff_t>(start),
+                 stream.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+void CMenuResource::MergePieces(CResource& other) {
+    auto& source = static_cast<CMenuResource&>(other);
+    std::size_t next = 0;
+    for (MenuItemRecord& record : items)
+        if (!MergeRecord(record, source.items, next))
+            return;
+}
+
+CResource* CMenuCommand::Execute(Bytes data, CResource* resource) {
+    auto* menu = static_cast<CMenuResource*>(resource);
+    try {
+        g_menuSize = menu->size;
+        Bytes bytes = data.first(std::min<std::size_t>(data.size(), menu->size));
+        std::size_t offset = menu->IsExtended() ? kExtendedItemsStart : kPlainItemsStart;
+        int level = 0;
+        menu->parser = std::make_unique<CLabelParser>();
+        menu->menuId = menu->identifierText;
+
+        MenuItemRecord root;
+        root.parser = menu->parser.get();
+        root.pieces.push_back(MakeMenuRootTag(menu->identifierText));
+        menu->items.push_back(std::move(root));
+        while (offset < g_menuSize) {
+            MenuItemRecord record;
+            record.parser = menu->parser.get();
+            ReadItem(record, bytes, offset, level, menu->IsExtended());
+            menu->items.push_back(std::move(record));
+        }
+    } catch (...) {
+        throw CParserException(kCorruptedDocumentMessage);
+    }
+    return menu;
 }
 
 } // namespace tervane

@@ -11,6 +11,8 @@
 
 namespace tervane {
 
+struct MenuItemRecord;
+
 class COutputVisitor : public CResourceVisitor {
 public:
     // The sink is not counted: the engine keeps its own reference while it runs.
@@ -37,6 +39,10 @@ private:
     void OpenFrame(GroupIndex group, bool hasContent);
     void CloseFrameIfLast(GroupIndex group);
     void CloseGroup(GroupIndex group);
+
+    // The menu walk: a record's pieces, then its children, depth first.
+    void WalkMenuRecord(const MenuItemRecord& record, bool root);
+    void SendMenuTag(const TagDescriptor& tag, bool root);
 
     IEvents* sink_ = nullptr;
     // Indentation depth in dialogs and menus, set at the start of each visit.

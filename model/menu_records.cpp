@@ -1,0 +1,220 @@
+#include "model/menu_records.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+
+#include "frame/diagnostics/exceptions.h"
+#include "frame/resource.h"
+#include "model/menu_text.h"
+
+namespace tervane {
+
+thread_local DWORD g_menuSize = 0;
+
+namespace {
+
+constexpr WORD kPopup = 0x10;               // MF_POPUP
+constexpr WORD kEnd = 0x80;                 // MF_END
+constexpr WORD kExtendedPopup = 0x01;       // bResInfo: a pop-up follows
+constexpr WORD kExtendedEnd = 0x80;         // bResInfo: last item of its menu
+constexpr DWORD kExtendedSeparator = 0x800; // MFT_SEPARATOR
+
+[[noreturn]] void Corrupted() {
+    throw CParserException(kCorruptedDocumentMessage);
+}
+
+ByteReader ReaderAt(Bytes data, std::size_t offset) {
+    ByteReader reader(data);
+    if (!reader.Seek(offset))
+        Corrupted();
+    return reader;
+}
+
+WORD Read16(ByteReader& reader) {
+    auto value = reader.ReadU16LE();
+    if (!value)
+        Corrupted();
+    return *value;
+}
+
+DWORD Read32(ByteReader& reader) {
+    auto value = reader.ReadU32LE();
+    if (!value)
+        Corrupted();
+    return *value;
+}
+
+// UTF-16 units up to the zero word, which is read too.
+std::u16string ReadText(ByteReader& reader) {
+    std::u16string text;
+    for (WORD unit; (unit = Read16(reader)) != 0;)
+        text += static_cast<char16_t>(unit);
+    return text;
+}
+
+std::unique_ptr<CTagLabelPiece> ItemClose() {
+    return MakeCloseTag("item", "</item>");
+}
+
+std::unique_ptr<CTagLabelPiece> PopupOpen() {
+    return MakeOpenTag("menu", "<menu>");
+}
+
+std::unique_ptr<CTagLabelPiece> Separator() {
+    return MakeEmptyTag("separator", "<separator/>");
+}
+
+// Closes the menu that the last item holding it belongs to.
+MenuItemRecord ClosingRecord() {
+    MenuItemRecord record;
+    record.pieces.push_back(MakeMenuCloseTag());
+    return record;
+}
+
+// The zero words behind the last top-level pop-up, up to the menu's end.
+void CountTrailingWords(MenuItemRecord& record, std::size_t& offset, int level) {
+    while (offset < g_menuSize && level == 0) {
+        if (record.trailingWords == std::numeric_limits<WORD>::max())
+            Corrupted();
+        ++record.trailingWords;
+        offset += 2;
+    }
+}
+
+// Children up to and with the first one that ends its menu. The template has
+// no count: a pop-up whose children never end is stopped at the menu's end.
+template <typename EndsMenu>
+void ReadChildren(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level,
+                  bool isExtended, int depth, EndsMenu endsMenu) {
+    for (;;) {
+        if (offset >= g_menuSize)
+            Corrupted();
+        MenuItemRecord child;
+        child.parser = record.parser;
+        ReadItem(child, data, offset, level, isExtended, depth + 1);
+        const bool last = endsMenu(child);
+        record.children.push_back(std::move(child));
+        if (last)
+            return;
+    }
+}
+
+} // namespace
+
+std::unique_ptr<CTagLabelPiece> MakeMenuRootTag(const std::string& identifierText) {
+    return MakeOpenTag("menu", "<menu id=\"" + identifierText + "\">");
+}
+
+std::unique_ptr<CTagLabelPiece> MakeMenuCloseTag() {
+    return MakeCloseTag("menu", "</menu>");
+}
+
+std::unique_ptr<CTagLabelPiece> MakeItemTag(DWORD id) {
+    const auto value = static_cast<std::int32_t>(id);
+    if (id == 0xFFFF || value <= 0)
+        return MakeOpenTag("item", "<item>");
+    char text[32];
+    std::snprintf(text, sizeof text, "<%s=\"%ld\">", "item id", static_cast<long>(value));
+    return MakeOpenTag("item", text);
+}
+
+void ReadItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, bool isExtended,
+              int depth) {
+    if (depth > kMaxMenuDepth)
+        Corrupted();
+    if (isExtended)
+        ReadExtendedItem(record, data, offset, level, depth);
+    else
+        ReadPlainItem(record, data, offset, level, depth);
+}
+
+void ReadPlainItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, int depth) {
+    ByteReader reader = ReaderAt(data, offset);
+    record.flags = Read16(reader);
+    const bool popup = (record.flags & kPopup) != 0;
+    const bool last = (record.flags & kEnd) != 0;
+
+    if (popup) {
+        ++level;
+        record.id = 0xFFFF;
+        record.text = ReadText(reader);
+        offset = reader.Offset();
+        record.pieces.push_back(MakeItemTag(record.id));
+        AnalyseMenuText(record, record.text);
+        record.pieces.push_back(ItemClose());
+        record.pieces.push_back(PopupOpen());
+        ReadChildren(record, data, offset, level, false, depth,
+                     [](const MenuItemRecord& child) { return (child.flags & kEnd) != 0; });
+        if (last) {
+            record.children.push_back(ClosingRecord());
+            CountTrailingWords(record, offset, level);
+        }
+        return;
+    }
+
+    record.id = Read16(reader);
+    record.text = ReadText(reader);
+    offset = reader.Offset();
+    // A plain separator is told by its empty text, whatever its flags say.
+    if (record.text.empty()) {
+        record.pieces.push_back(Separator());
+        if (last) {
+            record.pieces.push_back(MakeMenuCloseTag());
+            --level;
+        }
+        return;
+    }
+    record.pieces.push_back(MakeItemTag(record.id));
+    AnalyseMenuText(record, record.text);
+    record.pieces.push_back(ItemClose());
+    if (last) {
+        if (record.id != 0 || offset >= g_menuSize)
+            record.pieces.push_back(MakeMenuCloseTag());
+        --level;
+    }
+}
+
+void ReadExtendedItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level,
+                      int depth) {
+    ByteReader reader = ReaderAt(data, offset);
+    record.type = Read32(reader);
+    record.state = Read32(reader);
+    record.itemId = Read32(reader);
+    record.resInfo = Read16(reader);
+    record.extendedText = ReadText(reader);
+    // Items, and the help identifier of a pop-up, stand on 4-byte boundaries;
+    // the padding of the very last item may lie outside the data.
+    offset = (reader.Offset() + 3) & ~std::size_t{3};
+    const bool popup = (record.resInfo & kExtendedPopup) != 0;
+    if (popup) {
+        ByteReader help = ReaderAt(data, offset);
+        record.helpId = Read32(help);
+        offset = help.Offset();
+    }
+
+    if ((record.type & kExtendedSeparator) != 0) {
+        record.pieces.push_back(Separator());
+    } else {
+        record.pieces.push_back(MakeItemTag(record.itemId));
+        AnalyseMenuText(record, record.extendedText);
+        record.pieces.push_back(ItemClose());
+    }
+
+    if (popup) {
+        ++level;
+        record.pieces.push_back(PopupOpen());
+        ReadChildren(record, data, offset, level, true, depth, [](const MenuItemRecord& child) {
+            return (child.resInfo & kExtendedEnd) != 0;
+        });
+        if ((record.resInfo & kExtendedEnd) != 0) {
+            record.children.push_back(ClosingRecord());
+            CountTrailingWords(record, offset, level);
+        }
+    } else if ((record.resInfo & kExtendedEnd) != 0) {
+        --level;
+        record.pieces.push_back(MakeMenuCloseTag());
+    }
+}
+
+} // namespace tervane

@@ -1,0 +1,50 @@
+#include "model/menu_text.h"
+
+#include <optional>
+#include <utility>
+
+#include "label/grammars/escaped_label.h"
+#include "label/grammars/label_parser.h"
+#include "label/grammars/token_pieces.h"
+
+namespace tervane {
+
+void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
+    std::optional<CLabelParser> own;
+    CLabelParser* parser = record.parser;
+    if (parser == nullptr)
+        parser = &own.emplace();
+
+    // The parser reads a null-terminated text.
+    std::u16string escaped = EscapeLabel(text.substr(0, text.find(u'\0')), LabelKind::Menu);
+    LabelTokenList tokens;
+    parser->Initialise(LabelKind::Menu);
+    parser->Parse(escaped, tokens);
+
+    // Unlike strings and dialogs, "%%" stays: a menu has no printf placeholder.
+    std::u16string run;
+    auto flush = [&] {
+        if (!run.empty())
+            record.pieces.push_back(MakeText(std::exchange(run, {})));
+    };
+    bool shortcut = false;
+    for (const LabelToken& token : tokens) {
+        if (token.type == label_token::kText) {
+            run += UnescapeLabelText(token.text, LabelKind::Menu);
+            continue;
+        }
+        flush();
+        if (token.text == u"\\t") {
+            // The tab vanishes from the document; the tag stands in its place.
+            record.pieces.push_back(MakeOpenTag("shortcut", "<shortcut>"));
+            shortcut = true;
+        } else {
+            record.pieces.push_back(MakeInlineTag(token.text));
+        }
+    }
+    flush();
+    if (shortcut)
+        record.pieces.push_back(MakeCloseTag("shortcut", "</shortcut>"));
+}
+
+} // namespace tervane
