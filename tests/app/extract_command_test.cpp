@@ -5,39 +5,15 @@
 
 #include "platform/pe/pe_image.h"
 #include "platform/pe/resource_directory.h"
+#include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
 namespace {
 
-std::string Tervane() {
-    return std::string(TERVANE_BINARY_DIR) + "/tervane";
-}
-
-struct ExtractRun {
-    std::string out;
-    std::string err;
-    int status = -1;
-};
-
-ExtractRun Extract(const std::string& options, const std::string& path) {
-    std::string dir = test::TempDir();
-    ExtractRun run;
-    run.out = test::RunCommand(
-        Tervane() + " extract " + options + " '" + path + "' 2>" + dir + "/err", &run.status);
-    auto err = test::ReadFile(dir + "/err");
-    run.err.assign(err.begin(), err.end());
-    test::RunCommand("rm -rf '" + dir + "'");
-    return run;
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
+using test::Extract;
+using test::ExtractRun;
+using test::Lines;
 
 const char* const kStringsDocument = "<resources>\n"
                                      "\t<stringtable>\n"
@@ -66,14 +42,8 @@ TEST(Extract, PiecesOfEntries) {
         const char* id;
         std::vector<std::string> events;
     };
-    auto tag = [](const std::string& text, const std::string& name, int start, int end, int in) {
-        return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
-               "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-               ", \"inline\": " + std::to_string(in) + "}";
-    };
-    auto text = [](const std::string& t) {
-        return "{\"event\": \"Text\", \"text\": \"" + t + "\"}";
-    };
+    const auto tag = test::TagEvent;
+    const auto text = test::TextEvent;
     const Case cases[] = {
         {"2", {text(" ")}},
         {"3", {text("100% of "), tag("%d", "%d", 0, 0, 1)}},

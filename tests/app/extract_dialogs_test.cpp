@@ -1,36 +1,17 @@
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <sstream>
 
+#include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
 namespace {
 
-struct DialogRun {
-    std::string out;
-    std::string trace;
-    int status = -1;
-};
+using test::ExtractRun;
+using test::Lines;
 
-DialogRun ExtractDialogs(const std::string& options, const std::string& image) {
-    const std::string dir = test::TempDir();
-    DialogRun run;
-    run.out = test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract " + options +
-                                   " --trace " + dir + "/trace '" + image + "'",
-                               &run.status);
-    auto trace = test::ReadFile(dir + "/trace");
-    run.trace.assign(trace.begin(), trace.end());
-    test::RunCommand("rm -rf '" + dir + "'");
-    return run;
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
+ExtractRun ExtractDialogs(const std::string& options, const std::string& image) {
+    return test::Extract(options, image, true);
 }
 
 const char* const kDialogsDocument =
@@ -136,7 +117,7 @@ TEST(ExtractDialogs, WholeDocument) {
     };
     for (const Case& c : cases) {
         for (const auto& image : test::FixtureImages(c.fixture)) {
-            DialogRun run = ExtractDialogs("", image);
+            ExtractRun run = ExtractDialogs("", image);
             EXPECT_EQ(run.status, 0) << image;
             EXPECT_EQ(run.out, c.document) << image;
         }
@@ -145,7 +126,7 @@ TEST(ExtractDialogs, WholeDocument) {
 
 TEST(ExtractDialogs, TracesOfTheReader) {
     for (const auto& image : test::FixtureImages("fwd_dialogs")) {
-        DialogRun run = ExtractDialogs("", image);
+        ExtractRun run = ExtractDialogs("", image);
         for (const char* text :
              {"DS_SETFONT is set", "-----Dialog id = 104 has been skipped-----\n",
               "!!!!!Dialog id = 107 has been skipped, there is no translatable contents.!!!!!\n"})

@@ -1,36 +1,15 @@
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <sstream>
 
+#include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
 namespace {
 
-struct MenuRun {
-    std::string out;
-    std::string err;
-    int status = -1;
-};
-
-MenuRun Extract(const std::string& options, const std::string& path) {
-    std::string dir = test::TempDir();
-    MenuRun run;
-    run.out = test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract " + options +
-                                   " '" + path + "' 2>" + dir + "/err",
-                               &run.status);
-    auto err = test::ReadFile(dir + "/err");
-    run.err.assign(err.begin(), err.end());
-    return run;
-}
-
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
+using test::Extract;
+using test::ExtractRun;
+using test::Lines;
 
 // Pop-ups nested four deep step the indentation up and back one tab at a
 // time; the menu's own tag stands one tab in.
@@ -76,7 +55,7 @@ const char* const kMenusDocument = "<resources>\n"
 
 TEST(ExtractMenus, WholeDocument) {
     for (const auto& image : test::FixtureImages("fwd_menus")) {
-        MenuRun run = Extract("", image);
+        ExtractRun run = Extract("", image);
         EXPECT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.out, kMenusDocument) << image;
     }
@@ -85,13 +64,9 @@ TEST(ExtractMenus, WholeDocument) {
 // The events of one line: indentation, tags with their names and marks, texts.
 TEST(ExtractMenus, EventsOfAnItemWithAShortcut) {
     auto tag = [](const std::string& text, int start, int end, int in, std::string name = "") {
-        return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" +
-               (name.empty() ? text : name) + "\", \"start\": " + std::to_string(start) +
-               ", \"end\": " + std::to_string(end) + ", \"inline\": " + std::to_string(in) + "}";
+        return test::TagEvent(text, name.empty() ? text : name, start, end, in);
     };
-    auto text = [](const std::string& t) {
-        return "{\"event\": \"Text\", \"text\": \"" + t + "\"}";
-    };
+    const auto text = test::TextEvent;
     const std::vector<std::string> expected = {text("\\t\\t\\t"),
                                                tag("<item id=\\\"301\\\">", 1, 0, 0, "item"),
                                                text("Cu"),
@@ -122,7 +97,7 @@ TEST(ExtractMenus, EventsOfAnItemWithAShortcut) {
 
 TEST(ExtractMenus, TruncatedMenuIsACorruptedDocument) {
     for (const auto& image : test::FixtureImages("fwd_menu_corrupt")) {
-        MenuRun run = Extract("--events", image);
+        ExtractRun run = Extract("--events", image);
         EXPECT_EQ(run.status, 1) << image;
         EXPECT_NE(run.err.find("The selected document appears to be corrupted or in an "
                                "invalid/unsupported format.\nPlease verify and try again."),

@@ -1,24 +1,18 @@
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <sstream>
 
+#include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
 namespace {
 
-std::string ExtractOutput(const std::string& options, const std::string& path, int* status) {
-    return test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract " + options + " '" +
-                                path + "' 2>/dev/null",
-                            status);
-}
+using test::Lines;
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
+std::string ExtractOutput(const std::string& options, const std::string& path, int* status) {
+    test::ExtractRun run = test::Extract(options, path);
+    *status = run.status;
+    return run.out;
 }
 
 // German before English by language; the block without any of the five

@@ -1,0 +1,24 @@
+#pragma once
+// Runs `tervane extract` on a file as a user would, and keeps what it wrote.
+#include <string>
+#include <vector>
+
+namespace tervane::test {
+
+struct ExtractRun {
+    std::string out;   // standard output
+    std::string err;   // standard error
+    std::string trace; // the trace file, with withTrace
+    int status = -1;
+};
+
+ExtractRun Extract(const std::string& options, const std::string& path, bool withTrace = false);
+
+std::vector<std::string> Lines(const std::string& text);
+
+// One line of `tervane extract --events`; text is in its JSON-escaped form.
+std::string TagEvent(const std::string& text, const std::string& name, int start, int end,
+                     int inlineTag);
+std::string TextEvent(const std::string& text);
+
+} // namespace tervane::test
