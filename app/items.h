@@ -1,7 +1,10 @@
 #pragma once
 // The framework's items as this host makes them: Tag, Text and DocumentInfo,
 // registered as the process's class objects so that the components create
-// them by class identifier.
+// them by class identifier. Tags and texts come from pooled class objects:
+// one of each is made and freed per event.
+#include <string>
+
 #include "host/items.h"
 #include "platform/com/component.h"
 #include "platform/com/dispatch.h"
@@ -22,8 +25,11 @@ public:
     HRESULT get_Inline(LONG* value) override;
     HRESULT put_Inline(LONG value) override;
 
+    // Back to the state of a new item, keeping the strings' storage.
+    void Clear();
+
 private:
-    Bstr text_, name_;
+    std::u16string text_, name_;
     LONG end_ = 0, start_ = 0, inline_ = 0;
 };
 
@@ -33,8 +39,10 @@ public:
     HRESULT get_Text(BSTR* text) override;
     HRESULT put_Text(BSTR text) override;
 
+    void Clear() { text_.clear(); }
+
 private:
-    Bstr text_;
+    std::u16string text_;
 };
 
 class DocumentInfo : public ComObjectRoot, public DispatchWithoutTypeInfo<IDocumentInfo> {

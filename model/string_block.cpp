@@ -1,9 +1,12 @@
 #include "model/string_block.h"
 
+#include <charconv>
 #include <cstdlib>
+#include <utility>
 
 #include "frame/diagnostics/exceptions.h"
 #include "label/grammars/label_parser.h"
+#include "label/grammars/token_pieces.h"
 #include "label/pieces/tag_predicates.h"
 #include "model/text_util.h"
 
@@ -23,11 +26,25 @@ bool BelongsToBlock(long number, long block) {
            number <= block * kStringsPerBlock - 1;
 }
 
-// The control characters become the two-character escapes the lexer reads.
-std::u16string EscapeForLexer(std::u16string_view text) {
-    std::u16string out;
-    out.reserve(text.size() + 8);
-    for (char16_t c : text) {
+// The string at offset, moved behind it, with the control characters as the
+// two-character escapes the lexer reads; '&' is plain text in a string
+// table, so a doubled one is a single one. Escaping makes no '&', so the
+// pairs are those of the string itself.
+void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
+    ByteReader reader(data);
+    if (!reader.Seek(offset))
+        throw CParserException(kCorruptedDocumentMessage);
+    auto length = reader.ReadU16LE();
+    if (!length)
+        throw CParserException(kCorruptedDocumentMessage);
+    auto units = reader.ReadBytes(std::size_t{*length} * 2);
+    if (!units)
+        throw CParserException(kCorruptedDocumentMessage);
+    out.clear();
+    out.reserve(std::size_t{*length} + 8);
+    const std::size_t count = *length;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto c = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
         switch (c) {
         case u'\\':
             out += u"\\\\";
@@ -44,12 +61,26 @@ std::u16string EscapeForLexer(std::u16string_view text) {
         case 12:
             out += u"\\f";
             break;
+        case u'&':
+            out += c;
+            if (i + 1 < count && LoadU16LE(units->data() + 2 * (i + 1)) == u'&')
+                ++i;
+            break;
         default:
             out += c;
         }
     }
-    // '&' is plain text in a string table, so a doubled one is a single one.
-    return ReplaceAll(out, u"&&", u"&");
+    offset = reader.Offset();
+}
+
+// An inline tag, with a blank at its end moved behind it.
+void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
+    if (!t.empty() && t.back() == u' ') {
+        entry.push_back(MakeInlineTag(TrimRight(t)));
+        entry.push_back(MakeText(u" "));
+    } else {
+        entry.push_back(MakeInlineTag(t));
+    }
 }
 
 // Text tokens are joined with their escapes undone; every other token is an
@@ -59,28 +90,34 @@ void AppendStringPieces(const LabelTokenList& tokens, PieceEntry& entry) {
     std::u16string text;
     auto flush = [&] {
         if (!text.empty())
-            entry.push_back(MakeText(text));
-        text.clear();
+            entry.push_back(std::make_unique<CTextLabelPiece>(std::exchange(text, {})));
     };
     for (const LabelToken& token : tokens) {
         if (token.type == 1) {
-            text += ReplaceAll(ReplaceAll(token.text, u"\\\\", u"\\"), u"%%", u"%");
+            AppendUnescapedLabelText(text, token.text, LabelKind::String);
             continue;
         }
         flush();
-        std::u16string t = token.text;
+        std::u16string_view t = token.text;
         if (!t.empty() && t.front() == u' ') {
-            t = TrimLeft(t);
+            std::u16string trimmed = TrimLeft(t);
             entry.push_back(MakeText(u" "));
-        }
-        if (!t.empty() && t.back() == u' ') {
-            entry.push_back(MakeInlineTag(TrimRight(t)));
-            entry.push_back(MakeText(u" "));
+            AppendInlineTag(trimmed, entry);
         } else {
-            entry.push_back(MakeInlineTag(t));
+            AppendInlineTag(t, entry);
         }
     }
     flush();
+}
+
+// <string id="number">, built without a round through narrow text.
+std::u16string StringIdTag(long number) {
+    char digits[24];
+    char* end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    std::u16string tag = u"<string id=\"";
+    tag.append(digits, end);
+    tag += u"\">";
+    return tag;
 }
 
 } // namespace
@@ -104,11 +141,13 @@ std::u16string ReadCountedString(Bytes data, std::size_t& offset) {
 
 PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, long number) {
     PieceEntry entry;
-    std::u16string text = EscapeForLexer(ReadCountedString(data, offset));
+    // Reused from string to string: its storage outlives the call.
+    thread_local std::u16string text;
+    ReadEscapedString(data, offset, text);
     if (text.empty())
         return entry;
-    const std::string id = "<string id=\"" + std::to_string(number) + "\">";
-    entry.push_back(MakeOpenTag("string", id));
+    entry.reserve(8);
+    entry.push_back(MakeOpenTag(u"string", StringIdTag(number)));
 
     // The blank keeps a conversion at the very end from reaching the end of input.
     text += u' ';
@@ -124,7 +163,7 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
         last.pop_back();
 
     AppendStringPieces(tokens, entry);
-    entry.push_back(MakeCloseTag("string", "</string>"));
+    entry.push_back(MakeCloseTag(u"string", u"</string>"));
     return entry;
 }
 

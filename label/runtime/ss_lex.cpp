@@ -19,28 +19,32 @@ SSLexLexeme* SSLex::nextLexeme() {
         state_ = 0;
         bool read = false;
         bool startRead = consumer.firstReadPending();
-        SSLexFinalState accepted = list.finalState(0);
+        // The accepting record passed last, by address: the list outlives the scan.
+        const SSLexFinalState* acceptedRecord = &list.finalState(0);
         SSLexMark acceptedMark;
-        bool marked = accepted.token != 0;
+        bool marked = acceptedRecord->token != 0;
         if (marked)
             acceptedMark = consumer.mark();
+        std::uint32_t state = 0;
         while (consumer.next()) {
             read = true;
             consumer.adjust(acceptedMark, false);
             consumer.adjust(contextMark_, false);
-            std::uint32_t next = list.transition(state_, consumer.current());
+            std::uint32_t next = list.transition(state, consumer.current());
             if (next == SSLexExpressionList::kNoState)
                 break;
-            state_ = next;
-            const SSLexFinalState& record = list.finalState(state_);
+            state = next;
+            const SSLexFinalState& record = list.finalState(state);
             if (record.flags & SSLexFinalState::final) {
                 acceptedMark = consumer.mark();
-                accepted = record;
+                acceptedRecord = &record;
                 marked = true;
             }
             if (record.flags & SSLexFinalState::contextStart)
                 contextMark_ = consumer.mark();
         }
+        state_ = state;
+        const SSLexFinalState accepted = *acceptedRecord;
         consumer.adjust(acceptedMark, false);
         consumer.adjust(contextMark_, true);
         if (!read)

@@ -11,7 +11,7 @@ namespace tervane {
 
 SSLexConsumer::SSLexConsumer() : dbcsInfo_(rcparsedbcsinfo::instance()) {}
 
-int SSLexConsumer::next() {
+int SSLexConsumer::nextSlow() {
     if (endOfData_)
         return 0;
     if (firstRead_) {

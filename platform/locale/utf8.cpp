@@ -67,4 +67,49 @@ int EncodeUtf8(char32_t c, char* out) {
     return 4;
 }
 
+void AppendUtf8(std::string& out, std::u16string_view text) {
+    std::size_t i = 0;
+    // Most text is ASCII: copy a run of it at once.
+    while (i < text.size()) {
+        std::size_t run = i;
+        while (run < text.size() && text[run] < 0x80)
+            ++run;
+        if (run > i) {
+            std::size_t at = out.size();
+            out.resize(at + (run - i));
+            for (char* p = out.data() + at; i < run; ++i)
+                *p++ = static_cast<char>(text[i]);
+            continue;
+        }
+        char32_t c = text[i++];
+        if (c >= 0xD800 && c <= 0xDBFF && i < text.size() && text[i] >= 0xDC00 &&
+            text[i] <= 0xDFFF) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[i++] - 0xDC00);
+        } else if (c >= 0xD800 && c <= 0xDFFF) {
+            c = 0xFFFD;
+        }
+        char bytes[4];
+        out.append(bytes, static_cast<std::size_t>(EncodeUtf8(c, bytes)));
+    }
+}
+
+void AppendUtf16(std::u16string& out, std::string_view text) {
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        if (static_cast<unsigned char>(text[pos]) < 0x80) {
+            out.push_back(static_cast<char16_t>(text[pos++]));
+            continue;
+        }
+        const char32_t c = DecodeUtf8(text, pos);
+        if (c == kUtf8Invalid) {
+            out.push_back(0xFFFD);
+        } else if (c >= 0x10000) {
+            out.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+        } else {
+            out.push_back(static_cast<char16_t>(c));
+        }
+    }
+}
+
 } // namespace tervane::locale
