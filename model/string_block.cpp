@@ -147,13 +147,15 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     if (text.empty())
         return entry;
     entry.reserve(8);
-    entry.push_back(MakeOpenTag(u"string", StringIdTag(number)));
+    entry.push_back(MakeStructuralTag(u"string", StringIdTag(number), 0, 1));
 
     // The blank keeps a conversion at the very end from reaching the end of input.
     text += u' ';
     // The parser reads a null-terminated text: what stands behind a NUL is lost.
     text.resize(std::min(text.size(), text.find(u'\0')));
-    LabelTokenList tokens;
+    // Reused too, so that its records are not reallocated for every string.
+    thread_local LabelTokenList tokens;
+    tokens.clear();
     parser.Initialise(LabelKind::String);
     parser.Parse(text, tokens);
     if (tokens.empty())

@@ -3,11 +3,12 @@
 #include "platform/locale/code_pages.h"
 
 namespace tervane {
-namespace {
 
-std::unique_ptr<CTagLabelPiece> MakeStructural(std::u16string name, std::u16string tagText,
-                                               LONG endTag, LONG startTag) {
-    TagDescriptor tag;
+// Pieces are filled in place: a descriptor built aside would be moved twice.
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
+                                                  LONG endTag, LONG startTag) {
+    auto piece = std::make_unique<CTagLabelPiece>();
+    TagDescriptor& tag = piece->tag;
     tag.name = std::move(name);
     tag.tagText = std::move(tagText);
     tag.structural = 1;
@@ -15,47 +16,46 @@ std::unique_ptr<CTagLabelPiece> MakeStructural(std::u16string name, std::u16stri
     tag.endTag = endTag;
     tag.startTag = startTag;
     tag.inlineTag = 0;
-    return std::make_unique<CTagLabelPiece>(std::move(tag));
+    return piece;
 }
 
-} // namespace
-
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText) {
-    return MakeStructural(Widen(name), Widen(tagText), 0, 1);
+    return MakeStructuralTag(Widen(name), Widen(tagText), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText) {
-    return MakeStructural(Widen(name), Widen(tagText), 1, 0);
+    return MakeStructuralTag(Widen(name), Widen(tagText), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText) {
-    return MakeStructural(Widen(name), Widen(tagText), 0, 0);
+    return MakeStructuralTag(Widen(name), Widen(tagText), 0, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText) {
-    return MakeStructural(std::u16string(name), std::u16string(tagText), 0, 1);
+    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name,
                                              std::u16string_view tagText) {
-    return MakeStructural(std::u16string(name), std::u16string(tagText), 1, 0);
+    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::u16string_view name,
                                              std::u16string_view tagText) {
-    return MakeStructural(std::u16string(name), std::u16string(tagText), 0, 0);
+    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 0, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text) {
-    TagDescriptor tag;
-    tag.name = std::u16string(text);
-    tag.tagText = std::u16string(text);
+    auto piece = std::make_unique<CTagLabelPiece>();
+    TagDescriptor& tag = piece->tag;
+    tag.name.assign(text);
+    tag.tagText.assign(text);
     tag.structural = 0;
     tag.inlineClass = 1;
     tag.endTag = 0;
     tag.startTag = 0;
     tag.inlineTag = 1;
-    return std::make_unique<CTagLabelPiece>(std::move(tag));
+    return piece;
 }
 
 std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text) {

@@ -71,6 +71,10 @@ using CLabelPieceList = std::vector<std::unique_ptr<CLabelPiece>>;
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText);
+// A structural tag (opening, closing or empty by its marks) that takes over
+// its name and tag text.
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
+                                                  LONG endTag, LONG startTag);
 // The same with wide name and tag text, taken as they are.
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name, std::u16string_view tagText);

@@ -68,19 +68,20 @@ int EncodeUtf8(char32_t c, char* out) {
 }
 
 void AppendUtf8(std::string& out, std::u16string_view text) {
+    // Most text is ASCII: room for one byte a unit, then the rest one by one
+    // from the first unit that needs more.
+    const std::size_t at = out.size();
+    out.resize(at + text.size());
+    char* ascii = out.data() + at;
     std::size_t i = 0;
-    // Most text is ASCII: copy a run of it at once.
+    while (i < text.size() && text[i] < 0x80) {
+        ascii[i] = static_cast<char>(text[i]);
+        ++i;
+    }
+    if (i == text.size())
+        return;
+    out.resize(at + i);
     while (i < text.size()) {
-        std::size_t run = i;
-        while (run < text.size() && text[run] < 0x80)
-            ++run;
-        if (run > i) {
-            std::size_t at = out.size();
-            out.resize(at + (run - i));
-            for (char* p = out.data() + at; i < run; ++i)
-                *p++ = static_cast<char>(text[i]);
-            continue;
-        }
         char32_t c = text[i++];
         if (c >= 0xD800 && c <= 0xDBFF && i < text.size() && text[i] >= 0xDC00 &&
             text[i] <= 0xDFFF) {
