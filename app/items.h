@@ -11,8 +11,11 @@
 
 namespace tervane::app {
 
+// The items are the host's own objects: they don't keep the filter's module
+// loaded, as the framework's items in the framework's library wouldn't.
 class Tag : public ComObjectRoot, public DispatchWithoutTypeInfo<ITag> {
 public:
+    static constexpr bool kLocksModule = false;
     static InterfaceMap<Tag> Interfaces();
     HRESULT get_TagText(BSTR* text) override;
     HRESULT put_TagText(BSTR text) override;
@@ -35,6 +38,7 @@ private:
 
 class Text : public ComObjectRoot, public DispatchWithoutTypeInfo<IText> {
 public:
+    static constexpr bool kLocksModule = false;
     static InterfaceMap<Text> Interfaces();
     HRESULT get_Text(BSTR* text) override;
     HRESULT put_Text(BSTR text) override;
@@ -47,6 +51,7 @@ private:
 
 class DocumentInfo : public ComObjectRoot, public DispatchWithoutTypeInfo<IDocumentInfo> {
 public:
+    static constexpr bool kLocksModule = false;
     static InterfaceMap<DocumentInfo> Interfaces();
     HRESULT get_SourceFile(BSTR* path) override;
     HRESULT put_SourceFile(BSTR path) override;

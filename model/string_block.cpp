@@ -40,36 +40,44 @@ void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
     auto units = reader.ReadBytes(std::size_t{*length} * 2);
     if (!units)
         throw CParserException(kCorruptedDocumentMessage);
-    out.clear();
-    out.reserve(std::size_t{*length} + 8);
+    // Written through a pointer into room for the longest result (every unit
+    // escaped, and the blank that ParseString adds), then cut to size.
     const std::size_t count = *length;
+    out.resize(2 * count + 1);
+    char16_t* to = out.data();
+    const std::uint8_t* from = units->data();
     for (std::size_t i = 0; i < count; ++i) {
-        const auto c = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
+        const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
+        char16_t escape = 0;
         switch (c) {
         case u'\\':
-            out += u"\\\\";
+            escape = u'\\';
             break;
         case 13:
-            out += u"\\r";
+            escape = u'r';
             break;
         case 10:
-            out += u"\\n";
+            escape = u'n';
             break;
         case 8:
-            out += u"\\b";
+            escape = u'b';
             break;
         case 12:
-            out += u"\\f";
+            escape = u'f';
             break;
         case u'&':
-            out += c;
-            if (i + 1 < count && LoadU16LE(units->data() + 2 * (i + 1)) == u'&')
+            if (i + 1 < count && LoadU16LE(from + 2 * (i + 1)) == u'&')
                 ++i;
             break;
-        default:
-            out += c;
+        }
+        if (escape != 0) {
+            *to++ = u'\\';
+            *to++ = escape;
+        } else {
+            *to++ = c;
         }
     }
+    out.resize(static_cast<std::size_t>(to - out.data()));
     offset = reader.Offset();
 }
 

@@ -10,14 +10,17 @@ namespace tervane {
 void AppendUnescapedLabelText(std::u16string& out, std::u16string_view text, LabelKind kind) {
     const bool percent = kind != LabelKind::Menu;
     const bool ampersand = kind != LabelKind::String;
-    out.reserve(out.size() + text.size());
+    const std::size_t at = out.size();
+    out.resize(at + text.size());
+    char16_t* to = out.data() + at;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
-        out.push_back(c);
+        *to++ = c;
         if (i + 1 < text.size() && text[i + 1] == c &&
             (c == u'\\' || (percent && c == u'%') || (ampersand && c == u'&')))
             ++i;
     }
+    out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
 std::u16string UnescapeLabelText(std::u16string_view text, LabelKind kind) {

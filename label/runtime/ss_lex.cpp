@@ -26,23 +26,36 @@ SSLexLexeme* SSLex::nextLexeme() {
         if (marked)
             acceptedMark = consumer.mark();
         std::uint32_t state = 0;
-        while (consumer.next()) {
+        SSLexConsumer::WideRun run = consumer.beginWideRun();
+        for (;;) {
+            if (!run.next()) {
+                consumer.endWideRun(run);
+                const int got = consumer.next();
+                run = consumer.beginWideRun();
+                if (!got)
+                    break;
+                // Marks move only when a refill has shifted the buffer.
+                if (consumer.shift() != 0) {
+                    consumer.adjust(acceptedMark, false);
+                    consumer.adjust(contextMark_, false);
+                }
+                run.current = consumer.current();
+            }
             read = true;
-            consumer.adjust(acceptedMark, false);
-            consumer.adjust(contextMark_, false);
-            std::uint32_t next = list.transition(state, consumer.current());
+            std::uint32_t next = list.transition(state, run.current);
             if (next == SSLexExpressionList::kNoState)
                 break;
             state = next;
             const SSLexFinalState& record = list.finalState(state);
             if (record.flags & SSLexFinalState::final) {
-                acceptedMark = consumer.mark();
+                acceptedMark = run.mark();
                 acceptedRecord = &record;
                 marked = true;
             }
             if (record.flags & SSLexFinalState::contextStart)
-                contextMark_ = consumer.mark();
+                contextMark_ = run.mark();
         }
+        consumer.endWideRun(run);
         state_ = state;
         const SSLexFinalState accepted = *acceptedRecord;
         consumer.adjust(acceptedMark, false);

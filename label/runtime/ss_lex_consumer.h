@@ -88,6 +88,55 @@ public:
     }
 
     SSLexMark mark() const { return {index_, lineDelta_, offset_}; }
+
+    // next() for a scan loop, on copies of the position: while it is active
+    // (wide text, no byte-order mark or end of data pending, no shift to
+    // apply) it reads what next() would read inline from the buffer, and
+    // stops where next() would take its slow road. Begun from the consumer
+    // and put back into it before anything else uses the consumer.
+    struct WideRun {
+        const std::uint8_t* data;
+        std::uint32_t index;
+        std::uint32_t end;
+        std::uint32_t lineDelta;
+        std::uint32_t offset;
+        std::uint32_t consumed;
+        std::uint32_t current;
+        bool active;
+        bool readAny;
+
+        bool next() {
+            if (!active || index >= end || end - index < 2)
+                return false;
+            current = static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+            index += 2;
+            ++consumed;
+            if (current == 10) {
+                ++lineDelta;
+                offset = 1;
+            } else {
+                ++offset;
+            }
+            readAny = true;
+            return true;
+        }
+        SSLexMark mark() const { return {index, lineDelta, offset}; }
+    };
+    WideRun beginWideRun() const {
+        return {buffer_.data(), index_,
+                end_,           lineDelta_,
+                offset_,        consumed_,
+                current_,       type_ == kWide && !endOfData_ && !firstRead_ && shift_ == 0,
+                false};
+    }
+    void endWideRun(const WideRun& run) {
+        index_ = run.index;
+        lineDelta_ = run.lineDelta;
+        offset_ = run.offset;
+        consumed_ = run.consumed;
+        if (run.readAny)
+            current_ = run.current;
+    }
     void flushTo(const SSLexMark& mark);
     void resync();
     void adjust(SSLexMark& mark, bool clear) {

@@ -82,18 +82,24 @@ public:
 private:
     friend class PooledObject<Base>;
 
+    // Plain data, reached without a call; the keeper, installed when the
+    // first object is kept, frees the kept objects when the thread ends.
     struct Pool {
-        PooledObject<Base>* head = nullptr;
-        std::size_t count = 0;
-        bool closed = false;
-        ~Pool() {
-            closed = true;
-            while (head)
-                delete std::exchange(head, head->nextFree_);
-            count = 0;
+        PooledObject<Base>* head;
+        std::size_t count;
+        bool closed;
+    };
+    struct Keeper {
+        bool installed = false;
+        ~Keeper() {
+            pool.closed = true;
+            while (pool.head)
+                delete std::exchange(pool.head, pool.head->nextFree_);
+            pool.count = 0;
         }
     };
-    static thread_local Pool pool;
+    static inline constinit thread_local Pool pool = {};
+    static inline thread_local Keeper keeper;
 
     // A live object holds the module as one made by ComObject would.
     static PooledObject<Base>* Take() {
@@ -119,14 +125,13 @@ private:
             return;
         }
         object->Clear();
+        if (pool.count == 0)
+            keeper.installed = true;
         object->nextFree_ = pool.head;
         pool.head = object;
         ++pool.count;
     }
 };
-
-template <typename Base>
-thread_local typename PooledClassFactory<Base>::Pool PooledClassFactory<Base>::pool;
 
 // The module's one pooled class object of Base, made on first use and kept
 // for the process. No new reference.

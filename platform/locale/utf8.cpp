@@ -1,5 +1,7 @@
 #include "platform/locale/utf8.h"
 
+#include <algorithm>
+
 namespace tervane::locale {
 
 char32_t DecodeUtf8(std::string_view text, std::size_t& pos) {
@@ -68,20 +70,20 @@ int EncodeUtf8(char32_t c, char* out) {
 }
 
 void AppendUtf8(std::string& out, std::u16string_view text) {
-    // Most text is ASCII: room for one byte a unit, then the rest one by one
-    // from the first unit that needs more.
-    const std::size_t at = out.size();
-    out.resize(at + text.size());
-    char* ascii = out.data() + at;
+    // Runs of ASCII are narrowed on the stack and appended at once.
+    char buffer[256];
     std::size_t i = 0;
-    while (i < text.size() && text[i] < 0x80) {
-        ascii[i] = static_cast<char>(text[i]);
-        ++i;
-    }
-    if (i == text.size())
-        return;
-    out.resize(at + i);
     while (i < text.size()) {
+        const std::size_t chunk = std::min(text.size() - i, sizeof buffer);
+        std::size_t k = 0;
+        while (k < chunk && text[i + k] < 0x80) {
+            buffer[k] = static_cast<char>(text[i + k]);
+            ++k;
+        }
+        out.append(buffer, k);
+        i += k;
+        if (k == chunk)
+            continue;
         char32_t c = text[i++];
         if (c >= 0xD800 && c <= 0xDBFF && i < text.size() && text[i] >= 0xDC00 &&
             text[i] <= 0xDFFF) {
@@ -89,8 +91,7 @@ void AppendUtf8(std::string& out, std::u16string_view text) {
         } else if (c >= 0xD800 && c <= 0xDFFF) {
             c = 0xFFFD;
         }
-        char bytes[4];
-        out.append(bytes, static_cast<std::size_t>(EncodeUtf8(c, bytes)));
+        out.append(buffer, static_cast<std::size_t>(EncodeUtf8(c, buffer)));
     }
 }
 
