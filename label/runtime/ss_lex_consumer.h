@@ -123,11 +123,16 @@ public:
         SSLexMark mark() const { return {index, lineDelta, offset}; }
     };
     WideRun beginWideRun() const {
-        return {buffer_.data(), index_,
-                end_,           lineDelta_,
-                offset_,        consumed_,
-                current_,       type_ == kWide && !endOfData_ && !firstRead_ && shift_ == 0,
-                false};
+        WideRun run{};
+        run.data = buffer_.data();
+        run.index = index_;
+        run.end = end_;
+        run.lineDelta = lineDelta_;
+        run.offset = offset_;
+        run.consumed = consumed_;
+        run.current = current_;
+        run.active = type_ == kWide && !endOfData_ && !firstRead_ && shift_ == 0;
+        return run;
     }
     void endWideRun(const WideRun& run) {
         index_ = run.index;
