@@ -4,6 +4,7 @@
 
 #include "app/json_text.h"
 #include "platform/locale/code_pages.h"
+#include "platform/locale/utf8.h"
 
 namespace tervane::app {
 
@@ -35,7 +36,7 @@ void EventOutput::Progress(LONG value) {
 void EventOutput::Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
                       LONG inlineMark) {
     if (!jsonLines_) {
-        out_ += Narrow(text, CP_UTF8);
+        locale::AppendUtf8(out_, text);
         return;
     }
     out_ += "{\"event\": \"Tag\", \"text\": ";
@@ -48,7 +49,7 @@ void EventOutput::Tag(std::u16string_view text, std::u16string_view name, LONG s
 
 void EventOutput::Text(std::u16string_view text) {
     if (!jsonLines_) {
-        out_ += Narrow(text, CP_UTF8);
+        locale::AppendUtf8(out_, text);
         return;
     }
     out_ += "{\"event\": \"Text\", \"text\": ";

@@ -1,6 +1,7 @@
 #include "app/items.h"
 
 #include "platform/com/class_objects.h"
+#include "platform/com/pooled_factory.h"
 
 namespace tervane::app {
 
@@ -18,6 +19,18 @@ HRESULT PutString(Bstr& value, BSTR text) {
     return S_OK;
 }
 
+HRESULT GetString(const std::u16string& value, BSTR* out) {
+    if (out == nullptr)
+        return E_POINTER;
+    *out = SysAllocStringLen(value.data(), static_cast<UINT>(value.size()));
+    return *out == nullptr && !value.empty() ? E_OUTOFMEMORY : S_OK;
+}
+
+HRESULT PutString(std::u16string& value, BSTR text) {
+    value.assign(text ? text : u"", SysStringLen(text));
+    return S_OK;
+}
+
 HRESULT GetNumber(LONG value, LONG* out) {
     if (out == nullptr)
         return E_POINTER;
@@ -25,9 +38,9 @@ HRESULT GetNumber(LONG value, LONG* out) {
     return S_OK;
 }
 
-template <typename Item> void Register(const CLSID& clsid) {
+void Register(const CLSID& clsid, IClassFactory* factory) {
     DWORD cookie = 0;
-    if (IClassFactory* factory = CachedClassFactory<Item>())
+    if (factory != nullptr)
         CoRegisterClassObject(clsid, factory, CLSCTX_ALL, 0, &cookie);
 }
 
@@ -66,6 +79,11 @@ HRESULT Tag::get_Inline(LONG* value) {
 }
 HRESULT Tag::put_Inline(LONG value) {
     return inline_ = value, S_OK;
+}
+void Tag::Clear() {
+    text_.clear();
+    name_.clear();
+    end_ = start_ = inline_ = 0;
 }
 
 InterfaceMap<Text> Text::Interfaces() {
@@ -112,9 +130,9 @@ HRESULT DocumentInfo::put_SecondNumber(LONG value) {
 
 void RegisterItemClasses() {
     static const bool done = [] {
-        Register<Tag>(CLSID_Tag);
-        Register<Text>(CLSID_Text);
-        Register<DocumentInfo>(CLSID_DocumentInfo);
+        Register(CLSID_Tag, CachedPooledClassFactory<Tag>());
+        Register(CLSID_Text, CachedPooledClassFactory<Text>());
+        Register(CLSID_DocumentInfo, CachedClassFactory<DocumentInfo>());
         return true;
     }();
     (void)done;

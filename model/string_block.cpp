@@ -1,9 +1,12 @@
 #include "model/string_block.h"
 
+#include <charconv>
 #include <cstdlib>
+#include <utility>
 
 #include "frame/diagnostics/exceptions.h"
 #include "label/grammars/label_parser.h"
+#include "label/grammars/token_pieces.h"
 #include "label/pieces/tag_predicates.h"
 #include "model/text_util.h"
 
@@ -23,33 +26,69 @@ bool BelongsToBlock(long number, long block) {
            number <= block * kStringsPerBlock - 1;
 }
 
-// The control characters become the two-character escapes the lexer reads.
-std::u16string EscapeForLexer(std::u16string_view text) {
-    std::u16string out;
-    out.reserve(text.size() + 8);
-    for (char16_t c : text) {
+// The string at offset, moved behind it, with the control characters as the
+// two-character escapes the lexer reads; '&' is plain text in a string
+// table, so a doubled one is a single one. Escaping makes no '&', so the
+// pairs are those of the string itself.
+void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
+    ByteReader reader(data);
+    if (!reader.Seek(offset))
+        throw CParserException(kCorruptedDocumentMessage);
+    auto length = reader.ReadU16LE();
+    if (!length)
+        throw CParserException(kCorruptedDocumentMessage);
+    auto units = reader.ReadBytes(std::size_t{*length} * 2);
+    if (!units)
+        throw CParserException(kCorruptedDocumentMessage);
+    // Written through a pointer into room for the longest result (every unit
+    // escaped, and the blank that ParseString adds), then cut to size.
+    const std::size_t count = *length;
+    out.resize(2 * count + 1);
+    char16_t* to = out.data();
+    const std::uint8_t* from = units->data();
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
+        char16_t escape = 0;
         switch (c) {
         case u'\\':
-            out += u"\\\\";
+            escape = u'\\';
             break;
         case 13:
-            out += u"\\r";
+            escape = u'r';
             break;
         case 10:
-            out += u"\\n";
+            escape = u'n';
             break;
         case 8:
-            out += u"\\b";
+            escape = u'b';
             break;
         case 12:
-            out += u"\\f";
+            escape = u'f';
             break;
-        default:
-            out += c;
+        case u'&':
+            if (i + 1 < count && LoadU16LE(from + 2 * (i + 1)) == u'&')
+                ++i;
+            break;
+        }
+        if (escape != 0) {
+            *to++ = u'\\';
+            *to++ = escape;
+        } else {
+            *to++ = c;
         }
     }
-    // '&' is plain text in a string table, so a doubled one is a single one.
-    return ReplaceAll(out, u"&&", u"&");
+    out.resize(static_cast<std::size_t>(to - out.data()));
+    offset = reader.Offset();
+}
+
+// An inline tag, with a blank at its end moved behind it.
+void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
+    if (!t.empty() && t.back() == u' ') {
+        entry.push_back(MakeInlineTag(TrimRight(t)));
+        entry.push_back(MakeText(u" "));
+    } else {
+        entry.push_back(MakeInlineTag(t));
+    }
 }
 
 // Text tokens are joined with their escapes undone; every other token is an
@@ -59,28 +98,34 @@ void AppendStringPieces(const LabelTokenList& tokens, PieceEntry& entry) {
     std::u16string text;
     auto flush = [&] {
         if (!text.empty())
-            entry.push_back(MakeText(text));
-        text.clear();
+            entry.push_back(std::make_unique<CTextLabelPiece>(std::exchange(text, {})));
     };
     for (const LabelToken& token : tokens) {
         if (token.type == 1) {
-            text += ReplaceAll(ReplaceAll(token.text, u"\\\\", u"\\"), u"%%", u"%");
+            AppendUnescapedLabelText(text, token.text, LabelKind::String);
             continue;
         }
         flush();
-        std::u16string t = token.text;
+        std::u16string_view t = token.text;
         if (!t.empty() && t.front() == u' ') {
-            t = TrimLeft(t);
+            std::u16string trimmed = TrimLeft(t);
             entry.push_back(MakeText(u" "));
-        }
-        if (!t.empty() && t.back() == u' ') {
-            entry.push_back(MakeInlineTag(TrimRight(t)));
-            entry.push_back(MakeText(u" "));
+            AppendInlineTag(trimmed, entry);
         } else {
-            entry.push_back(MakeInlineTag(t));
+            AppendInlineTag(t, entry);
         }
     }
     flush();
+}
+
+// <string id="number">, built without a round through narrow text.
+std::u16string StringIdTag(long number) {
+    char digits[24];
+    char* end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    std::u16string tag = u"<string id=\"";
+    tag.append(digits, end);
+    tag += u"\">";
+    return tag;
 }
 
 } // namespace
@@ -104,17 +149,21 @@ std::u16string ReadCountedString(Bytes data, std::size_t& offset) {
 
 PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, long number) {
     PieceEntry entry;
-    std::u16string text = EscapeForLexer(ReadCountedString(data, offset));
+    // Reused from string to string: its storage outlives the call.
+    thread_local std::u16string text;
+    ReadEscapedString(data, offset, text);
     if (text.empty())
         return entry;
-    const std::string id = "<string id=\"" + std::to_string(number) + "\">";
-    entry.push_back(MakeOpenTag("string", id));
+    entry.reserve(8);
+    entry.push_back(MakeStructuralTag(u"string", StringIdTag(number), 0, 1));
 
     // The blank keeps a conversion at the very end from reaching the end of input.
     text += u' ';
     // The parser reads a null-terminated text: what stands behind a NUL is lost.
     text.resize(std::min(text.size(), text.find(u'\0')));
-    LabelTokenList tokens;
+    // Reused too, so that its records are not reallocated for every string.
+    thread_local LabelTokenList tokens;
+    tokens.clear();
     parser.Initialise(LabelKind::String);
     parser.Parse(text, tokens);
     if (tokens.empty())
@@ -124,7 +173,7 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
         last.pop_back();
 
     AppendStringPieces(tokens, entry);
-    entry.push_back(MakeCloseTag("string", "</string>"));
+    entry.push_back(MakeCloseTag(u"string", u"</string>"));
     return entry;
 }
 

@@ -27,6 +27,29 @@ template <typename Item> ComPtr<Item> CreateItem(const CLSID& clsid) {
     return item;
 }
 
+// The strings handed to an item's setters, kept per thread and refilled in
+// place: a setter copies what it is given, so they are free again as soon as
+// it returns, before the sink (which may send events of its own) is called.
+class ScratchString {
+public:
+    ScratchString() = default;
+    ScratchString(const ScratchString&) = delete;
+    ScratchString& operator=(const ScratchString&) = delete;
+    ~ScratchString() { SysFreeString(text_); }
+
+    // Null when memory runs out, which the setter takes as an empty text.
+    BSTR Fill(std::u16string_view text) {
+        if (!SysReAllocStringLen(&text_, text.data(), static_cast<UINT>(text.size())))
+            return nullptr;
+        return text_;
+    }
+
+private:
+    BSTR text_ = nullptr;
+};
+
+thread_local ScratchString scratchFirst, scratchSecond;
+
 template <typename Send> HRESULT Guarded(Send send) {
     try {
         return send();
@@ -47,12 +70,10 @@ HRESULT SendTagEvent(IEvents* sink, const TagDescriptor& tag) {
         if (!item)
             return E_FAIL;
         // The order in which the framework's own producers set the properties.
-        Bstr text(tag.tagText);
-        Bstr name(tag.name);
         item->put_EndTag(tag.endTag);
-        item->put_TagText(text.get());
+        item->put_TagText(scratchFirst.Fill(tag.tagText));
         item->put_StartTag(tag.startTag);
-        item->put_TagName(name.get());
+        item->put_TagName(scratchSecond.Fill(tag.name));
         item->put_Inline(tag.inlineTag);
         HRESULT hr = sink->raw_Tag(item.get());
         if (FAILED(hr))
@@ -66,8 +87,7 @@ HRESULT SendTextEvent(IEvents* sink, std::u16string_view text) {
         ComPtr<IText> item = CreateItem<IText>(CLSID_Text);
         if (!item)
             return E_FAIL;
-        Bstr value(text);
-        item->put_Text(value.get());
+        item->put_Text(scratchFirst.Fill(text));
         HRESULT hr = sink->raw_Text(item.get());
         if (FAILED(hr))
             _com_issue_errorex(hr, sink, IEvents::iid);

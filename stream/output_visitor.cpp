@@ -48,7 +48,12 @@ void COutputVisitor::SendNewLine() {
 }
 
 void COutputVisitor::SendIndent(short count) {
-    SendText(std::u16string(count > 0 ? static_cast<std::size_t>(count) : 0, u'\t'));
+    static constexpr std::u16string_view kTabs = u"\t\t\t\t\t\t\t\t";
+    std::size_t tabs = count > 0 ? static_cast<std::size_t>(count) : 0;
+    if (tabs <= kTabs.size())
+        SendText(kTabs.substr(0, tabs));
+    else
+        SendText(std::u16string(tabs, u'\t'));
 }
 
 void COutputVisitor::SendGroupTag(const char* name, bool open) {
@@ -68,9 +73,9 @@ void COutputVisitor::SendGroupTag(const char* name, bool open) {
 
 void COutputVisitor::SendPieces(const CLabelPieceList& pieces) {
     for (const auto& piece : pieces) {
-        if (const auto* text = dynamic_cast<const CTextLabelPiece*>(piece.get()))
+        if (const CTextLabelPiece* text = piece->AsText())
             SendText(text->text);
-        else if (const auto* tag = dynamic_cast<const CTagLabelPiece*>(piece.get()))
+        else if (const CTagLabelPiece* tag = piece->AsTag())
             SendTag(tag->tag);
     }
 }

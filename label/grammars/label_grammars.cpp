@@ -49,7 +49,11 @@ std::u16string LabelYaccClass::symbolText(std::int32_t index) {
 }
 
 void LabelYaccClass::add(std::uint32_t type, std::int32_t index) {
-    add(type, symbolText(index));
+    SSYaccStackElement* element = elementFromProduction(index);
+    if (tokens_)
+        tokens_->push_back({type, element && element->lexeme
+                                      ? std::u16string(element->lexeme->wideText())
+                                      : std::u16string()});
 }
 
 void LabelYaccClass::add(std::uint32_t type, std::u16string text) {

@@ -4,30 +4,28 @@
 
 namespace tervane {
 
-namespace {
-
-void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
-    std::u16string out;
-    out.reserve(text.size());
-    std::size_t at = 0;
-    for (std::size_t found; (found = text.find(from, at)) != std::u16string::npos;
-         at = found + from.size()) {
-        out.append(text, at, found - at);
-        out.append(to);
+// The three replacements one after the other touch only runs of their own
+// character, and a run never merges with another: each run of an escaped
+// character shrinks to half its length, rounded up, in a single pass.
+void AppendUnescapedLabelText(std::u16string& out, std::u16string_view text, LabelKind kind) {
+    const bool percent = kind != LabelKind::Menu;
+    const bool ampersand = kind != LabelKind::String;
+    const std::size_t at = out.size();
+    out.resize(at + text.size());
+    char16_t* to = out.data() + at;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i];
+        *to++ = c;
+        if (i + 1 < text.size() && text[i + 1] == c &&
+            (c == u'\\' || (percent && c == u'%') || (ampersand && c == u'&')))
+            ++i;
     }
-    out.append(text, at);
-    text = std::move(out);
+    out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
-} // namespace
-
 std::u16string UnescapeLabelText(std::u16string_view text, LabelKind kind) {
-    std::u16string out(text);
-    ReplaceAll(out, u"\\\\", u"\\");
-    if (kind != LabelKind::Menu)
-        ReplaceAll(out, u"%%", u"%");
-    if (kind != LabelKind::String)
-        ReplaceAll(out, u"&&", u"&");
+    std::u16string out;
+    AppendUnescapedLabelText(out, text, kind);
     return out;
 }
 
@@ -39,7 +37,7 @@ void AppendTokenPieces(const LabelTokenList& tokens, LabelKind kind, CLabelPiece
     };
     for (const LabelToken& token : tokens) {
         if (token.type == label_token::kText) {
-            run += UnescapeLabelText(token.text, kind);
+            AppendUnescapedLabelText(run, token.text, kind);
             continue;
         }
         flush();

@@ -13,6 +13,8 @@ namespace tervane {
 // after the other: two backslashes to one, then "%%" to "%" (String and
 // Dialog), then "&&" to "&" (Dialog and Menu).
 std::u16string UnescapeLabelText(std::u16string_view text, LabelKind kind);
+// The same, appended to out.
+void AppendUnescapedLabelText(std::u16string& out, std::u16string_view text, LabelKind kind);
 
 // Appends the pieces of tokens to pieces. Blanks at a tag's edges and the
 // tab and shortcut of menus are left to the resource that owns the label.

@@ -3,64 +3,69 @@
 #include "platform/locale/code_pages.h"
 
 namespace tervane {
-namespace {
 
-std::unique_ptr<CTagLabelPiece> MakeStructural(std::string_view name, std::string_view tagText,
-                                               LONG endTag, LONG startTag) {
-    TagDescriptor tag;
-    tag.name = Widen(name);
-    tag.tagText = Widen(tagText);
+// Pieces are filled in place: a descriptor built aside would be moved twice.
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
+                                                  LONG endTag, LONG startTag) {
+    auto piece = std::make_unique<CTagLabelPiece>();
+    TagDescriptor& tag = piece->tag;
+    tag.name = std::move(name);
+    tag.tagText = std::move(tagText);
     tag.structural = 1;
     tag.inlineClass = 0;
     tag.endTag = endTag;
     tag.startTag = startTag;
     tag.inlineTag = 0;
-    return std::make_unique<CTagLabelPiece>(std::move(tag));
+    return piece;
 }
 
-} // namespace
-
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText) {
-    return MakeStructural(name, tagText, 0, 1);
+    return MakeStructuralTag(Widen(name), Widen(tagText), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText) {
-    return MakeStructural(name, tagText, 1, 0);
+    return MakeStructuralTag(Widen(name), Widen(tagText), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText) {
-    return MakeStructural(name, tagText, 0, 0);
+    return MakeStructuralTag(Widen(name), Widen(tagText), 0, 0);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText) {
+    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 0, 1);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name,
+                                             std::u16string_view tagText) {
+    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 1, 0);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::u16string_view name,
+                                             std::u16string_view tagText) {
+    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 0, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text) {
-    TagDescriptor tag;
-    tag.name = std::u16string(text);
-    tag.tagText = std::u16string(text);
+    auto piece = std::make_unique<CTagLabelPiece>();
+    TagDescriptor& tag = piece->tag;
+    tag.name.assign(text);
+    tag.tagText.assign(text);
     tag.structural = 0;
     tag.inlineClass = 1;
     tag.endTag = 0;
     tag.startTag = 0;
     tag.inlineTag = 1;
-    return std::make_unique<CTagLabelPiece>(std::move(tag));
+    return piece;
 }
 
 std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text) {
     return std::make_unique<CTextLabelPiece>(std::u16string(text));
 }
 
-const TagDescriptor* TagOf(const CLabelPiece& piece) {
-    const auto* tag = dynamic_cast<const CTagLabelPiece*>(&piece);
-    return tag != nullptr ? &tag->tag : nullptr;
-}
-
-const CTextLabelPiece* TextOf(const CLabelPiece& piece) {
-    return dynamic_cast<const CTextLabelPiece*>(&piece);
-}
-
 std::unique_ptr<CLabelPiece> ClonePiece(const CLabelPiece& piece) {
-    if (const auto* tag = dynamic_cast<const CTagLabelPiece*>(&piece))
+    if (const CTagLabelPiece* tag = piece.AsTag())
         return std::make_unique<CTagLabelPiece>(*tag);
-    if (const auto* text = dynamic_cast<const CTextLabelPiece*>(&piece))
+    if (const CTextLabelPiece* text = piece.AsText())
         return std::make_unique<CTextLabelPiece>(*text);
     return std::make_unique<CLabelPiece>(piece);
 }

@@ -24,6 +24,9 @@ struct PieceRange {
     bool operator==(const PieceRange&) const = default;
 };
 
+class CTagLabelPiece;
+class CTextLabelPiece;
+
 class CLabelPiece {
 public:
     CLabelPiece() = default;
@@ -31,6 +34,11 @@ public:
     CLabelPiece(const CLabelPiece&) = default;
     CLabelPiece& operator=(const CLabelPiece&) = default;
     virtual ~CLabelPiece() = default;
+
+    // The piece as a tag or a text piece, or null: what a dynamic_cast would
+    // give, for the price of one call.
+    virtual const CTagLabelPiece* AsTag() const { return nullptr; }
+    virtual const CTextLabelPiece* AsText() const { return nullptr; }
 
     PieceRange range;
 };
@@ -40,6 +48,8 @@ public:
     CTagLabelPiece() = default;
     explicit CTagLabelPiece(TagDescriptor descriptor) : tag(std::move(descriptor)) {}
 
+    const CTagLabelPiece* AsTag() const override { return this; }
+
     TagDescriptor tag;
 };
 
@@ -47,6 +57,8 @@ class CTextLabelPiece : public CLabelPiece {
 public:
     CTextLabelPiece() = default;
     explicit CTextLabelPiece(std::u16string t) : text(std::move(t)) {}
+
+    const CTextLabelPiece* AsText() const override { return this; }
 
     std::u16string text;
     LONG inSegment = 0; // 1 if the text came between the host's segment marks
@@ -59,12 +71,25 @@ using CLabelPieceList = std::vector<std::unique_ptr<CLabelPiece>>;
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText);
+// A structural tag (opening, closing or empty by its marks) that takes over
+// its name and tag text.
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
+                                                  LONG endTag, LONG startTag);
+// The same with wide name and tag text, taken as they are.
+std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText);
+std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name, std::u16string_view tagText);
+std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::u16string_view name, std::u16string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text);
 std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text);
 
 // The tag of a piece, or null for text and plain pieces.
-const TagDescriptor* TagOf(const CLabelPiece& piece);
-const CTextLabelPiece* TextOf(const CLabelPiece& piece);
+inline const TagDescriptor* TagOf(const CLabelPiece& piece) {
+    const CTagLabelPiece* tag = piece.AsTag();
+    return tag != nullptr ? &tag->tag : nullptr;
+}
+inline const CTextLabelPiece* TextOf(const CLabelPiece& piece) {
+    return piece.AsText();
+}
 
 // A copy of the piece with its dynamic type and every field.
 std::unique_ptr<CLabelPiece> ClonePiece(const CLabelPiece& piece);

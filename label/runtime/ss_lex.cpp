@@ -19,28 +19,45 @@ SSLexLexeme* SSLex::nextLexeme() {
         state_ = 0;
         bool read = false;
         bool startRead = consumer.firstReadPending();
-        SSLexFinalState accepted = list.finalState(0);
+        // The accepting record passed last, by address: the list outlives the scan.
+        const SSLexFinalState* acceptedRecord = &list.finalState(0);
         SSLexMark acceptedMark;
-        bool marked = accepted.token != 0;
+        bool marked = acceptedRecord->token != 0;
         if (marked)
             acceptedMark = consumer.mark();
-        while (consumer.next()) {
+        std::uint32_t state = 0;
+        SSLexConsumer::WideRun run = consumer.beginWideRun();
+        for (;;) {
+            if (!run.next()) {
+                consumer.endWideRun(run);
+                const int got = consumer.next();
+                run = consumer.beginWideRun();
+                if (!got)
+                    break;
+                // Marks move only when a refill has shifted the buffer.
+                if (consumer.shift() != 0) {
+                    consumer.adjust(acceptedMark, false);
+                    consumer.adjust(contextMark_, false);
+                }
+                run.current = consumer.current();
+            }
             read = true;
-            consumer.adjust(acceptedMark, false);
-            consumer.adjust(contextMark_, false);
-            std::uint32_t next = list.transition(state_, consumer.current());
+            std::uint32_t next = list.transition(state, run.current);
             if (next == SSLexExpressionList::kNoState)
                 break;
-            state_ = next;
-            const SSLexFinalState& record = list.finalState(state_);
+            state = next;
+            const SSLexFinalState& record = list.finalState(state);
             if (record.flags & SSLexFinalState::final) {
-                acceptedMark = consumer.mark();
-                accepted = record;
+                acceptedMark = run.mark();
+                acceptedRecord = &record;
                 marked = true;
             }
             if (record.flags & SSLexFinalState::contextStart)
-                contextMark_ = consumer.mark();
+                contextMark_ = run.mark();
         }
+        consumer.endWideRun(run);
+        state_ = state;
+        const SSLexFinalState accepted = *acceptedRecord;
         consumer.adjust(acceptedMark, false);
         consumer.adjust(contextMark_, true);
         if (!read)

@@ -1,5 +1,6 @@
 #include "label/runtime/ss_lex_consumer.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -11,7 +12,7 @@ namespace tervane {
 
 SSLexConsumer::SSLexConsumer() : dbcsInfo_(rcparsedbcsinfo::instance()) {}
 
-int SSLexConsumer::next() {
+int SSLexConsumer::nextSlow() {
     if (endOfData_)
         return 0;
     if (firstRead_) {
@@ -143,9 +144,14 @@ SSLexStringConsumer::SSLexStringConsumer(std::u16string_view text) {
     } catch (const std::bad_alloc&) {
         throw SSExceptionOutOfStorage();
     }
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        buffer_[2 * i] = static_cast<std::uint8_t>(text[i] & 0xFF);
-        buffer_[2 * i + 1] = static_cast<std::uint8_t>(text[i] >> 8);
+    if constexpr (std::endian::native == std::endian::little) {
+        if (bytes)
+            std::memcpy(buffer_.data(), text.data(), bytes);
+    } else {
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            buffer_[2 * i] = static_cast<std::uint8_t>(text[i] & 0xFF);
+            buffer_[2 * i + 1] = static_cast<std::uint8_t>(text[i] >> 8);
+        }
     }
     buffer_[bytes] = 0;
     buffer_[bytes + 1] = 0;

@@ -1,9 +1,11 @@
 #pragma once
 // The character source of the lexer, with the marks by which the scan gives
 // back what it read beyond the longest match.
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <string_view>
-#include <vector>
 
 #include "label/runtime/ss_exception.h"
 
@@ -18,6 +20,44 @@ struct SSLexMark {
     std::uint32_t offset = 0;
 };
 
+// The bytes a consumer reads. A label's text fits in the object itself, so
+// that a consumer made for each label costs no allocation. Grown bytes are
+// zero; a failed growth throws std::bad_alloc and changes nothing.
+class SSLexBuffer {
+public:
+    SSLexBuffer() = default;
+    SSLexBuffer(const SSLexBuffer&) = delete;
+    SSLexBuffer& operator=(const SSLexBuffer&) = delete;
+
+    std::uint8_t* data() { return data_; }
+    const std::uint8_t* data() const { return data_; }
+    std::uint8_t& operator[](std::size_t i) { return data_[i]; }
+    std::uint8_t operator[](std::size_t i) const { return data_[i]; }
+    std::size_t size() const { return size_; }
+
+    void resize(std::size_t size) {
+        if (size > capacity_) {
+            std::size_t capacity = size > 2 * capacity_ ? size : 2 * capacity_;
+            auto grown = std::make_unique<std::uint8_t[]>(capacity);
+            std::memcpy(grown.get(), data_, size_);
+            heap_ = std::move(grown);
+            data_ = heap_.get();
+            capacity_ = capacity;
+        }
+        if (size > size_)
+            std::memset(data_ + size_, 0, size - size_);
+        size_ = size;
+    }
+
+private:
+    static constexpr std::size_t kInline = 240;
+    std::uint8_t inline_[kInline];
+    std::unique_ptr<std::uint8_t[]> heap_;
+    std::uint8_t* data_ = inline_;
+    std::size_t size_ = 0;
+    std::size_t capacity_ = kInline;
+};
+
 class SSLexConsumer : public SSExceptionPresent {
 public:
     static constexpr std::uint32_t kStartOfInput = 0xFFFFFFFF;
@@ -28,10 +68,80 @@ public:
     SSLexConsumer& operator=(const SSLexConsumer&) = delete;
     virtual ~SSLexConsumer() = default;
 
-    // Reads one character into current(); 0 at the end of the input.
-    int next();
+    // Reads one character into current(); 0 at the end of the input. The
+    // common case, a wide character inside the buffer, is read inline.
+    int next() {
+        if (type_ == kWide && !endOfData_ && !firstRead_ && index_ < end_ && end_ - index_ >= 2) {
+            const std::uint8_t* p = buffer_.data() + index_;
+            current_ = static_cast<std::uint32_t>(p[0] | (p[1] << 8));
+            index_ += 2;
+            ++consumed_;
+            if (current_ == 10) {
+                ++lineDelta_;
+                offset_ = 1;
+            } else {
+                ++offset_;
+            }
+            return 1;
+        }
+        return nextSlow();
+    }
 
     SSLexMark mark() const { return {index_, lineDelta_, offset_}; }
+
+    // next() for a scan loop, on copies of the position: while it is active
+    // (wide text, no byte-order mark or end of data pending, no shift to
+    // apply) it reads what next() would read inline from the buffer, and
+    // stops where next() would take its slow road. Begun from the consumer
+    // and put back into it before anything else uses the consumer.
+    struct WideRun {
+        const std::uint8_t* data;
+        std::uint32_t index;
+        std::uint32_t end;
+        std::uint32_t lineDelta;
+        std::uint32_t offset;
+        std::uint32_t consumed;
+        std::uint32_t current;
+        bool active;
+        bool readAny;
+
+        bool next() {
+            if (!active || index >= end || end - index < 2)
+                return false;
+            current = static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+            index += 2;
+            ++consumed;
+            if (current == 10) {
+                ++lineDelta;
+                offset = 1;
+            } else {
+                ++offset;
+            }
+            readAny = true;
+            return true;
+        }
+        SSLexMark mark() const { return {index, lineDelta, offset}; }
+    };
+    WideRun beginWideRun() const {
+        WideRun run{};
+        run.data = buffer_.data();
+        run.index = index_;
+        run.end = end_;
+        run.lineDelta = lineDelta_;
+        run.offset = offset_;
+        run.consumed = consumed_;
+        run.current = current_;
+        run.active = type_ == kWide && !endOfData_ && !firstRead_ && shift_ == 0;
+        return run;
+    }
+    void endWideRun(const WideRun& run) {
+        index_ = run.index;
+        lineDelta_ = run.lineDelta;
+        offset_ = run.offset;
+        consumed_ = run.consumed;
+        if (run.readAny)
+            current_ = run.current;
+    }
     void flushTo(const SSLexMark& mark);
     void resync();
     void adjust(SSLexMark& mark, bool clear) {
@@ -69,6 +179,8 @@ public:
     void skipLeadingNewline(SSLexMark& mark);
 
 protected:
+    int nextSlow();
+
     // For refill(): puts bytes behind the valid data, without moving end.
     void appendToBuffer(const std::uint8_t* bytes, std::uint32_t count);
 
@@ -81,7 +193,7 @@ protected:
     std::uint32_t bufferBase_ = 0;
     // Always two zero bytes longer than the valid data, so that a wide read
     // at the last byte stays inside.
-    std::vector<std::uint8_t> buffer_;
+    SSLexBuffer buffer_;
     std::uint32_t lexemeStart_ = 0;
     std::uint32_t index_ = 0;
     std::uint32_t end_ = 0;

@@ -42,13 +42,20 @@ SSLexLexeme* SSLexLexeme::create(const std::uint8_t* text, std::uint32_t length,
 
 SSLexLexeme* SSLexLexeme::create(std::u16string_view text, std::uint32_t token, std::uint32_t line,
                                  std::uint32_t offset) {
-    std::string bytes;
-    for (char16_t c : text) {
-        bytes.push_back(static_cast<char>(c & 0xFF));
-        bytes.push_back(static_cast<char>(c >> 8));
+    // The runtime's own texts are a few characters long: no heap for them.
+    std::uint8_t small[32];
+    std::string large;
+    std::uint8_t* bytes = small;
+    if (text.size() > sizeof small / 2) {
+        large.resize(text.size() * 2);
+        bytes = reinterpret_cast<std::uint8_t*>(large.data());
     }
-    return create(reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                  static_cast<std::uint32_t>(bytes.size()), false, token, line, offset, 0);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bytes[2 * i] = static_cast<std::uint8_t>(text[i] & 0xFF);
+        bytes[2 * i + 1] = static_cast<std::uint8_t>(text[i] >> 8);
+    }
+    return create(bytes, static_cast<std::uint32_t>(text.size() * 2), false, token, line, offset,
+                  0);
 }
 
 void SSLexLexeme::destroy() {

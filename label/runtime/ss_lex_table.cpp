@@ -118,8 +118,31 @@ SSLexExpressionList SSLexTableLoader::loadList(Bytes bytes, const std::string& n
             if (Word(image, at + 8) >= stateCount)
                 InvalidTable(name);
     }
+    list.buildDirect();
     *size = imageSize;
     return list;
+}
+
+void SSLexExpressionList::buildDirect() {
+    constexpr std::size_t kMaxStates = 4096;
+    constexpr std::uint64_t kMaxWork = std::uint64_t{1} << 22;
+    if (rows_.size() > kMaxStates)
+        return;
+    // Each answer searches at most the whole row.
+    std::uint64_t work = 0;
+    for (const Row& row : rows_)
+        work += (std::uint64_t{row.count} + 1) * kDirect;
+    if (work > kMaxWork)
+        return;
+    try {
+        direct_.resize(rows_.size() * kDirect);
+    } catch (const std::bad_alloc&) {
+        direct_.clear();
+        return;
+    }
+    for (std::uint32_t s = 0; s < rows_.size(); ++s)
+        for (std::uint32_t c = 0; c < kDirect; ++c)
+            direct_[std::size_t{s} * kDirect + c] = searchRow(s, c);
 }
 
 std::shared_ptr<const SSLexTable::Data> SSLexTableLoader::load(Bytes image,

@@ -51,8 +51,15 @@ public:
     std::uint32_t stateCount() const { return static_cast<std::uint32_t>(finals_.size()); }
     const SSLexFinalState& finalState(std::uint32_t state) const { return finals_[state]; }
     // The state that c leads to from state, or kNoState. Rows are searched
-    // linearly and the search gives up at the first range above c.
+    // linearly and the search gives up at the first range above c; the
+    // answers for the first characters are looked up in a table made from
+    // that search when the list was loaded.
     std::uint32_t transition(std::uint32_t state, std::uint32_t c) const {
+        if (c < kDirect && !direct_.empty())
+            return direct_[std::size_t{state} * kDirect + c];
+        return searchRow(state, c);
+    }
+    std::uint32_t searchRow(std::uint32_t state, std::uint32_t c) const {
         const Row& row = rows_[state];
         const std::uint8_t* t = image_.data() + row.first;
         for (std::uint32_t i = 0; i < row.count; ++i, t += 12) {
@@ -69,8 +76,14 @@ public:
         return {Load(t), Load(t + 4), Load(t + 8)};
     }
 
+    static constexpr std::uint32_t kDirect = 128;
+
 private:
     friend class SSLexTableLoader;
+    // Fills direct_ unless the list is too big for it (damaged or unusual
+    // tables only), in which case every move is searched.
+    void buildDirect();
+
     static std::uint32_t Load(const std::uint8_t* p) {
         return static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
                (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24);
@@ -82,6 +95,7 @@ private:
     std::vector<std::uint8_t> image_;
     std::vector<SSLexFinalState> finals_;
     std::vector<Row> rows_;
+    std::vector<std::uint32_t> direct_; // kDirect moves a state, or empty
 };
 
 struct SSLexKeyword {

@@ -1,5 +1,6 @@
 #include "platform/com/class_objects.h"
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -27,6 +28,45 @@ ClassTable& Table() {
     static ClassTable table;
     return table;
 }
+
+// Bumped by every registration and revocation, so that a thread's memory of
+// earlier lookups (below) knows when it may be stale.
+std::atomic<unsigned> registrationGeneration{1};
+
+// The class factories this thread found last, with the references they hold:
+// a host creates the same few items once per event.
+struct FactoryMemo {
+    struct Entry {
+        CLSID clsid;
+        CLSCTX context = 0;
+        ComPtr<IClassFactory> factory;
+    };
+    static constexpr std::size_t kEntries = 4;
+    unsigned generation = 0;
+    Entry entries[kEntries];
+    std::size_t next = 0;
+
+    IClassFactory* Find(REFCLSID clsid, CLSCTX context) {
+        unsigned now = registrationGeneration.load(std::memory_order_acquire);
+        if (generation != now) {
+            for (Entry& entry : entries)
+                entry = Entry{};
+            generation = now;
+            return nullptr;
+        }
+        for (Entry& entry : entries)
+            if (entry.factory && entry.context == context && entry.clsid == clsid)
+                return entry.factory.get();
+        return nullptr;
+    }
+    void Remember(REFCLSID clsid, CLSCTX context, IClassFactory* factory, unsigned seen) {
+        if (seen != generation || seen != registrationGeneration.load(std::memory_order_acquire))
+            return;
+        entries[next] = Entry{clsid, context, ComPtr<IClassFactory>(factory)};
+        next = (next + 1) % kEntries;
+    }
+};
+thread_local FactoryMemo factoryMemo;
 
 // The class objects that the process registered; the registry store's shared
 // modules (InprocServer32, DllGetClassObject) come after them once they exist.
@@ -72,6 +112,7 @@ HRESULT CoRegisterClassObject(REFCLSID clsid, IUnknown* classObject, CLSCTX cont
     std::lock_guard guard(table.lock);
     DWORD id = table.nextCookie++;
     table.registrations.push_back({id, clsid, context, ComPtr<IUnknown>(classObject)});
+    tervane::registrationGeneration.fetch_add(1, std::memory_order_acq_rel);
     *cookie = id;
     return S_OK;
 }
@@ -87,6 +128,7 @@ HRESULT CoRevokeClassObject(DWORD cookie) {
                 // Released outside the lock: its final release may call back.
                 released = std::move(it->classObject);
                 list.erase(it);
+                tervane::registrationGeneration.fetch_add(1, std::memory_order_acq_rel);
                 return S_OK;
             }
     }
@@ -109,11 +151,16 @@ HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, CLSCTX context, REFIID
     if (object == nullptr)
         return E_POINTER;
     *object = nullptr;
+    tervane::FactoryMemo& memo = tervane::factoryMemo;
+    if (IClassFactory* known = memo.Find(clsid, context))
+        return known->CreateInstance(outer, riid, object);
+    unsigned seen = memo.generation;
     ComPtr<IClassFactory> factory;
     HRESULT hr =
         CoGetClassObject(clsid, context, nullptr, IID_IClassFactory, factory.ReceiveVoid());
     if (FAILED(hr))
         return hr;
+    memo.Remember(clsid, context, factory.get(), seen);
     return factory->CreateInstance(outer, riid, object);
 }
 

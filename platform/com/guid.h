@@ -4,9 +4,12 @@
 // identifiers can be written in the form everybody reads.
 #include <array>
 #include <compare>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "platform/win32/types.h"
 
@@ -16,10 +19,20 @@ struct GUID {
     WORD Data3 = 0;
     std::array<BYTE, 8> Data4{};
 
-    friend constexpr bool operator==(const GUID&, const GUID&) = default;
+    // Two words at run time: identifiers are compared on every creation and
+    // interface query.
+    friend constexpr bool operator==(const GUID& a, const GUID& b) {
+        if (std::is_constant_evaluated())
+            return a.Data1 == b.Data1 && a.Data2 == b.Data2 && a.Data3 == b.Data3 &&
+                   a.Data4 == b.Data4;
+        std::uint64_t wa[2], wb[2];
+        std::memcpy(wa, &a, sizeof wa);
+        std::memcpy(wb, &b, sizeof wb);
+        return ((wa[0] ^ wb[0]) | (wa[1] ^ wb[1])) == 0;
+    }
     friend constexpr auto operator<=>(const GUID&, const GUID&) = default;
 };
-static_assert(sizeof(GUID) == 16);
+static_assert(sizeof(GUID) == 16 && std::has_unique_object_representations_v<GUID>);
 
 using IID = GUID;
 using CLSID = GUID;

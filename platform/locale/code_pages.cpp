@@ -259,6 +259,13 @@ namespace tervane {
 std::u16string Widen(std::string_view text, UINT codePage) {
     if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX))
         return {};
+    // The conversion's own result, in one pass without measuring first.
+    if (Resolve(codePage) == CP_UTF8) {
+        std::u16string result;
+        result.reserve(text.size());
+        locale::AppendUtf16(result, text);
+        return result;
+    }
     const int length = static_cast<int>(text.size());
     const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
     if (needed <= 0)
@@ -272,6 +279,12 @@ std::string Narrow(std::u16string_view text, UINT codePage) {
     // A third of INT_MAX: three bytes a unit must still count in an int.
     if (text.empty() || text.size() > static_cast<std::size_t>(INT_MAX / 3))
         return {};
+    if (Resolve(codePage) == CP_UTF8) {
+        std::string result;
+        result.reserve(text.size());
+        locale::AppendUtf8(result, text);
+        return result;
+    }
     const int length = static_cast<int>(text.size());
     const int needed =
         WideCharToMultiByte(codePage, 0, text.data(), length, nullptr, 0, nullptr, nullptr);

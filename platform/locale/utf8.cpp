@@ -1,5 +1,7 @@
 #include "platform/locale/utf8.h"
 
+#include <algorithm>
+
 namespace tervane::locale {
 
 char32_t DecodeUtf8(std::string_view text, std::size_t& pos) {
@@ -65,6 +67,51 @@ int EncodeUtf8(char32_t c, char* out) {
     out[2] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
     out[3] = static_cast<char>(0x80 | (c & 0x3F));
     return 4;
+}
+
+void AppendUtf8(std::string& out, std::u16string_view text) {
+    // Runs of ASCII are narrowed on the stack and appended at once.
+    char buffer[256];
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const std::size_t chunk = std::min(text.size() - i, sizeof buffer);
+        std::size_t k = 0;
+        while (k < chunk && text[i + k] < 0x80) {
+            buffer[k] = static_cast<char>(text[i + k]);
+            ++k;
+        }
+        out.append(buffer, k);
+        i += k;
+        if (k == chunk)
+            continue;
+        char32_t c = text[i++];
+        if (c >= 0xD800 && c <= 0xDBFF && i < text.size() && text[i] >= 0xDC00 &&
+            text[i] <= 0xDFFF) {
+            c = 0x10000 + ((c - 0xD800) << 10) + (text[i++] - 0xDC00);
+        } else if (c >= 0xD800 && c <= 0xDFFF) {
+            c = 0xFFFD;
+        }
+        out.append(buffer, static_cast<std::size_t>(EncodeUtf8(c, buffer)));
+    }
+}
+
+void AppendUtf16(std::u16string& out, std::string_view text) {
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        if (static_cast<unsigned char>(text[pos]) < 0x80) {
+            out.push_back(static_cast<char16_t>(text[pos++]));
+            continue;
+        }
+        const char32_t c = DecodeUtf8(text, pos);
+        if (c == kUtf8Invalid) {
+            out.push_back(0xFFFD);
+        } else if (c >= 0x10000) {
+            out.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+        } else {
+            out.push_back(static_cast<char16_t>(c));
+        }
+    }
 }
 
 } // namespace tervane::locale

@@ -3,6 +3,7 @@
 // stands for one U+FFFD, cut where the first byte that cannot continue it
 // begins (an overlong or surrogate form ends at its second byte).
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace tervane::locale {
@@ -15,5 +16,11 @@ char32_t DecodeUtf8(std::string_view text, std::size_t& pos);
 
 // Writes the UTF-8 form of a scalar value into out (room for 4) and gives its length.
 int EncodeUtf8(char32_t c, char* out);
+
+// Appends the UTF-8 form of UTF-16 text; a lone surrogate becomes U+FFFD.
+void AppendUtf8(std::string& out, std::u16string_view text);
+
+// Appends the UTF-16 form of UTF-8 text, each ill-formed part one U+FFFD.
+void AppendUtf16(std::u16string& out, std::string_view text);
 
 } // namespace tervane::locale

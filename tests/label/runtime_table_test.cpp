@@ -236,5 +236,48 @@ TEST(TableResources, StringTableScansAPercentWithABlank) {
                         {51, u"50"}, {53, u"% o"}, {51, u"ff"}}));
 }
 
+// Moves on the first characters are looked up rather than searched: they
+// must be what the search of the stored row gives, including a row that
+// gives up at the first range above the character.
+TEST(TableResources, LookedUpMovesAreTheRowSearchs) {
+    for (const char* name : {"StringResParse", "MenuResParse", "DialogResParse"}) {
+        SSLexTable table(TervaneModuleHandle(), name, "SSLexTable");
+        for (std::uint32_t l = 0; l < table.listCount(); ++l) {
+            const SSLexExpressionList& list = *table.expressionList(l);
+            for (std::uint32_t state = 0; state < list.stateCount(); ++state) {
+                for (std::uint32_t c = 0; c < 0x200; ++c) {
+                    std::uint32_t expected = SSLexExpressionList::kNoState;
+                    for (std::uint32_t i = 0; i < list.rowLength(state); ++i) {
+                        SSLexTransition t = list.rowEntry(state, i);
+                        if (c < t.low)
+                            break;
+                        if (c <= t.high) {
+                            expected = t.next;
+                            break;
+                        }
+                    }
+                    ASSERT_EQ(list.transition(state, c), expected)
+                        << name << " list " << l << " state " << state << " char " << c;
+                }
+            }
+        }
+    }
+}
+
+TEST(TableResources, ATextLongerThanTheConsumersOwnRoomScansWhole) {
+    SSLexTable table(TervaneModuleHandle(), "STRINGRESPARSE", "SSLEXTABLE");
+    std::u16string text(1000, u'x');
+    text[500] = u'%';
+    text[501] = u's';
+    SSLexStringConsumer consumer(text);
+    SSLex lex(&consumer, &table);
+    std::vector<std::pair<std::uint32_t, std::u16string>> seen;
+    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
+        seen.emplace_back(lexeme->token(), std::u16string(lexeme->wideText()));
+    EXPECT_EQ(seen,
+              (std::vector<std::pair<std::uint32_t, std::u16string>>{
+                  {51, std::u16string(500, u'x')}, {53, u"%s"}, {51, std::u16string(498, u'x')}}));
+}
+
 } // namespace
 } // namespace tervane::test

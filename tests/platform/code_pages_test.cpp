@@ -308,4 +308,44 @@ TEST(CodePages, ThreadsShareTheTables) {
         EXPECT_EQ(result, expected);
 }
 
+// The whole-string helpers take a shorter road for UTF-8 and must land where
+// the conversion calls do, ill-formed input included.
+TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
+    const std::u16string wide[] = {u"plain ASCII",
+                                   u"caf\u00e9 \u65e5\u672c",
+                                   u"\U0001F600 pair",
+                                   std::u16string(1, char16_t(0xD800)) + u"lone high",
+                                   u"lone low " + std::u16string(1, char16_t(0xDC00)),
+                                   u"ab" + std::u16string(1, char16_t(0xDBFF)),
+                                   std::u16string(u"nul\0inside", 11),
+                                   std::u16string(300, u'\u00fc')};
+    for (const std::u16string& text : wide) {
+        const int length = static_cast<int>(text.size());
+        const int needed =
+            WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+        std::string expected(static_cast<std::size_t>(needed), '\0');
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, expected.data(), needed, nullptr,
+                            nullptr);
+        EXPECT_EQ(tervane::Narrow(text, CP_UTF8), expected) << Hex(text);
+        EXPECT_EQ(tervane::Narrow(text), expected) << Hex(text);
+    }
+    const std::string narrow[] = {"plain",
+                                  "caf\xc3\xa9",
+                                  "\xf0\x9f\x98\x80",
+                                  "cut \xe6\x97",
+                                  "\xc0\xaf overlong",
+                                  "\xed\xa0\x80 surrogate",
+                                  "\xff\xfe",
+                                  std::string("nul\0x", 5),
+                                  "\xf4\x90\x80\x80 beyond"};
+    for (const std::string& text : narrow) {
+        const int length = static_cast<int>(text.size());
+        const int needed = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
+        std::u16string expected(static_cast<std::size_t>(needed), u'\0');
+        MultiByteToWideChar(CP_UTF8, 0, text.data(), length, expected.data(), needed);
+        EXPECT_EQ(tervane::Widen(text, CP_UTF8), expected) << Hex(text);
+        EXPECT_EQ(tervane::Widen(text, CP_THREAD_ACP), expected) << Hex(text);
+    }
+}
+
 } // namespace

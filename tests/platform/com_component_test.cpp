@@ -1,10 +1,13 @@
 // Identity, counts and aggregation of components, and creation by class.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/component.h"
 #include "platform/com/dispatch.h"
+#include "platform/com/pooled_factory.h"
 
 namespace tervane {
 namespace {
@@ -248,6 +251,93 @@ TEST(Component, ProgIdsByClass) {
     EXPECT_FALSE(ProgIdOf(clsid));
     RegisterProgId(clsid, u"Zelkor.Test.1");
     EXPECT_EQ(ProgIdOf(clsid), u"Zelkor.Test.1");
+}
+
+// A recycled object: its value shows whether it was cleared.
+class Counter : public ComObjectRoot, public IAlpha {
+public:
+    static InterfaceMap<Counter> Interfaces() {
+        static const InterfaceEntry<Counter> map[] = {Entry<Counter, IAlpha>()};
+        return map;
+    }
+    HRESULT Value(LONG* out) override {
+        *out = value_++;
+        return S_OK;
+    }
+    void Clear() { value_ = 0; }
+
+private:
+    LONG value_ = 0;
+};
+
+TEST(Component, PooledObjectsComeBackClearedAndHoldTheModuleWhileAlive) {
+    IClassFactory* factory = CachedPooledClassFactory<Counter>();
+    ASSERT_NE(factory, nullptr);
+    EXPECT_EQ(CachedPooledClassFactory<Counter>(), factory);
+    const LONG locks = ModuleLockCount();
+
+    std::vector<ComPtr<IAlpha>> live(PooledClassFactory<Counter>::kKept + 3);
+    for (auto& item : live) {
+        ASSERT_EQ(factory->CreateInstance(nullptr, IAlpha::iid, item.ReceiveVoid()), S_OK);
+        LONG value = -1;
+        item->Value(&value);
+        EXPECT_EQ(value, 0) << "every object starts cleared";
+        item->Value(&value);
+    }
+    EXPECT_EQ(ModuleLockCount(), locks + static_cast<LONG>(live.size()));
+    live.clear();
+    EXPECT_EQ(ModuleLockCount(), locks);
+    EXPECT_EQ(PooledClassFactory<Counter>::Kept(), PooledClassFactory<Counter>::kKept);
+
+    ComPtr<IUnknown> again;
+    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, again.ReceiveVoid()), S_OK);
+    ComPtr<IAlpha> alpha;
+    ASSERT_EQ(again.As(alpha), S_OK);
+    LONG value = -1;
+    alpha->Value(&value);
+    EXPECT_EQ(value, 0);
+    EXPECT_EQ(Count(alpha.get()), 2u);
+    EXPECT_NE(PooledClassFactory<Counter>::Kept(), PooledClassFactory<Counter>::kKept)
+        << "taken from the pool, not made anew";
+
+    EXPECT_EQ(factory->CreateInstance(nullptr, INever::iid, again.ReceiveVoid()), E_NOINTERFACE);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IAlpha::iid, nullptr), E_POINTER);
+    Outer outer;
+    void* aggregated = &outer;
+    EXPECT_EQ(factory->CreateInstance(&outer, IAlpha::iid, &aggregated), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(aggregated, nullptr);
+}
+
+// A class registered again after a revocation is served by its new class
+// object, although the previous one was found (and remembered) before.
+TEST(Component, CoCreateInstanceFollowsRegistrationsAndRevocations) {
+    const CLSID clsid = MakeGuid("{11111111-0000-0000-0000-0000000000C2}");
+    auto valueOf = [&](HRESULT expected) {
+        ComPtr<IAlpha> alpha;
+        EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IAlpha::iid, alpha.ReceiveVoid()),
+                  expected);
+        LONG value = -1;
+        if (alpha)
+            alpha->Value(&value);
+        return value;
+    };
+    ComPtr<IClassFactory> widgets;
+    ASSERT_EQ(CreateClassFactory<Widget>(widgets.Receive()), S_OK);
+    DWORD cookie = 0;
+    ASSERT_EQ(CoRegisterClassObject(clsid, widgets.get(), CLSCTX_INPROC_SERVER, 0, &cookie), S_OK);
+    EXPECT_EQ(valueOf(S_OK), 7);
+    EXPECT_EQ(valueOf(S_OK), 7);
+    ASSERT_EQ(CoRevokeClassObject(cookie), S_OK);
+    EXPECT_EQ(valueOf(REGDB_E_CLASSNOTREG), -1);
+
+    ASSERT_EQ(CoRegisterClassObject(clsid, CachedPooledClassFactory<Counter>(),
+                                    CLSCTX_INPROC_SERVER, 0, &cookie),
+              S_OK);
+    EXPECT_EQ(valueOf(S_OK), 0);
+    ASSERT_EQ(CoRevokeClassObject(cookie), S_OK);
+    ASSERT_EQ(CoRegisterClassObject(clsid, widgets.get(), CLSCTX_INPROC_SERVER, 0, &cookie), S_OK);
+    EXPECT_EQ(valueOf(S_OK), 7);
+    ASSERT_EQ(CoRevokeClassObject(cookie), S_OK);
 }
 
 } // namespace

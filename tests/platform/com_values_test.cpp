@@ -122,6 +122,51 @@ TEST(Bstr, ReallocationMayCopyFromItself) {
     SysFreeString(s);
 }
 
+// Freed strings are kept and handed out again, and a reallocation that fits
+// stays in place: lengths around the kept sizes must still come back exact,
+// terminated, and zeroed where no source was given.
+TEST(Bstr, ReusedAndReallocatedStringsAreExact) {
+    const UINT lengths[] = {0, 1, 9, 10, 11, 25, 26, 27, 57, 58, 59, 121, 122, 123, 400};
+    for (UINT length : lengths) {
+        SCOPED_TRACE(length);
+        std::u16string text(length, u'q');
+        for (UINT i = 0; i < length; ++i)
+            text[i] = static_cast<char16_t>(u'a' + i % 26);
+        // Dirty blocks of every size go back first.
+        for (UINT dirty : lengths)
+            SysFreeString(SysAllocStringLen(std::u16string(dirty, u'#').data(), dirty));
+
+        BSTR blank = SysAllocStringLen(nullptr, length);
+        ASSERT_NE(blank, nullptr);
+        EXPECT_EQ(std::u16string(blank, SysStringLen(blank)), std::u16string(length, u'\0'));
+        EXPECT_EQ(blank[length], u'\0');
+
+        for (UINT other : lengths) {
+            ASSERT_TRUE(SysReAllocStringLen(&blank, text.data(), length));
+            ASSERT_TRUE(SysReAllocStringLen(&blank, nullptr, other));
+            EXPECT_EQ(SysStringLen(blank), other);
+            EXPECT_EQ(std::u16string(blank, other), std::u16string(other, u'\0'));
+            ASSERT_TRUE(SysReAllocStringLen(&blank, text.data(), length));
+            EXPECT_EQ(std::u16string(blank, SysStringLen(blank)), text);
+            EXPECT_EQ(blank[length], u'\0');
+        }
+        // Shrinking in place from the string's own tail.
+        if (length > 2) {
+            ASSERT_TRUE(SysReAllocStringLen(&blank, blank + 2, length - 2));
+            EXPECT_EQ(std::u16string(blank, SysStringLen(blank)), text.substr(2));
+            EXPECT_EQ(blank[length - 2], u'\0');
+        }
+        SysFreeString(blank);
+
+        BSTR odd =
+            SysAllocStringByteLen(reinterpret_cast<const char*>(text.data()), 2 * length + 1);
+        ASSERT_NE(odd, nullptr);
+        EXPECT_EQ(SysStringByteLen(odd), 2 * length + 1);
+        EXPECT_EQ(reinterpret_cast<const char*>(odd)[2 * length + 1], '\0');
+        SysFreeString(odd);
+    }
+}
+
 TEST(Bstr, OwnerCopiesMovesAndReceives) {
     Bstr a(std::u16string_view(u"x\0y", 3));
     Bstr b = a;
