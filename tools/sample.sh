@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds, and runs the main job on the built-in sample executable:
-# its resources, then the tagged document of what the filter reads so far.
+# its resources, then the tagged document of its strings, menus, dialogs and
+# version values.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 bash "$root/tools/setup.sh"
