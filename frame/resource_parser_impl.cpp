@@ -13,6 +13,7 @@
 #include "model/string_block.h"
 #include "model/version_info_resource.h"
 #include "platform/com/com_error.h"
+#include "platform/diag/trace_sink.h"
 #include "platform/files/file_calls.h"
 #include "platform/locale/code_pages.h"
 #include "platform/locale/locale_info.h"
@@ -42,6 +43,17 @@ std::string TrimmedIdentifier(std::string text) {
     return text.substr(begin, end - begin);
 }
 
+// CheckLastError's answer, without building its context text when all is well.
+bool Failed(const char* context) {
+    return GetLastError() != 0 && CheckLastError(context) != 0;
+}
+
+// Traces are formatted only for a reader: a sink attached, or one that the
+// environment attaches at the first trace.
+bool Tracing() {
+    return TraceAttached() || std::getenv(kTraceVariable) != nullptr;
+}
+
 } // namespace
 
 CResourceParserImpl::CResourceParserImpl() {
@@ -59,6 +71,7 @@ void CResourceParserImpl::FreeModule() {
     if (module_ != nullptr)
         FreeLibrary(module_);
     module_ = nullptr;
+    found_.clear();
 }
 
 void CResourceParserImpl::SetHost(IFilterHost* host) {
@@ -110,6 +123,7 @@ void CResourceParserImpl::IsFileExist() {
 }
 
 int CResourceParserImpl::EnumerateResources() {
+    tracing_ = Tracing();
     EnumResourceTypesA(module_, &TypeCallback, reinterpret_cast<LONG_PTR>(this));
     return 0;
 }
@@ -148,12 +162,19 @@ void CResourceParserImpl::AddResource(const ResName& type, const ResName& name, 
     resource->codePage = GetCodePage(language);
     resource->name = name;
     resource->identifierText = TrimmedIdentifier(name.ToString());
-    resource->size = GetSizeofResource(*resource);
+    const HRSRC info = FindInfo(*resource);
+    resource->size = SizeofResource(module_, info);
     if (type.Ordinal() == kMenuType)
-        ReadMenuHeader(*resource);
+        ReadMenuHeader(*resource, info);
     const long typeNumber = type.Ordinal();
     CResource& added = *resource;
+    // Entries stand at the place of their resource; any other place found
+    // empty is looked up again when extracted.
+    found_.resize(resources_.size());
+    found_.push_back({type.Ordinal(), name, language, info});
     resources_.push_back(std::move(resource));
+    if (!tracing_)
+        return;
     char buffer[512];
     std::snprintf(buffer, sizeof buffer, "Enumerating the resource %ld id = %s language id = %ld\n",
                   typeNumber, added.identifierText.c_str(), static_cast<long>(language));
@@ -168,24 +189,33 @@ WORD CResourceParserImpl::GetCodePage(WORD language) {
     return static_cast<WORD>(std::atoi(buffer));
 }
 
-DWORD CResourceParserImpl::GetSizeofResource(CResource& resource) {
+HRSRC CResourceParserImpl::FindInfo(const CResource& resource) {
     SetLastError(0);
     HRSRC info = FindResourceExA(module_, ResName(GetResourceType(resource)), resource.name,
                                  resource.language);
     static const char* const kContext = "CResourceParserImpl::GetSizeofResource";
-    if (CheckLastError(kContext))
+    if (Failed(kContext))
         throw TervaneFilterException(kContext);
-    return SizeofResource(module_, info);
+    return info;
+}
+
+DWORD CResourceParserImpl::GetSizeofResource(CResource& resource) {
+    return SizeofResource(module_, FindInfo(resource));
 }
 
 bool CResourceParserImpl::ReadMenuHeader(CResource& resource) {
     auto& menu = static_cast<CMenuResource&>(resource);
+    return ReadMenuHeader(resource,
+                          FindResourceExA(module_, ResName(kMenuType), menu.name, menu.language));
+}
+
+bool CResourceParserImpl::ReadMenuHeader(CResource& resource, HRSRC info) {
+    auto& menu = static_cast<CMenuResource&>(resource);
     static const char* const kContext = "CResourceParserImpl::GetResourceBuffer";
-    HRSRC info = FindResourceExA(module_, ResName(kMenuType), menu.name, menu.language);
     HGLOBAL loaded = LoadResource(module_, info);
-    CheckLastError(kContext);
+    Failed(kContext);
     const void* data = LockResource(loaded);
-    CheckLastError(kContext);
+    Failed(kContext);
     // Without the bytes there is no header to read; the menu keeps an empty one.
     if (data == nullptr)
         return true;
@@ -219,15 +249,39 @@ WORD CResourceParserImpl::GetResourceType(const CResource& resource) {
 }
 
 int CResourceParserImpl::GetResourceBuffer(CResource& resource) {
-    static const char* const kContext = "CResourceParserImpl::GetResourceBuffer";
     SetLastError(0);
-    resourceInfo_ = FindResourceExA(module_, ResName(GetResourceType(resource)), resource.name,
-                                    resource.language);
+    return LoadBuffer(FindResourceExA(module_, ResName(GetResourceType(resource)), resource.name,
+                                      resource.language));
+}
+
+HRSRC CResourceParserImpl::Remembered(const CResource& resource, std::size_t place,
+                                      WORD type) const {
+    if (place >= found_.size())
+        return nullptr;
+    const Found& found = found_[place];
+    if (found.type != type || found.language != resource.language || found.name != resource.name)
+        return nullptr;
+    return found.info;
+}
+
+int CResourceParserImpl::GetResourceBuffer(CResource& resource, std::size_t place, WORD type) {
+    // The enumeration found it in this module already: the same search gives the same answer.
+    if (HRSRC info = Remembered(resource, place, type)) {
+        SetLastError(0);
+        return LoadBuffer(info);
+    }
+    return GetResourceBuffer(resource);
+}
+
+// Whatever failed since the last error was cleared fails the load.
+int CResourceParserImpl::LoadBuffer(HRSRC info) {
+    static const char* const kContext = "CResourceParserImpl::GetResourceBuffer";
+    resourceInfo_ = info;
     resourceHandle_ = LoadResource(module_, resourceInfo_);
-    if (CheckLastError(kContext))
+    if (Failed(kContext))
         return 1;
     const void* data = LockResource(resourceHandle_);
-    if (CheckLastError(kContext))
+    if (Failed(kContext))
         return 1;
     resourceBytes_ = Bytes(static_cast<const std::uint8_t*>(data),
                            data ? SizeofResource(module_, resourceInfo_) : 0);
@@ -246,6 +300,7 @@ void CResourceParserImpl::ReportProgress() {
 HRESULT CResourceParserImpl::ExtractResources(long emit) {
     try {
         Trace("Forward conversion started.....\n");
+        const bool tracing = Tracing();
         total_ = static_cast<double>(static_cast<unsigned long>(resources_.size()));
         done_ = 0;
         if (resources_.empty())
@@ -254,13 +309,14 @@ HRESULT CResourceParserImpl::ExtractResources(long emit) {
 
         // Dialogs read their init data, so all of it comes first.
         long dlgInits = 0;
-        for (auto it = resources_.rbegin(); it != resources_.rend(); ++it) {
-            CResource& resource = **it;
+        for (std::size_t place = resources_.size(); place-- > 0;) {
+            CResource& resource = *resources_[place];
             if (GetResourceType(resource) != kDlgInitType)
                 continue;
             ++dlgInits;
-            Trace(Format("Extracting DlgInit resource %ld .....\n", dlgInits));
-            if (GetResourceBuffer(resource))
+            if (tracing)
+                Trace(Format("Extracting DlgInit resource %ld .....\n", dlgInits));
+            if (GetResourceBuffer(resource, place, kDlgInitType))
                 return E_ACCESSDENIED;
             std::unique_ptr<CResourceCommand> command = CreateCommand(kDlgInitType);
             command->Execute(resourceBytes_, &resource);
@@ -281,24 +337,27 @@ HRESULT CResourceParserImpl::ExtractResources(long emit) {
         while (next < resources_.size()) {
             std::size_t taken = 0;
             while (taken < batch && next < resources_.size()) {
-                CResource& resource = *resources_[next++];
+                const std::size_t place = next++;
+                CResource& resource = *resources_[place];
                 ++taken;
                 const WORD type = GetResourceType(resource);
                 if (type == kDlgInitType) {
                     work.push_back(&resource);
                     continue;
                 }
-                if (GetResourceBuffer(resource))
+                if (GetResourceBuffer(resource, place, type))
                     return E_ACCESSDENIED;
                 std::unique_ptr<CResourceCommand> command = CreateCommand(type);
                 CResource* result = command->Execute(resourceBytes_, &resource);
-                Trace(Format("Extracting resource %ld .....\n", type));
+                if (tracing)
+                    Trace(Format("Extracting resource %ld .....\n", type));
                 work.push_back(result);
                 if (progressWanted_)
                     ReportProgress();
             }
             for (CResource* resource : work) {
-                Trace(Format("Displaying resource %ld .....\n", GetResourceType(*resource)));
+                if (tracing)
+                    Trace(Format("Displaying resource %ld .....\n", GetResourceType(*resource)));
                 if (emit)
                     resource->Accept(visitor);
             }

@@ -54,6 +54,14 @@ private:
                                  WORD language, LONG_PTR context);
     void AddResource(const ResName& type, const ResName& name, WORD language);
     HRESULT Load(const char* context);
+    // The resource's place in the module, or a failure with the last error.
+    HRSRC FindInfo(const CResource& resource);
+    bool ReadMenuHeader(CResource& menu, HRSRC info);
+    // The enumeration's answer for the resource at place, or null when the
+    // list has changed since.
+    HRSRC Remembered(const CResource& resource, std::size_t place, WORD type) const;
+    int GetResourceBuffer(CResource& resource, std::size_t place, WORD type);
+    int LoadBuffer(HRSRC info);
     void ReportProgress();
     void FreeModule();
 
@@ -69,6 +77,15 @@ private:
     HRSRC resourceInfo_ = nullptr;
     HGLOBAL resourceHandle_ = nullptr;
     Bytes resourceBytes_;
+    // What the enumeration found, at the places of resources_; cleared with the module.
+    struct Found {
+        WORD type = 0;
+        ResName name;
+        WORD language = 0;
+        HRSRC info = nullptr;
+    };
+    std::vector<Found> found_;
+    bool tracing_ = false;
 };
 
 } // namespace tervane

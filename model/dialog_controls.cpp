@@ -1,6 +1,9 @@
 #include "model/dialog_controls.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <utility>
 
 namespace tervane {
 
@@ -21,6 +24,12 @@ constexpr StyleMark kStyleMarks[] = {
     {kStaticClass, 0x0080, "SS_NOPREFIX"},     {kComboBoxClass, 0x2000, "CBS_UPPERCASE"},
     {kComboBoxClass, 0x4000, "CBS_LOWERCASE"},
 };
+
+void AppendNumber(std::string& out, long value) {
+    char digits[24];
+    char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    out += std::string_view(digits, static_cast<std::size_t>(end - digits));
+}
 
 } // namespace
 
@@ -60,20 +69,36 @@ std::string GetStyleMarks(WORD classOrdinal, DWORD style) {
 }
 
 std::string ControlTagBody(const DialogControl& control, bool withHidden) {
-    std::string id;
-    if (control.id != kNoId)
-        id = " id=\"" + std::to_string(control.id) + "\"";
-    char place[96];
-    std::snprintf(place, sizeof place, " x=\"%ld\" y=\"%ld\" width=\"%ld\" height=\"%ld\"",
-                  static_cast<long>(control.x), static_cast<long>(control.y),
-                  static_cast<long>(control.width), static_cast<long>(control.height));
-    std::string body = GetControlKind(control.classOrdinal, control.style);
+    std::string body;
+    body.reserve(128);
+    body += GetControlKind(control.classOrdinal, control.style);
     body += GetStyleMarks(control.classOrdinal, control.style);
-    body += place;
-    body += id;
+    const std::pair<const char*, long> place[] = {{" x=\"", control.x},
+                                                  {" y=\"", control.y},
+                                                  {" width=\"", control.width},
+                                                  {" height=\"", control.height}};
+    for (const auto& [name, value] : place) {
+        body += name;
+        AppendNumber(body, value);
+        body += '"';
+    }
+    if (control.id != kNoId) {
+        body += " id=\"";
+        AppendNumber(body, control.id);
+        body += '"';
+    }
     if (withHidden && !(control.style & kVisible))
         body += " hidden=\"yes\"";
     return body;
+}
+
+std::u16string ControlStartTag(const DialogControl& control, bool withHidden) {
+    // All of the body is ASCII, which widens unit for unit.
+    const std::string body = ControlTagBody(control, withHidden);
+    std::u16string tag(body.size() + 2, u'<');
+    std::copy(body.begin(), body.end(), tag.begin() + 1);
+    tag.back() = u'>';
+    return tag;
 }
 
 std::string DialogTagBody(const std::string& identifier) {

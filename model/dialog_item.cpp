@@ -59,6 +59,11 @@ std::u16string TitleText(const OptionalText& title) {
     return title ? title->substr(0, kMaxTitleLength) : std::u16string();
 }
 
+// The kinds are ASCII words.
+std::u16string WideKind(std::string_view kind) {
+    return std::u16string(kind.begin(), kind.end());
+}
+
 UINT AnsiCodePage(WORD language) {
     char buffer[8] = {};
     if (GetLocaleInfoA(language, LOCALE_IDEFAULTANSICODEPAGE, buffer, sizeof buffer) == 0)
@@ -73,18 +78,31 @@ CDialogItem::~CDialogItem() = default;
 CDialogItem::CDialogItem(CDialogItem&&) noexcept = default;
 CDialogItem& CDialogItem::operator=(CDialogItem&&) noexcept = default;
 
-void CDialogItem::AppendOpen(const char* name, const std::string& body) {
-    pieces.push_back(MakeOpenTag(name, "<" + body + ">"));
+void CDialogItem::AppendOpen(std::u16string_view name, std::u16string tagText) {
+    pieces.push_back(MakeStructuralTag(std::u16string(name), std::move(tagText), 0, 1));
 }
 
-void CDialogItem::AppendClose(const char* name) {
-    pieces.push_back(MakeCloseTag(name, std::string("</") + name + ">"));
+void CDialogItem::AppendClose(std::u16string_view name) {
+    std::u16string tagText;
+    tagText.reserve(name.size() + 3);
+    tagText += u"</";
+    tagText += name;
+    tagText += u'>';
+    pieces.push_back(MakeStructuralTag(std::u16string(name), std::move(tagText), 1, 0));
 }
 
 void CDialogItem::AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption) {
-    AppendOpen("caption", "caption");
+    AppendOpen(u"caption", u"<caption>");
     AnalyseDialogText(title, marks, isCaption);
-    AppendClose("caption");
+    AppendClose(u"caption");
+}
+
+void CDialogItem::AppendDialogOpen() {
+    // The identifier may hold any narrow text: widened as the whole tag is.
+    std::string tagText = "<";
+    tagText += DialogTagBody(identifier);
+    tagText += '>';
+    pieces.push_back(MakeOpenTag("dialog", tagText));
 }
 
 void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WORD languageId) {
@@ -94,7 +112,6 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
 
     CDialogTemplateReader reader;
     header = reader.ReadHeader(data);
-    parser = std::make_unique<CLabelParser>();
     const std::u16string title = TitleText(header.title);
 
     if (header.itemCount == 0) {
@@ -103,18 +120,18 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
             skipped = 1;
             return;
         }
-        AppendOpen("dialog", DialogTagBody(identifier));
+        AppendDialogOpen();
         AppendCaption(title, {}, true);
-        AppendClose("dialog");
+        AppendClose(u"dialog");
         return;
     }
     if (header.itemCount > kMaxDialogControls)
         throw CParserException(kCorruptedDocumentMessage);
 
-    AppendOpen("dialog", DialogTagBody(identifier));
+    AppendDialogOpen();
     if (!title.empty())
         AppendCaption(title, {}, true);
-    AppendOpen("items", "items");
+    AppendOpen(u"items", u"<items>");
     ReadAndEmitControls(reader);
 
     switch (HowItEnds(pieces, u"dialog")) {
@@ -127,11 +144,11 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
         return;
     case Ending::TitleOnly:
         pieces.pop_back();
-        AppendClose("dialog");
+        AppendClose(u"dialog");
         return;
     case Ending::Content:
-        AppendClose("items");
-        AppendClose("dialog");
+        AppendClose(u"items");
+        AppendClose(u"dialog");
         return;
     }
 }
@@ -178,56 +195,57 @@ void CDialogItem::CloseGroupBox(const char* kind) {
         return;
     case Ending::TitleOnly:
         pieces.pop_back();
-        AppendClose(kind);
+        AppendClose(WideKind(kind));
         return;
     case Ending::Content:
-        AppendClose("items");
-        AppendClose(kind);
+        AppendClose(u"items");
+        AppendClose(WideKind(kind));
         return;
     }
 }
 
-void CDialogItem::EmitControl(DialogControl control) {
+void CDialogItem::EmitControl(const DialogControl& control) {
     emittedControls.push_back(control);
     if (!control.title && !control.className)
         return;
-    const std::u16string title = TitleText(control.title);
     const char* kind = GetControlKind(control.classOrdinal, control.style);
-    const std::string marks = GetStyleMarks(control.classOrdinal, control.style);
     if (Contains(kind, "unknown"))
         return;
+    const std::u16string title = TitleText(control.title);
+    const std::string marks = GetStyleMarks(control.classOrdinal, control.style);
+    const std::u16string wideKind = WideKind(kind);
 
     if (Contains(kind, "groupbox")) {
-        AppendOpen(kind, ControlTagBody(control, false));
+        AppendOpen(wideKind, ControlStartTag(control, false));
         if (!title.empty())
             AppendCaption(title, marks, false);
-        AppendOpen("items", "items");
+        AppendOpen(u"items", u"<items>");
         return;
     }
-    const std::string body = ControlTagBody(control, true);
+    std::u16string tagText = ControlStartTag(control, true);
     if (!title.empty()) {
-        AppendOpen(kind, body);
+        AppendOpen(wideKind, tagText);
         AnalyseDialogText(title, marks, false);
-        AppendClose(kind);
+        AppendClose(wideKind);
     }
     if (Contains(kind, "combobox") || Contains(kind, "listbox"))
-        EmitListItems(identifier, control.id, body, kind);
+        EmitListItems(identifier, control.id, std::move(tagText), wideKind);
 }
 
 void CDialogItem::EmitListItems(const std::string& dialogIdentifier, WORD controlId,
-                                const std::string& body, const char* kind) {
+                                std::u16string tagText, std::u16string_view kind) {
     CDlgInitTable& table = CDlgInitTable::GetInstance();
     const NarrowTextList entries = table.GetItems(dialogIdentifier, controlId);
     if (entries.empty())
         return;
     const UINT codePage = AnsiCodePage(table.language);
-    AppendOpen(kind, body);
+    AppendOpen(kind, std::move(tagText));
     for (const std::string& entry : entries) {
-        AppendOpen("item", "item");
+        AppendOpen(u"item", u"<item>");
         // Up to the first zero byte: the string's own terminator, or where
         // binary data stop showing.
         pieces.push_back(MakeText(Widen(entry.substr(0, entry.find('\0')), codePage)));
-        AppendClose("item");
+        AppendClose(u"item");
     }
     AppendClose(kind);
 }

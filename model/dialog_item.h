@@ -43,15 +43,16 @@ public:
 
     // Splits list, sorted by position, into the content of each group box
     // behind start and the rest; each box's content is appended to groupLists
-    // with the box in front, and the rest last of all.
+    // with the box in front, and the rest last of all. The list is taken.
     void PartitionControls(std::size_t start, ControlList& list, bool isTop);
     // The content list of the group box at tabIndex, taken out; empty if none.
     ControlList TakeGroupList(WORD tabIndex);
 
     void EmitControls(const ControlList& list, bool includeFirst);
-    void EmitControl(DialogControl control);
-    void EmitListItems(const std::string& dialogIdentifier, WORD controlId, const std::string& body,
-                       const char* kind);
+    void EmitControl(const DialogControl& control);
+    // The list's start tag is the control's, given whole.
+    void EmitListItems(const std::string& dialogIdentifier, WORD controlId, std::u16string tagText,
+                       std::u16string_view kind);
     // Appends the pieces of a dialog title (isCaption) or a control's text.
     void AnalyseDialogText(std::u16string_view text, std::string_view marks, bool isCaption);
 
@@ -63,6 +64,7 @@ public:
     std::vector<ControlList> groupLists;
     std::string identifier;
     CLabelPieceList pieces;
+    // The label parser of this dialog; without one, the thread's serves.
     std::unique_ptr<CLabelParser> parser;
     long skipped = 0;
     WORD language = 0;
@@ -71,8 +73,9 @@ private:
     void ReadAndEmitControls(CDialogTemplateReader& reader);
     void PartitionLevel(std::size_t start, ControlList& list, std::size_t depth);
     void CloseGroupBox(const char* kind);
-    void AppendOpen(const char* name, const std::string& body);
-    void AppendClose(const char* name);
+    void AppendDialogOpen();
+    void AppendOpen(std::u16string_view name, std::u16string tagText);
+    void AppendClose(std::u16string_view name);
     void AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption);
 };
 

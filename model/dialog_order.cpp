@@ -1,4 +1,5 @@
 // The order of a dialog's controls in the document.
+#include <iterator>
 #include <utility>
 
 #include "frame/diagnostics/exceptions.h"
@@ -56,18 +57,21 @@ void CDialogItem::PartitionLevel(std::size_t start, ControlList& list, std::size
         throw CParserException(kCorruptedDocumentMessage);
     while (start < list.size()) {
         ControlList inside;
-        ControlList outside(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(start));
+        ControlList outside(
+            std::make_move_iterator(list.begin()),
+            std::make_move_iterator(list.begin() + static_cast<std::ptrdiff_t>(start)));
         std::size_t cursor = start;
         bool found = false;
+        // Only the box's place is read once it has moved on: a moved control keeps it.
         const DialogControl* box = nullptr;
         for (std::size_t at = start; at < list.size(); ++at) {
-            const DialogControl& control = list[at];
+            DialogControl& control = list[at];
             if (box != nullptr) {
                 if (LiesIn(control, *box)) {
-                    inside.push_back(control);
+                    inside.push_back(std::move(control));
                     found = true;
                 } else {
-                    outside.push_back(control);
+                    outside.push_back(std::move(control));
                 }
                 continue;
             }
@@ -76,14 +80,14 @@ void CDialogItem::PartitionLevel(std::size_t start, ControlList& list, std::size
                 box = &control;
                 inside.push_back(control);
             }
-            outside.push_back(control);
+            outside.push_back(std::move(control));
         }
         list = std::move(outside);
         if (found)
             PartitionLevel(1, inside, depth + 1);
         start = cursor;
     }
-    groupLists.push_back(list);
+    groupLists.push_back(std::move(list));
 }
 
 ControlList CDialogItem::TakeGroupList(WORD tabIndex) {

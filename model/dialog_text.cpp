@@ -4,6 +4,7 @@
 #include "frame/resource.h"
 #include "label/grammars/escaped_label.h"
 #include "label/grammars/label_parser.h"
+#include "label/grammars/token_pieces.h"
 #include "model/dialog_controls.h"
 #include "model/dialog_item.h"
 #include "model/text_util.h"
@@ -16,17 +17,24 @@ void CDialogItem::AnalyseDialogText(std::u16string_view text, std::string_view m
     std::u16string escaped = EscapeLabel(text, LabelKind::Dialog);
     // The blank keeps a conversion at the very end from reaching the end of input.
     escaped += u' ';
-    if (!parser)
-        parser = std::make_unique<CLabelParser>();
-    LabelTokenList tokens;
-    parser->Initialise(LabelKind::Dialog);
-    parser->Parse(escaped, tokens);
+    // A parser keeps nothing from one label to the next: the thread's one
+    // serves every dialog that brings none of its own.
+    thread_local CLabelParser shared;
+    CLabelParser& labels = parser ? *parser : shared;
+    // Reused too, so that its records are not reallocated for every text.
+    thread_local LabelTokenList tokens;
+    tokens.clear();
+    labels.Initialise(LabelKind::Dialog);
+    labels.Parse(escaped, tokens);
     if (tokens.empty())
         throw CParserException(kCorruptedDocumentMessage);
     if (!tokens.back().text.empty())
         tokens.back().text.pop_back();
 
     const bool noPrefix = marks.find(kNoPrefixMark) != std::string_view::npos;
+    // Such a label keeps "&&" as it is: the string table's unescaping, which
+    // leaves '&' alone.
+    const LabelKind unescaping = noPrefix ? LabelKind::String : LabelKind::Dialog;
     std::u16string run;
     auto flush = [&] {
         if (!run.empty())
@@ -35,22 +43,21 @@ void CDialogItem::AnalyseDialogText(std::u16string_view text, std::string_view m
     };
     for (const LabelToken& token : tokens) {
         if (token.type == label_token::kText) {
-            std::u16string t = token.text;
-            if (!noPrefix)
-                t = ReplaceAll(t, u"&&", u"&");
-            run += ReplaceAll(ReplaceAll(t, u"\\\\", u"\\"), u"%%", u"%");
+            AppendUnescapedLabelText(run, token.text, unescaping);
             continue;
         }
         flush();
-        std::u16string t = token.text;
-        const bool hasAmpersand = t.find(u'&') != std::u16string::npos;
+        std::u16string_view t = token.text;
+        const bool hasAmpersand = t.find(u'&') != std::u16string_view::npos;
         // Such a label shows '&' as it is, and has no hotkey.
         if (noPrefix && hasAmpersand) {
             pieces.push_back(MakeText(u"&"));
             continue;
         }
+        std::u16string trimmed;
         if (!t.empty() && t.front() == u' ') {
-            t = TrimLeft(t);
+            trimmed = TrimLeft(t);
+            t = trimmed;
             pieces.push_back(MakeText(u" "));
         }
         if (!t.empty() && t.back() == u' ') {

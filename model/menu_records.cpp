@@ -1,7 +1,7 @@
 #include "model/menu_records.h"
 
+#include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 
 #include "frame/diagnostics/exceptions.h"
@@ -54,15 +54,15 @@ std::u16string ReadText(ByteReader& reader) {
 }
 
 std::unique_ptr<CTagLabelPiece> ItemClose() {
-    return MakeCloseTag("item", "</item>");
+    return MakeCloseTag(u"item", u"</item>");
 }
 
 std::unique_ptr<CTagLabelPiece> PopupOpen() {
-    return MakeOpenTag("menu", "<menu>");
+    return MakeOpenTag(u"menu", u"<menu>");
 }
 
 std::unique_ptr<CTagLabelPiece> Separator() {
-    return MakeEmptyTag("separator", "<separator/>");
+    return MakeEmptyTag(u"separator", u"<separator/>");
 }
 
 // Closes the menu that the last item holding it belongs to.
@@ -107,16 +107,19 @@ std::unique_ptr<CTagLabelPiece> MakeMenuRootTag(const std::string& identifierTex
 }
 
 std::unique_ptr<CTagLabelPiece> MakeMenuCloseTag() {
-    return MakeCloseTag("menu", "</menu>");
+    return MakeCloseTag(u"menu", u"</menu>");
 }
 
 std::unique_ptr<CTagLabelPiece> MakeItemTag(DWORD id) {
     const auto value = static_cast<std::int32_t>(id);
     if (id == 0xFFFF || value <= 0)
-        return MakeOpenTag("item", "<item>");
-    char text[32];
-    std::snprintf(text, sizeof text, "<%s=\"%ld\">", "item id", static_cast<long>(value));
-    return MakeOpenTag("item", text);
+        return MakeOpenTag(u"item", u"<item>");
+    char digits[16];
+    char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    std::u16string text = u"<item id=\"";
+    text.append(digits, end);
+    text += u"\">";
+    return MakeStructuralTag(u"item", std::move(text), 0, 1);
 }
 
 void ReadItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, bool isExtended,

@@ -109,16 +109,19 @@ CResource* CMenuCommand::Execute(Bytes data, CResource* resource) {
         Bytes bytes = data.first(std::min<std::size_t>(data.size(), menu->size));
         std::size_t offset = menu->IsExtended() ? kExtendedItemsStart : kPlainItemsStart;
         int level = 0;
-        menu->parser = std::make_unique<CLabelParser>();
+        // A parser keeps nothing from one label to the next: the thread's one
+        // serves every menu that brings none of its own.
+        thread_local CLabelParser shared;
+        CLabelParser* parser = menu->parser ? menu->parser.get() : &shared;
         menu->menuId = menu->identifierText;
 
         MenuItemRecord root;
-        root.parser = menu->parser.get();
+        root.parser = parser;
         root.pieces.push_back(MakeMenuRootTag(menu->identifierText));
         menu->items.push_back(std::move(root));
         while (offset < g_menuSize) {
             MenuItemRecord record;
-            record.parser = menu->parser.get();
+            record.parser = parser;
             ReadItem(record, bytes, offset, level, menu->IsExtended());
             menu->items.push_back(std::move(record));
         }

@@ -43,7 +43,8 @@ public:
     std::map<std::u16string, std::u16string> shortcuts;
     // The id value of the menu's root tag.
     std::string menuId;
-    // The label parser that all records of this menu share.
+    // The label parser that all records of this menu share; without one, the
+    // reading uses the thread's.
     std::unique_ptr<CLabelParser> parser;
 };
 

@@ -17,7 +17,9 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
 
     // The parser reads a null-terminated text.
     std::u16string escaped = EscapeLabel(text.substr(0, text.find(u'\0')), LabelKind::Menu);
-    LabelTokenList tokens;
+    // Reused, so that its records are not reallocated for every item.
+    thread_local LabelTokenList tokens;
+    tokens.clear();
     parser->Initialise(LabelKind::Menu);
     parser->Parse(escaped, tokens);
 
@@ -30,13 +32,13 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
     bool shortcut = false;
     for (const LabelToken& token : tokens) {
         if (token.type == label_token::kText) {
-            run += UnescapeLabelText(token.text, LabelKind::Menu);
+            AppendUnescapedLabelText(run, token.text, LabelKind::Menu);
             continue;
         }
         flush();
         if (token.text == u"\\t") {
             // The tab vanishes from the document; the tag stands in its place.
-            record.pieces.push_back(MakeOpenTag("shortcut", "<shortcut>"));
+            record.pieces.push_back(MakeOpenTag(u"shortcut", u"<shortcut>"));
             shortcut = true;
         } else {
             record.pieces.push_back(MakeInlineTag(token.text));
@@ -44,7 +46,7 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
     }
     flush();
     if (shortcut)
-        record.pieces.push_back(MakeCloseTag("shortcut", "</shortcut>"));
+        record.pieces.push_back(MakeCloseTag(u"shortcut", u"</shortcut>"));
 }
 
 } // namespace tervane

@@ -2,23 +2,6 @@
 
 namespace tervane {
 
-std::u16string ReplaceAll(std::u16string_view text, std::u16string_view from,
-                          std::u16string_view to) {
-    std::u16string out;
-    out.reserve(text.size());
-    std::size_t at = 0;
-    while (true) {
-        std::size_t found = text.find(from, at);
-        if (found == std::u16string_view::npos || from.empty())
-            break;
-        out.append(text.substr(at, found - at));
-        out.append(to);
-        at = found + from.size();
-    }
-    out.append(text.substr(at));
-    return out;
-}
-
 bool IsWideSpace(char16_t c) {
     switch (c) {
     case u' ':

@@ -5,9 +5,6 @@
 
 namespace tervane {
 
-// Replaces every occurrence of from, left to right, without rescanning.
-std::u16string ReplaceAll(std::u16string_view text, std::u16string_view from,
-                          std::u16string_view to);
 // The white-space test of the C library's iswspace for the characters labels hold.
 bool IsWideSpace(char16_t c);
 std::u16string TrimLeft(std::u16string_view text);

@@ -12,6 +12,7 @@
 namespace tervane {
 
 struct MenuItemRecord;
+struct TagWords;
 
 class COutputVisitor : public CResourceVisitor {
 public:
@@ -31,8 +32,8 @@ private:
     void SendGroupTag(const char* name, bool open);
     void SendPieces(const CLabelPieceList& pieces);
     // The white space around a dialog's tags, decided by words in the tag text.
-    void SendIndentBefore(std::u16string_view tagText, bool start);
-    void SendLineEndAfter(std::u16string_view tagText);
+    void SendIndentBefore(const TagWords& words, bool start);
+    void SendLineEndAfter(const TagWords& words);
 
     // The frame common to every visit: root and group tags before the object,
     // and the closing ones after the last object of the conversion.

@@ -1,41 +1,41 @@
-#include <initializer_list>
-
 #include "model/dialog_resource.h"
 #include "stream/output_visitor.h"
+#include "stream/tag_words.h"
 
 namespace tervane {
 
 namespace {
 
-// A plain search of the whole tag text, attributes included.
-bool HasAny(std::u16string_view text, std::initializer_list<std::u16string_view> words) {
-    for (std::u16string_view word : words)
-        if (text.find(word) != std::u16string_view::npos)
-            return true;
-    return false;
-}
+constexpr std::uint32_t kIndentedOpen = kWordDialog | kWordCombobox | kWordListbox | kWordGroupbox |
+                                        kWordItems | kWordButton | kWordLabel | kWordRadiobutton |
+                                        kWordCheckbox | kWordCaption | kWordItem;
+constexpr std::uint32_t kContainers = kWordItems | kWordCombobox | kWordListbox;
+constexpr std::uint32_t kIndentedClose =
+    kWordDialog | kWordCombobox | kWordListbox | kWordGroupbox | kWordItems;
+constexpr std::uint32_t kLineAfterAny =
+    kWordDialog | kWordGroupbox | kWordCombobox | kWordListbox | kWordItems;
+constexpr std::uint32_t kLineAfterClose = kWordLabel | kWordButton | kWordRadiobutton |
+                                          kWordCheckbox | kWordEdit | kWordCaption | kWordItem;
 
 } // namespace
 
-void COutputVisitor::SendIndentBefore(std::u16string_view tagText, bool start) {
+// The words are searched in the whole tag text, attributes included.
+void COutputVisitor::SendIndentBefore(const TagWords& words, bool start) {
     if (start) {
-        if (HasAny(tagText, {u"dialog", u"combobox", u"listbox", u"groupbox", u"items", u"button",
-                             u"label", u"radiobutton", u"checkbox", u"caption", u"item"}))
+        if (words.Any(kIndentedOpen))
             SendIndent(level_);
-        if (HasAny(tagText, {u"items", u"combobox", u"listbox"}))
+        if (words.Any(kContainers))
             ++level_;
         return;
     }
-    if (HasAny(tagText, {u"/items", u"/combobox", u"/listbox"}))
+    if (words.AnyAfterSlash(kContainers))
         --level_;
-    if (HasAny(tagText, {u"dialog", u"combobox", u"listbox", u"groupbox", u"items"}))
+    if (words.Any(kIndentedClose))
         SendIndent(level_);
 }
 
-void COutputVisitor::SendLineEndAfter(std::u16string_view tagText) {
-    if (HasAny(tagText,
-               {u"dialog", u"groupbox", u"combobox", u"listbox", u"items", u"/label", u"/button",
-                u"/radiobutton", u"/checkbox", u"/edit", u"/caption", u"/item"}))
+void COutputVisitor::SendLineEndAfter(const TagWords& words) {
+    if (words.Any(kLineAfterAny) || words.AnyAfterSlash(kLineAfterClose))
         SendNewLine();
 }
 
@@ -53,12 +53,14 @@ int COutputVisitor::VisitDialog(CDialogResource* resource) {
             const TagDescriptor* tag = TagOf(*piece);
             if (tag == nullptr)
                 continue;
+            // One search serves the white space before and after the tag.
+            const TagWords words = FindTagWords(tag->tagText);
             if (tag->startTag == 1 && tag->endTag == 0)
-                SendIndentBefore(tag->tagText, true);
+                SendIndentBefore(words, true);
             else if (tag->endTag == 1 && tag->startTag == 0)
-                SendIndentBefore(tag->tagText, false);
+                SendIndentBefore(words, false);
             SendTag(*tag);
-            SendLineEndAfter(tag->tagText);
+            SendLineEndAfter(words);
         }
     }
     CloseFrameIfLast(kDialogsGroup);

@@ -1,36 +1,30 @@
 #include "model/menu_resource.h"
 #include "stream/output_visitor.h"
+#include "stream/tag_words.h"
 
 namespace tervane {
 
-namespace {
-
-// Found, and not at the very start of the text.
-bool ContainsAfterStart(std::u16string_view text, std::u16string_view word) {
-    const std::size_t at = text.find(word);
-    return at != std::u16string_view::npos && at > 0;
-}
-
-} // namespace
-
+// "Contains after the start" is a search that ignores a match at the
+// text's first character.
 void COutputVisitor::SendMenuTag(const TagDescriptor& tag, bool root) {
     const std::u16string_view text = tag.tagText;
+    const TagWords words = FindTagWords(text);
     const bool closesMenu = text == u"</menu>";
     if (closesMenu)
         --level_;
     if (text == u"<menu>" || closesMenu || text == u"<item>" ||
-        ContainsAfterStart(text, u"item id") || text == u"<separator/>") {
+        words.FirstAfterStart(kWordItemId) || text == u"<separator/>") {
         if (level_ > 0)
             SendIndent(level_);
     }
     // The menu's own tag stands one tab in, whatever the level.
-    if (root && text.find(u"menu id") != std::u16string_view::npos)
+    if (root && words.Any(kWordMenuId))
         SendIndent(1);
     SendTag(tag);
-    if (ContainsAfterStart(text, u"menu") && !closesMenu)
+    const bool opensMenu = words.FirstAfterStart(kWordMenu);
+    if (opensMenu && !closesMenu)
         ++level_;
-    if (text == u"</item>" || ContainsAfterStart(text, u"menu") ||
-        ContainsAfterStart(text, u"separator"))
+    if (text == u"</item>" || opensMenu || words.FirstAfterStart(kWordSeparator))
         SendNewLine();
 }
 

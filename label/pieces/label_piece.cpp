@@ -4,6 +4,19 @@
 
 namespace tervane {
 
+namespace {
+
+// The texts of structural tags are nearly always ASCII, which the process's
+// code page (UTF-8) keeps unit for unit: no conversion needed.
+std::u16string WidenTagText(std::string_view text) {
+    for (const char c : text)
+        if (static_cast<unsigned char>(c) >= 0x80)
+            return Widen(text);
+    return std::u16string(text.begin(), text.end());
+}
+
+} // namespace
+
 // Pieces are filled in place: a descriptor built aside would be moved twice.
 std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
                                                   LONG endTag, LONG startTag) {
@@ -20,15 +33,15 @@ std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16s
 }
 
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText) {
-    return MakeStructuralTag(Widen(name), Widen(tagText), 0, 1);
+    return MakeStructuralTag(WidenTagText(name), WidenTagText(tagText), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText) {
-    return MakeStructuralTag(Widen(name), Widen(tagText), 1, 0);
+    return MakeStructuralTag(WidenTagText(name), WidenTagText(tagText), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText) {
-    return MakeStructuralTag(Widen(name), Widen(tagText), 0, 0);
+    return MakeStructuralTag(WidenTagText(name), WidenTagText(tagText), 0, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText) {

@@ -34,6 +34,8 @@ TEST(LabelPieces, FactoriesSetNamesTextsAndMarks) {
          u"\u00E9t\u00E9",
          u"<menu id=\"\u20AC\">",
          {1, 0, 0, 1, 0}},
+        // A byte that is no UTF-8 becomes the replacement character.
+        {MakeCloseTag("menu", "</m\xFFnu>"), u"menu", u"</m\uFFFDnu>", {1, 0, 1, 0, 0}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.tagText.begin(), c.tagText.end()));

@@ -1,0 +1,115 @@
+#include "stream/tag_words.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace tervane {
+namespace {
+
+struct Word {
+    std::u16string_view text;
+    std::uint32_t bit;
+};
+
+const Word kWords[] = {
+    {u"dialog", kWordDialog},     {u"combobox", kWordCombobox},
+    {u"listbox", kWordListbox},   {u"groupbox", kWordGroupbox},
+    {u"items", kWordItems},       {u"button", kWordButton},
+    {u"label", kWordLabel},       {u"radiobutton", kWordRadiobutton},
+    {u"checkbox", kWordCheckbox}, {u"caption", kWordCaption},
+    {u"item", kWordItem},         {u"edit", kWordEdit},
+    {u"menu", kWordMenu},         {u"menu id", kWordMenuId},
+    {u"item id", kWordItemId},    {u"separator", kWordSeparator},
+};
+
+// The plain searches the walks make, one word after the other.
+TagWords Searched(std::u16string_view text) {
+    TagWords words;
+    for (const Word& word : kWords) {
+        const std::size_t first = text.find(word.text);
+        if (first == std::u16string_view::npos)
+            continue;
+        words.found |= word.bit;
+        if (first == 0)
+            words.atStart |= word.bit;
+        if (text.find(u"/" + std::u16string(word.text)) != std::u16string_view::npos)
+            words.afterSlash |= word.bit;
+    }
+    return words;
+}
+
+void ExpectSameAsSearches(std::u16string_view text) {
+    const TagWords found = FindTagWords(text);
+    const TagWords searched = Searched(text);
+    const std::string shown(text.begin(), text.end());
+    EXPECT_EQ(found.found, searched.found) << shown;
+    EXPECT_EQ(found.afterSlash, searched.afterSlash) << shown;
+    // A word at the start and again later counts as at the start, as a
+    // search that stops at the first match sees it.
+    for (const Word& word : kWords)
+        EXPECT_EQ(found.FirstAfterStart(word.bit), searched.FirstAfterStart(word.bit))
+            << shown << " / " << std::string(word.text.begin(), word.text.end());
+}
+
+TEST(TagWords, AsPlainSearchesFindThem) {
+    const std::u16string_view texts[] = {
+        u"",
+        u"<dialog id=\"IDD_ABOUT\">",
+        u"<dialog id=\"mylistbox\">",
+        u"<radiobutton x=\"14\" y=\"34\" width=\"90\" height=\"10\" id=\"102\">",
+        u"</radiobutton>",
+        u"<items>",
+        u"</items>",
+        u"<item>",
+        u"</item>",
+        u"<item id=\"201\">",
+        u"<menu id=\"IDR_MENU\">",
+        u"<menu>",
+        u"</menu>",
+        u"<separator/>",
+        u"</edit>",
+        u"/",
+        u"menu",
+        u"menu menu",
+        u"item/item",
+        u"xmenu",
+        u"ite",
+        u"menu i",
+        u"item i",
+        u"/items/item id",
+        u"&",
+        u"%s",
+        u"\\t",
+        u"<checkbox style=\"ES_NUMBER\" hidden=\"yes\">",
+        u"<\u00e9dit/caption\u20ac>",
+    };
+    for (std::u16string_view text : texts)
+        ExpectSameAsSearches(text);
+}
+
+// Texts glued from pieces of the words, so that words overlap, break off at
+// the end and stand behind slashes in every way.
+TEST(TagWords, AsPlainSearchesOnGluedFragments) {
+    const std::u16string_view fragments[] = {
+        u"/",     u"<",     u">",       u" ",     u"id",        u"item",   u"s",
+        u"menu",  u"me",    u"nu",      u"box",   u"combo",     u"list",   u"group",
+        u"check", u"radio", u"button",  u"label", u"lab",       u"dialog", u"dia",
+        u"edit",  u"ed",    u"caption", u"cap",   u"separator", u"sep",    u"\"",
+        u"=",     u"x",     u"i",       u"m",     u"e",         u"\u00e9",
+    };
+    std::mt19937 random(20240607);
+    std::uniform_int_distribution<std::size_t> pick(0, std::size(fragments) - 1);
+    std::uniform_int_distribution<int> length(0, 8);
+    for (int round = 0; round < 5000; ++round) {
+        std::u16string text;
+        for (int n = length(random); n > 0; --n)
+            text += fragments[pick(random)];
+        ExpectSameAsSearches(text);
+    }
+}
+
+} // namespace
+} // namespace tervane
