@@ -1,6 +1,7 @@
 #pragma once
 // The character source of the lexer, with the marks by which the scan gives
 // back what it read beyond the longest match.
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -108,8 +109,14 @@ public:
         bool more() const { return index < limit; }
         // Only while more().
         std::uint32_t take() {
-            const std::uint32_t c =
-                static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+            std::uint32_t c;
+            if constexpr (std::endian::native == std::endian::little) {
+                std::uint16_t unit;
+                std::memcpy(&unit, data + index, sizeof unit);
+                c = unit;
+            } else {
+                c = static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+            }
             index += 2;
             if (c == 10) {
                 ++lineDelta;
