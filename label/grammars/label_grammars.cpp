@@ -50,10 +50,13 @@ std::u16string LabelYaccClass::symbolText(std::int32_t index) {
 
 void LabelYaccClass::add(std::uint32_t type, std::int32_t index) {
     SSYaccStackElement* element = elementFromProduction(index);
-    if (tokens_)
-        tokens_->push_back({type, element && element->lexeme
-                                      ? std::u16string(element->lexeme->wideText())
-                                      : std::u16string()});
+    if (!tokens_)
+        return;
+    // Built in place: no temporary record and no string moved.
+    LabelToken& token = tokens_->emplace_back();
+    token.type = type;
+    if (element && element->lexeme)
+        token.text.assign(element->lexeme->wideText());
 }
 
 void LabelYaccClass::add(std::uint32_t type, std::u16string text) {

@@ -1,5 +1,7 @@
 #include "label/grammars/label_parser.h"
 
+#include <cstdint>
+#include <cstring>
 #include <new>
 
 #include "platform/win32/resources.h"
@@ -31,6 +33,25 @@ template <LabelKind kind> struct OwnTables {
         return table;
     }
 };
+
+// Where the text's first null is, or its size: four characters at a time,
+// since almost no label has one.
+std::size_t LengthToNull(std::u16string_view text) {
+    constexpr std::uint64_t kOnes = 0x0001000100010001ULL;
+    constexpr std::uint64_t kHighs = 0x8000800080008000ULL;
+    const std::size_t n = text.size();
+    std::size_t i = 0;
+    for (; n - i >= 4; i += 4) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + i, sizeof word);
+        if ((word - kOnes) & ~word & kHighs)
+            break;
+    }
+    for (; i < n; ++i)
+        if (text[i] == 0)
+            return i;
+    return n;
+}
 
 } // namespace
 
@@ -87,7 +108,7 @@ void CLabelParser::Parse(std::u16string_view text, LabelTokenList& tokens) {
     if (!yacc_)
         return;
     // The text ends at its first null, as a null-terminated one would.
-    text = text.substr(0, text.find(u'\0'));
+    text = text.substr(0, LengthToNull(text));
     yacc_->setTokens(&tokens);
     try {
         SSLexStringConsumer consumer(text);

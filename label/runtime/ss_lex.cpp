@@ -16,48 +16,63 @@ SSLexLexeme* SSLex::nextLexeme() {
     SSLexConsumer& consumer = *consumer_;
     for (;;) {
         const SSLexExpressionList& list = *currentList_;
+        const SSLexFinalState* const finals = list.finalStates();
+        const std::uint32_t* const direct = list.directMoves();
         state_ = 0;
         bool read = false;
         bool startRead = consumer.firstReadPending();
-        // The accepting record passed last, by address: the list outlives the scan.
-        const SSLexFinalState* acceptedRecord = &list.finalState(0);
-        SSLexMark acceptedMark;
+        // The accepting record passed last, by address: the list outlives the
+        // scan. Its mark is kept in scalars, which stay in registers.
+        const SSLexFinalState* acceptedRecord = finals;
         bool marked = acceptedRecord->token != 0;
-        if (marked)
-            acceptedMark = consumer.mark();
+        SSLexMark start = consumer.mark();
+        std::uint32_t acceptedIndex = marked ? start.index : 0;
+        std::uint32_t acceptedLine = marked ? start.lineDelta : 0;
+        std::uint32_t acceptedOffset = marked ? start.offset : 0;
         std::uint32_t state = 0;
         SSLexConsumer::WideRun run = consumer.beginWideRun();
         for (;;) {
-            if (!run.next()) {
+            std::uint32_t c;
+            if (run.more()) {
+                c = run.take();
+            } else {
                 consumer.endWideRun(run);
                 const int got = consumer.next();
                 run = consumer.beginWideRun();
                 if (!got)
                     break;
                 // Marks move only when a refill has shifted the buffer.
-                if (consumer.shift() != 0) {
-                    consumer.adjust(acceptedMark, false);
+                if (const std::uint32_t shift = consumer.shift(); shift != 0) {
+                    acceptedIndex -= shift;
                     consumer.adjust(contextMark_, false);
                 }
-                run.current = consumer.current();
+                c = consumer.current();
             }
             read = true;
-            std::uint32_t next = list.transition(state, run.current);
+            const std::uint32_t next =
+                direct && c < SSLexExpressionList::kDirect
+                    ? direct[std::size_t{state} * SSLexExpressionList::kDirect + c]
+                    : list.searchRow(state, c);
             if (next == SSLexExpressionList::kNoState)
                 break;
             state = next;
-            const SSLexFinalState& record = list.finalState(state);
-            if (record.flags & SSLexFinalState::final) {
-                acceptedMark = run.mark();
-                acceptedRecord = &record;
-                marked = true;
+            const SSLexFinalState& record = finals[state];
+            if (record.flags & (SSLexFinalState::final | SSLexFinalState::contextStart)) {
+                if (record.flags & SSLexFinalState::final) {
+                    acceptedIndex = run.index;
+                    acceptedLine = run.lineDelta;
+                    acceptedOffset = run.offset;
+                    acceptedRecord = &record;
+                    marked = true;
+                }
+                if (record.flags & SSLexFinalState::contextStart)
+                    contextMark_ = run.mark();
             }
-            if (record.flags & SSLexFinalState::contextStart)
-                contextMark_ = run.mark();
         }
+        SSLexMark acceptedMark{acceptedIndex, acceptedLine, acceptedOffset};
         consumer.endWideRun(run);
         state_ = state;
-        const SSLexFinalState accepted = *acceptedRecord;
+        const SSLexFinalState& accepted = *acceptedRecord;
         consumer.adjust(acceptedMark, false);
         consumer.adjust(contextMark_, true);
         if (!read)
@@ -78,7 +93,8 @@ SSLexLexeme* SSLex::nextLexeme() {
 
         SSLexLexeme* lexeme = nullptr;
         if (accepts && (accepted.flags & SSLexFinalState::ignore)) {
-            changeLists(accepted);
+            if (accepted.flags & (SSLexFinalState::pop | SSLexFinalState::push))
+                changeLists(accepted);
             lexeme = ignoreLexeme(consumer, accepted.token, acceptedMark);
             if (!lexeme)
                 continue;
@@ -89,7 +105,8 @@ SSLexLexeme* SSLex::nextLexeme() {
             consumer.resync();
             continue;
         } else {
-            changeLists(accepted);
+            if (accepted.flags & (SSLexFinalState::pop | SSLexFinalState::push))
+                changeLists(accepted);
             if ((accepted.flags & SSLexFinalState::startOfLine) && consumer.lexemeLine() != 0 &&
                 consumer.lexemeOffset() != 0)
                 consumer.skipLeadingNewline(acceptedMark);
@@ -98,13 +115,15 @@ SSLexLexeme* SSLex::nextLexeme() {
                 continue;
         }
         ++lexemeCount_;
-        // Held while the lookup may raise, so that an error frees it.
-        SSRef<SSLexLexeme> held = lexeme;
         if (accepted.flags & SSLexFinalState::setUserValue)
             lexeme->setUserValue(accepted.userValue);
-        if (accepted.flags & SSLexFinalState::keyword)
+        if (accepted.flags & SSLexFinalState::keyword) {
+            // Held while the lookup may raise, so that an error frees it.
+            SSRef<SSLexLexeme> held = lexeme;
             keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
-        return held.detach();
+            return held.detach();
+        }
+        return lexeme;
     }
 }
 

@@ -73,33 +73,11 @@ int SSLexConsumer::nextSlow() {
     return 1;
 }
 
-void SSLexConsumer::flushTo(const SSLexMark& mark) {
-    index_ = mark.index;
-    lexemeStart_ = mark.index;
-    lexemeLine_ += mark.lineDelta;
-    lexemeOffset_ = mark.offset;
-    offset_ = mark.offset;
-    lineDelta_ = 0;
-    if (index_ < end_)
-        endOfData_ = false;
-}
-
 void SSLexConsumer::resync() {
     lexemeStart_ = index_;
     lexemeLine_ += lineDelta_;
     lexemeOffset_ = offset_;
     lineDelta_ = 0;
-}
-
-SSLexLexeme* SSLexConsumer::completeLexeme(std::uint32_t token, const SSLexMark& mark) {
-    // A mark behind the lexeme start (only a damaged table can make one)
-    // gives an empty text rather than a negative length.
-    std::uint32_t stop = mark.index < lexemeStart_ ? lexemeStart_ : mark.index;
-    SSLexLexeme* lexeme =
-        SSLexLexeme::create(buffer_.data() + lexemeStart_, stop - lexemeStart_, type_ != kWide,
-                            token, lexemeLine_, lexemeOffset_, bufferBase_ + lexemeStart_);
-    flushTo(mark);
-    return lexeme;
 }
 
 SSLexLexeme* SSLexConsumer::errorLexeme() {

@@ -1,6 +1,7 @@
 #pragma once
 // The character source of the lexer, with the marks by which the scan gives
 // back what it read beyond the longest match.
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -8,11 +9,11 @@
 #include <string_view>
 
 #include "label/runtime/ss_exception.h"
+#include "label/runtime/ss_lex_lexeme.h"
 
 namespace tervane {
 
 class rcparsedbcsinfo;
-class SSLexLexeme;
 
 struct SSLexMark {
     std::uint32_t index = 0;
@@ -93,56 +94,65 @@ public:
     // (wide text, no byte-order mark or end of data pending, no shift to
     // apply) it reads what next() would read inline from the buffer, and
     // stops where next() would take its slow road. Begun from the consumer
-    // and put back into it before anything else uses the consumer.
+    // and put back into it before anything else uses the consumer; the
+    // characters read and the last of them are settled only then.
     struct WideRun {
         const std::uint8_t* data;
+        std::uint32_t start;
         std::uint32_t index;
-        std::uint32_t end;
+        // A whole character lies at index while index is below it; 0 when
+        // the run is not active.
+        std::uint32_t limit;
         std::uint32_t lineDelta;
         std::uint32_t offset;
-        std::uint32_t consumed;
-        std::uint32_t current;
-        bool active;
-        bool readAny;
 
-        bool next() {
-            if (!active || index >= end || end - index < 2)
-                return false;
-            current = static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+        bool more() const { return index < limit; }
+        // Only while more().
+        std::uint32_t take() {
+            std::uint32_t c;
+            if constexpr (std::endian::native == std::endian::little) {
+                std::uint16_t unit;
+                std::memcpy(&unit, data + index, sizeof unit);
+                c = unit;
+            } else {
+                c = static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+            }
             index += 2;
-            ++consumed;
-            if (current == 10) {
+            if (c == 10) {
                 ++lineDelta;
                 offset = 1;
             } else {
                 ++offset;
             }
-            readAny = true;
-            return true;
+            return c;
         }
         SSLexMark mark() const { return {index, lineDelta, offset}; }
     };
     WideRun beginWideRun() const {
-        WideRun run{};
-        run.data = buffer_.data();
-        run.index = index_;
-        run.end = end_;
-        run.lineDelta = lineDelta_;
-        run.offset = offset_;
-        run.consumed = consumed_;
-        run.current = current_;
-        run.active = type_ == kWide && !endOfData_ && !firstRead_ && shift_ == 0;
-        return run;
+        const bool active = type_ == kWide && !endOfData_ && !firstRead_ && shift_ == 0;
+        return {buffer_.data(), index_, index_, active && end_ > 0 ? end_ - 1 : 0,
+                lineDelta_,     offset_};
     }
     void endWideRun(const WideRun& run) {
+        if (run.index != run.start) {
+            current_ = static_cast<std::uint32_t>(run.data[run.index - 2] |
+                                                  (run.data[run.index - 1] << 8));
+            consumed_ += (run.index - run.start) / 2;
+        }
         index_ = run.index;
         lineDelta_ = run.lineDelta;
         offset_ = run.offset;
-        consumed_ = run.consumed;
-        if (run.readAny)
-            current_ = run.current;
     }
-    void flushTo(const SSLexMark& mark);
+    void flushTo(const SSLexMark& mark) {
+        index_ = mark.index;
+        lexemeStart_ = mark.index;
+        lexemeLine_ += mark.lineDelta;
+        lexemeOffset_ = mark.offset;
+        offset_ = mark.offset;
+        lineDelta_ = 0;
+        if (index_ < end_)
+            endOfData_ = false;
+    }
     void resync();
     void adjust(SSLexMark& mark, bool clear) {
         mark.index -= shift_;
@@ -172,7 +182,16 @@ public:
     std::uint32_t characterWidth() const { return type_ == kWide ? 2 : 1; }
 
     // The lexeme of the text from lexemeStart to mark, then flushTo(mark).
-    SSLexLexeme* completeLexeme(std::uint32_t token, const SSLexMark& mark);
+    SSLexLexeme* completeLexeme(std::uint32_t token, const SSLexMark& mark) {
+        // A mark behind the lexeme start (only a damaged table can make one)
+        // gives an empty text rather than a negative length.
+        std::uint32_t stop = mark.index < lexemeStart_ ? lexemeStart_ : mark.index;
+        SSLexLexeme* lexeme =
+            SSLexLexeme::create(buffer_.data() + lexemeStart_, stop - lexemeStart_, type_ != kWide,
+                                token, lexemeLine_, lexemeOffset_, bufferBase_ + lexemeStart_);
+        flushTo(mark);
+        return lexeme;
+    }
     // The unmatched text from lexemeStart to index with token 0, then resync().
     SSLexLexeme* errorLexeme();
     // A startOfLine lexeme leaves its leading newline to the previous line.

@@ -7,17 +7,6 @@
 
 namespace tervane {
 
-namespace {
-
-// The text starts at a multiple of the object's alignment, so a wide text
-// is aligned for char16_t.
-constexpr std::size_t TextOffset() {
-    constexpr std::size_t align = alignof(std::max_align_t);
-    return (sizeof(SSLexLexeme) + align - 1) / align * align;
-}
-
-} // namespace
-
 SSLexLexeme* SSLexLexeme::create(const std::uint8_t* text, std::uint32_t length, bool narrow,
                                  std::uint32_t token, std::uint32_t line, std::uint32_t offset,
                                  std::uint32_t bufferOffset) {
@@ -56,12 +45,6 @@ SSLexLexeme* SSLexLexeme::create(std::u16string_view text, std::uint32_t token, 
     }
     return create(bytes, static_cast<std::uint32_t>(text.size() * 2), false, token, line, offset,
                   0);
-}
-
-void SSLexLexeme::destroy() {
-    std::size_t size = TextOffset() + length_ + 2;
-    this->~SSLexLexeme();
-    ss_pool::Free(static_cast<void*>(this), size);
 }
 
 std::u16string_view SSLexLexeme::wideText() const {

@@ -8,11 +8,13 @@
 #include <string_view>
 
 #include "label/runtime/ss_exception.h"
+#include "label/runtime/ss_pool.h"
 #include "label/runtime/ss_ref.h"
 
 namespace tervane {
 
-class SSLexLexeme : public SSRefCount, public SSExceptionPresent {
+// Final, so that a holder's release frees it without a virtual call.
+class SSLexLexeme final : public SSRefCount, public SSExceptionPresent {
 public:
     // A new lexeme over a copy of text, handed over with count 0.
     static SSLexLexeme* create(const std::uint8_t* text, std::uint32_t length, bool narrow,
@@ -22,7 +24,11 @@ public:
     static SSLexLexeme* create(std::u16string_view text, std::uint32_t token, std::uint32_t line,
                                std::uint32_t offset);
 
-    void destroy() override;
+    void destroy() override {
+        const std::size_t size = TextOffset() + length_ + 2;
+        this->~SSLexLexeme();
+        ss_pool::Free(static_cast<void*>(this), size);
+    }
     // Final, so that holders of lexemes count without a virtual call.
     void addRef() final { SSRefCount::addRef(); }
     void release(bool deleteAtZero) final { SSRefCount::release(deleteAtZero); }
@@ -53,6 +59,10 @@ public:
     std::string displayText() const;
 
 private:
+    // The text starts at a multiple of the object's alignment, so a wide
+    // text is aligned for char16_t.
+    static constexpr std::size_t TextOffset();
+
     SSLexLexeme() = default;
     ~SSLexLexeme() override = default;
 
@@ -66,5 +76,10 @@ private:
     std::uint32_t bufferOffset_ = 0;
     std::uint32_t userValue_ = 0;
 };
+
+constexpr std::size_t SSLexLexeme::TextOffset() {
+    constexpr std::size_t align = alignof(std::max_align_t);
+    return (sizeof(SSLexLexeme) + align - 1) / align * align;
+}
 
 } // namespace tervane

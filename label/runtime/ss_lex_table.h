@@ -70,6 +70,10 @@ public:
         }
         return kNoState;
     }
+    // For scan loops: the records of all states, and the looked-up moves
+    // (kDirect a state) or null when every move is searched.
+    const SSLexFinalState* finalStates() const { return finals_.data(); }
+    const std::uint32_t* directMoves() const { return direct_.empty() ? nullptr : direct_.data(); }
     std::uint32_t rowLength(std::uint32_t state) const { return rows_[state].count; }
     SSLexTransition rowEntry(std::uint32_t state, std::uint32_t i) const {
         const std::uint8_t* t = image_.data() + rows_[state].first + std::size_t{i} * 12;

@@ -29,7 +29,14 @@ public:
         release();
     }
 
-    void push(T item) {
+    void push(const T& item) {
+        // A copy first: item may live in the slots that a growth moves.
+        if (count_ + 1 > capacity_)
+            return push(T(item));
+        new (items_ + count_) T(item);
+        ++count_;
+    }
+    void push(T&& item) {
         if (count_ + 1 > capacity_) {
             if (growth_ == 0)
                 raise(ss_error::kStackFull, "SSLifo0001e: Stack full");

@@ -16,16 +16,6 @@ constexpr std::uint64_t kStepsWithoutShift = 4096;
 
 } // namespace
 
-void* SSYaccStackElement::operator new(std::size_t size) {
-    if (void* block = ss_pool::Allocate(size))
-        return block;
-    throw std::bad_alloc();
-}
-
-void SSYaccStackElement::operator delete(void* block, std::size_t size) noexcept {
-    ss_pool::Free(block, size);
-}
-
 void SSYaccLookaheadQueue::add(SSLexLexeme* lexeme) {
     if (tail_ == capacity_) {
         if (head_ > 0) {
@@ -62,7 +52,9 @@ SSLexLexeme* SSYaccLookaheadQueue::at(std::uint32_t position) const {
 }
 
 SSYacc::SSYacc(SSLex* lex, const SSYaccTable* table) : lex_(lex), table_(table) {
-    eofLexeme_ = SSLexLexeme::create(u"eof", SSYaccTable::kEofToken, 0xFFFFFFFF, 0xFFFFFFFF);
+    static constexpr std::uint8_t kEof[] = {'e', 0, 'o', 0, 'f', 0};
+    eofLexeme_ = SSLexLexeme::create(kEof, sizeof kEof, false, SSYaccTable::kEofToken, 0xFFFFFFFF,
+                                     0xFFFFFFFF, 0);
     stack_.push(SSMakeCounted<SSYaccStackElement>());
 }
 
@@ -94,24 +86,21 @@ int SSYacc::parse() {
             current_ = reduce(production_, productionSize_);
             if (!current_)
                 return 1;
-            for (std::uint32_t i = 0; i < productionSize_; ++i) {
-                stack_.top() = nullptr;
-                stack_.pop();
-            }
-            state_ = stack_.top()->state;
-            const SSYaccRow& row = table_->row(state_);
-            bool found = false;
-            for (std::uint32_t i = 0; i < row.gotoCount; ++i) {
-                SSYaccEntry entry = row.gotoEntry(i);
-                if (entry.symbol == lhs_) {
-                    state_ = entry.value & kActionArgumentMask;
-                    found = true;
-                    break;
+            if (productionSize_ < stack_.count()) {
+                stack_.pop(productionSize_);
+            } else {
+                // Pops up to the bottom and fails there, as one pop at a time would.
+                for (std::uint32_t i = 0; i < productionSize_; ++i) {
+                    stack_.top() = nullptr;
+                    stack_.pop();
                 }
             }
-            if (!found)
+            state_ = stack_.top()->state;
+            const std::uint32_t target = table_->gotoTarget(state_, lhs_);
+            if (target == SSYaccTable::kNoGoto)
                 raise(ss_error::kInvalidGoto, "SSYacc0107e: Invalid goto on %ld",
                       static_cast<long>(lhs_));
+            state_ = target;
             current_->state = state_;
             stack_.push(current_);
             findAction(state_, lookahead_->parseToken());
@@ -135,36 +124,6 @@ int SSYacc::parse() {
         }
     }
     return 1;
-}
-
-void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
-    const SSYaccRow& row = table_->row(state);
-    for (std::uint32_t i = 0; i < row.actionCount; ++i) {
-        SSYaccEntry entry = row.action(i);
-        if (entry.symbol != token)
-            continue;
-        std::uint32_t argument = entry.value & kActionArgumentMask;
-        action_ = ActionKind(entry.value);
-        switch (action_) {
-        case SSYaccAction::shift:
-            state_ = argument;
-            break;
-        case SSYaccAction::reduce: {
-            const SSYaccProduction& production = table_->production(argument);
-            production_ = argument;
-            productionSize_ = production.size;
-            lhs_ = production.lhs;
-            break;
-        }
-        case SSYaccAction::lookahead:
-            lookaheadList_ = &table_->lookaheadList(argument);
-            break;
-        default:
-            break;
-        }
-        return;
-    }
-    action_ = SSYaccAction::error;
 }
 
 bool SSYacc::readLookahead(bool setAction) {

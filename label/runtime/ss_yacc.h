@@ -3,11 +3,13 @@
 // elements in stackElement() and does its work in reduce().
 #include <cstdint>
 #include <memory>
+#include <new>
 
 #include "label/runtime/ss_exception.h"
 #include "label/runtime/ss_lex.h"
 #include "label/runtime/ss_lex_lexeme.h"
 #include "label/runtime/ss_lifo.h"
+#include "label/runtime/ss_pool.h"
 #include "label/runtime/ss_ref.h"
 #include "label/runtime/ss_yacc_table.h"
 
@@ -21,8 +23,14 @@ public:
     void addRef() final { SSRefCount::addRef(); }
     void release(bool deleteAtZero) final { SSRefCount::release(deleteAtZero); }
     // Grammars derive elements without fields: all come from one pool.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* block, std::size_t size) noexcept;
+    static void* operator new(std::size_t size) {
+        if (void* block = ss_pool::Allocate(size))
+            return block;
+        throw std::bad_alloc();
+    }
+    static void operator delete(void* block, std::size_t size) noexcept {
+        ss_pool::Free(block, size);
+    }
     ~SSYaccStackElement() override = default;
 
     std::uint32_t state = 0;   // the parser state entered when it was pushed
@@ -109,5 +117,29 @@ private:
     SSRef<SSYaccStackElement> current_;
     SSRef<SSYaccStackElement> result_;
 };
+
+// Here, so that the parse loop, which looks one up at every step, inlines it.
+inline void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
+    const std::uint32_t value = table_->actionValue(state, token);
+    const std::uint32_t argument = value & kActionArgumentMask;
+    action_ = ActionKind(value);
+    switch (action_) {
+    case SSYaccAction::shift:
+        state_ = argument;
+        break;
+    case SSYaccAction::reduce: {
+        const SSYaccProduction& production = table_->production(argument);
+        production_ = argument;
+        productionSize_ = production.size;
+        lhs_ = production.lhs;
+        break;
+    }
+    case SSYaccAction::lookahead:
+        lookaheadList_ = &table_->lookaheadList(argument);
+        break;
+    default:
+        break;
+    }
+}
 
 } // namespace tervane

@@ -151,6 +151,8 @@ std::shared_ptr<const SSYaccTable::Data> Prepare(Bytes image, const std::string&
         if ((row.flags & SSYaccRow::hasError) && row.errorState >= header.stateCount)
             ReadError(name);
 
+    data->buildSlots();
+
     std::size_t at = places.back().end;
     for (std::uint32_t i = 0; i < header.lookaheadTableCount; ++i) {
         std::uint32_t size = 0;
@@ -161,6 +163,62 @@ std::shared_ptr<const SSYaccTable::Data> Prepare(Bytes image, const std::string&
 }
 
 } // namespace
+
+std::uint32_t SSYaccTable::Data::searchAction(std::uint32_t state, std::uint32_t token) const {
+    const SSYaccRow& row = rows[state];
+    for (std::uint32_t i = 0; i < row.actionCount; ++i) {
+        const SSYaccEntry entry = row.action(i);
+        if (entry.symbol == token)
+            return entry.value;
+    }
+    return 0;
+}
+
+std::uint32_t SSYaccTable::Data::searchGoto(std::uint32_t state, std::uint32_t symbol) const {
+    const SSYaccRow& row = rows[state];
+    for (std::uint32_t i = 0; i < row.gotoCount; ++i) {
+        const SSYaccEntry entry = row.gotoEntry(i);
+        if (entry.symbol == symbol)
+            return entry.value & kActionArgumentMask;
+    }
+    return kNoGoto;
+}
+
+void SSYaccTable::Data::buildSlots() {
+    constexpr std::size_t kMaxStates = 1024;
+    constexpr std::uint64_t kMaxWork = std::uint64_t{1} << 22;
+    if (rows.size() > kMaxStates)
+        return;
+    std::uint64_t work = 0;
+    for (const SSYaccRow& row : rows)
+        work += std::uint64_t{row.actionCount} + row.gotoCount;
+    if (work > kMaxWork)
+        return;
+    try {
+        actionSlots.assign(rows.size() * kActionSlots, 0);
+        gotoSlots.assign(rows.size() * kGotoSlots, 0);
+    } catch (const std::bad_alloc&) {
+        actionSlots.clear();
+        gotoSlots.clear();
+        return;
+    }
+    // From the back, so that the first entry for a symbol is the one kept.
+    for (std::uint32_t s = 0; s < rows.size(); ++s) {
+        const SSYaccRow& row = rows[s];
+        std::uint32_t* actions = actionSlots.data() + std::size_t{s} * kActionSlots;
+        for (std::uint32_t i = row.actionCount; i-- > 0;) {
+            const SSYaccEntry entry = row.action(i);
+            if (const std::uint32_t slot = ActionSlot(entry.symbol); slot < kActionSlots)
+                actions[slot] = entry.value;
+        }
+        std::uint32_t* gotos = gotoSlots.data() + std::size_t{s} * kGotoSlots;
+        for (std::uint32_t i = row.gotoCount; i-- > 0;) {
+            const SSYaccEntry entry = row.gotoEntry(i);
+            if (const std::uint32_t slot = entry.symbol - kFirstNonTerminal; slot < kGotoSlots)
+                gotos[slot] = (entry.value & kActionArgumentMask) + 1;
+        }
+    }
+}
 
 SSYaccTable::SSYaccTable(Bytes image, const std::string& name) : data_(Prepare(image, name)) {}
 

@@ -113,12 +113,56 @@ public:
         return data_->lookaheads[index];
     }
 
+    // The value of state's first action entry for token, 0 (an error) when
+    // there is none.
+    std::uint32_t actionValue(std::uint32_t state, std::uint32_t token) const {
+        return data_->actionValue(state, token);
+    }
+    // The target of state's first goto entry for symbol, or kNoGoto.
+    static constexpr std::uint32_t kNoGoto = 0xFFFFFFFF;
+    std::uint32_t gotoTarget(std::uint32_t state, std::uint32_t symbol) const {
+        return data_->gotoTarget(state, symbol);
+    }
+
     struct Data {
         SSYaccTableHeader header;
         std::vector<std::uint8_t> image; // rows point into it
         std::vector<SSYaccProduction> productions;
         std::vector<SSYaccRow> rows;
         std::vector<SSLexExpressionList> lookaheads;
+        // The answers of the row searches for the tokens and non-terminals
+        // that real tables use, made when the table is prepared: a slot
+        // each, kActionSlots or kGotoSlots a state; empty when the table is
+        // too big for them, and then every lookup searches its row.
+        static constexpr std::uint32_t kActionSlots = 64; // tokens 0-61, error, eof
+        static constexpr std::uint32_t kGotoSlots = 32;   // symbols from 0x4000
+        static constexpr std::uint32_t kFirstNonTerminal = 0x4000;
+        std::vector<std::uint32_t> actionSlots; // the entry's value
+        std::vector<std::uint32_t> gotoSlots;   // the target plus 1, 0 for none
+
+        static std::uint32_t ActionSlot(std::uint32_t token) {
+            if (token < kActionSlots - 2)
+                return token;
+            if (token >= kErrorToken)
+                return token - kErrorToken + kActionSlots - 2;
+            return kActionSlots;
+        }
+        std::uint32_t actionValue(std::uint32_t state, std::uint32_t token) const {
+            const std::uint32_t slot = ActionSlot(token);
+            if (slot < kActionSlots && !actionSlots.empty())
+                return actionSlots[std::size_t{state} * kActionSlots + slot];
+            return searchAction(state, token);
+        }
+        std::uint32_t gotoTarget(std::uint32_t state, std::uint32_t symbol) const {
+            const std::uint32_t slot = symbol - kFirstNonTerminal;
+            if (slot < kGotoSlots && !gotoSlots.empty())
+                return gotoSlots[std::size_t{state} * kGotoSlots + slot] - 1;
+            return searchGoto(state, symbol);
+        }
+        std::uint32_t searchAction(std::uint32_t state, std::uint32_t token) const;
+        std::uint32_t searchGoto(std::uint32_t state, std::uint32_t symbol) const;
+        // Fills the slots from the searches.
+        void buildSlots();
     };
 
 private:

@@ -214,5 +214,19 @@ TEST(LabelTokens, EscapedInputForm) {
         EXPECT_EQ(EscapeLabel(c.raw, c.kind), c.escaped) << pe::Utf16ToUtf8(c.raw);
 }
 
+// The text ends at its first null, wherever that lies.
+TEST(LabelTokens, TextEndsAtItsFirstNull) {
+    const std::u16string text = u"Save %s to \\share now?";
+    for (LabelKind kind : {S, M, D}) {
+        for (std::size_t at = 0; at <= text.size(); ++at) {
+            std::u16string cut = text;
+            cut.insert(at, 1, u'\0');
+            cut += u"%d&x";
+            EXPECT_EQ(ParseLabel(kind, cut), ParseLabel(kind, text.substr(0, at)))
+                << static_cast<int>(kind) << " null at " << at;
+        }
+    }
+}
+
 } // namespace
 } // namespace tervane

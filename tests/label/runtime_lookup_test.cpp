@@ -1,0 +1,149 @@
+// The shortcuts of the hot paths against the slow roads they stand for: the
+// parser's looked-up actions and gotos against its row searches, and the
+// scan's inline reading of wide text against reading one byte at a time.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "label/runtime/ss_lex.h"
+#include "label/runtime/ss_yacc_table.h"
+#include "tests/label/runtime_toy.h"
+
+namespace tervane::test {
+namespace {
+
+constexpr std::uint32_t kEof = 0xFFFFFFFF;
+constexpr std::uint32_t kError = 0xFFFFFFFE;
+
+// State 0 holds the entries under test; states 1 to 3 exist as targets.
+// padding adds empty states, which takes the table past the size that gets
+// looked-up answers.
+YaccGrammar LookupGrammar(std::uint32_t padding) {
+    YaccGrammar g;
+    g.productions = {{2, 0}, {1, 0x4001}};
+    YaccRow row;
+    row.actions = {
+        {Shift(1), 5},    {Reduce(1), 5}, // the first entry for a token decides
+        {Accept(), kEof}, {Shift(2), kError}, {Shift(3), 61}, {Shift(1), 62}, {Shift(2), 1000},
+        {0, 7},           {Reduce(1), 0},
+    };
+    row.gotos = {{3, 0x4001}, {1, 0x4001}, {2, 0x401F}, {1, 0x4020}, {2, 0x20}};
+    g.rows = {row, {}, {}, {}};
+    g.rows.resize(g.rows.size() + padding);
+    return g;
+}
+
+TEST(ParserLookups, AnswerAsTheRowSearch) {
+    struct Case {
+        std::uint32_t token;
+        std::uint32_t value;
+    };
+    const Case actions[] = {
+        {5, Shift(1)},    {kEof, Accept()}, {kError, Shift(2)}, {61, Shift(3)}, {62, Shift(1)},
+        {1000, Shift(2)}, {7, 0},           {0, Reduce(1)},     {6, 0},         {63, 0},
+        {0x4001, 0},      {kEof - 2, 0},
+    };
+    struct GotoCase {
+        std::uint32_t symbol;
+        std::uint32_t target;
+    };
+    const GotoCase gotos[] = {
+        {0x4001, 3},
+        {0x401F, 2},
+        {0x4020, 1},
+        {0x20, 2},
+        {0x4000, SSYaccTable::kNoGoto},
+        {0x4002, SSYaccTable::kNoGoto},
+        {5, SSYaccTable::kNoGoto},
+    };
+    for (std::uint32_t padding : {0u, 1100u}) {
+        SCOPED_TRACE(padding);
+        SSYaccTable table(BuildYaccTable(LookupGrammar(padding)), "TOY");
+        for (const Case& c : actions)
+            EXPECT_EQ(table.actionValue(0, c.token), c.value) << "token " << c.token;
+        for (const GotoCase& c : gotos)
+            EXPECT_EQ(table.gotoTarget(0, c.symbol), c.target) << "symbol " << c.symbol;
+        EXPECT_EQ(table.actionValue(1, 5), 0u);
+        EXPECT_EQ(table.gotoTarget(3, 0x4001), SSYaccTable::kNoGoto);
+    }
+}
+
+TEST(ParserLookups, StoredTablesAnswerAsTheirRows) {
+    for (const char* name : {"StringResParse", "MenuResParse", "DialogResParse"}) {
+        SSYaccTable table(TervaneModuleHandle(), name, "SSYaccTable");
+        for (std::uint32_t state = 0; state < table.stateCount(); ++state) {
+            const SSYaccRow& row = table.row(state);
+            auto search = [&](std::uint32_t token) {
+                for (std::uint32_t i = 0; i < row.actionCount; ++i)
+                    if (row.action(i).symbol == token)
+                        return row.action(i).value;
+                return 0u;
+            };
+            for (std::uint32_t token : {0u, 50u, 51u, 52u, 53u, 54u, 55u, kError, kEof})
+                ASSERT_EQ(table.actionValue(state, token), search(token))
+                    << name << " state " << state << " token " << token;
+        }
+    }
+}
+
+// Narrow text that arrives one byte at a time: every character takes the
+// consumer's slow road.
+class ByteConsumer : public SSLexConsumer {
+public:
+    explicit ByteConsumer(std::string text) : text_(std::move(text)) { type_ = kSingleByte; }
+    std::uint32_t refill() override {
+        if (next_ == text_.size())
+            return 0;
+        appendToBuffer(reinterpret_cast<const std::uint8_t*>(text_.data() + next_++), 1);
+        return 1;
+    }
+
+private:
+    std::string text_;
+    std::size_t next_ = 0;
+};
+
+struct Position {
+    std::uint32_t token, line, offset, consumed, current, lineDelta, column;
+    bool operator==(const Position&) const = default;
+};
+
+std::vector<Position> Positions(const SSLexTable& table, SSLexConsumer& consumer) {
+    SSLex lex(&consumer, &table);
+    std::vector<Position> out;
+    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
+        out.push_back({lexeme->token(), lexeme->line(), lexeme->offset(), consumer.consumed(),
+                       consumer.current(), consumer.lineDelta(), consumer.offset()});
+    out.push_back({0, 0, 0, consumer.consumed(), consumer.current(), consumer.lineDelta(),
+                   consumer.offset()});
+    return out;
+}
+
+TEST(ScanReading, InlineWideReadsSettleAsByteReads) {
+    SSLexTable table(ToyLexImage(), "TOY");
+    const char* texts[] = {
+        "ab 12", "x", "<=", "<=>", "a\nb", "\n\nab\n", "ab  \"q r\"", "12<", "a\"",
+    };
+    for (const char* text : texts) {
+        SCOPED_TRACE(text);
+        const std::string narrow = text;
+        SSLexStringConsumer wide(std::u16string(narrow.begin(), narrow.end()));
+        ByteConsumer bytes(narrow);
+        const std::vector<Position> expected = Positions(table, bytes);
+        const std::vector<Position> seen = Positions(table, wide);
+        ASSERT_EQ(seen.size(), expected.size());
+        for (std::size_t i = 0; i < seen.size(); ++i) {
+            EXPECT_EQ(seen[i].token, expected[i].token) << i;
+            EXPECT_EQ(seen[i].line, expected[i].line) << i;
+            EXPECT_EQ(seen[i].offset, expected[i].offset) << i;
+            EXPECT_EQ(seen[i].consumed, expected[i].consumed) << i;
+            EXPECT_EQ(seen[i].current, expected[i].current) << i;
+            EXPECT_EQ(seen[i].lineDelta, expected[i].lineDelta) << i;
+            EXPECT_EQ(seen[i].column, expected[i].column) << i;
+        }
+    }
+}
+
+} // namespace
+} // namespace tervane::test
