@@ -2,6 +2,7 @@
 // The host's side of a forward conversion: a sink that records every event it
 // receives, and an IFilterHost whose progress joins the same record and
 // drives a progress bar on a terminal.
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -27,11 +28,24 @@ public:
     void Property(std::u16string_view name, std::u16string_view value);
     void Segment(bool start);
 
-    const std::string& Rendered() const { return out_; }
+    std::string_view Rendered() const { return {data_.get(), size_}; }
 
 private:
+    struct Free {
+        void operator()(char* bytes) const { std::free(bytes); }
+    };
+
+    // Room for bytes more at the end; throws std::bad_alloc as a string would.
+    char* Room(std::size_t bytes);
+    void Append(std::string_view bytes);
+    void AppendUtf8(std::u16string_view text);
+    void AppendNumber(LONG value);
+
     bool jsonLines_;
-    std::string out_;
+    // Grown by realloc: the document of a large file runs to megabytes,
+    // which then move by remapping rather than copying.
+    std::unique_ptr<char, Free> data_;
+    std::size_t size_ = 0, capacity_ = 0;
 };
 
 class RecordingSink : public ComObjectRoot, public DispatchWithoutTypeInfo<IEvents> {
