@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -129,57 +130,99 @@ char* WriteWide(char* out, const char16_t*& unit, const char16_t* end) {
 char* WriteUtf8(char* out, std::u16string_view text) {
     const char16_t* unit = text.data();
     const char16_t* const end = unit + text.size();
-    constexpr std::ptrdiff_t kBlock = 8;
     while (unit != end) {
-        // Eight units at a time while they are all ASCII.
-        const char16_t* blockEnd = end - unit >= kBlock ? unit + kBlock : end;
 #if defined(__SSE2__)
-        if (blockEnd - unit == kBlock) {
+        // Eight units at a time while they are all ASCII, then four.
+        const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
+        if (end - unit >= 8) {
             const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(unit));
-            const __m128i high = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80)));
-            if (_mm_movemask_epi8(_mm_cmpeq_epi16(high, _mm_setzero_si128())) == 0xFFFF) {
+            if (_mm_movemask_epi8(
+                    _mm_cmpeq_epi16(_mm_and_si128(units, high), _mm_setzero_si128())) == 0xFFFF) {
                 _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(units, units));
-                out += kBlock;
-                unit += kBlock;
+                out += 8;
+                unit += 8;
+                continue;
+            }
+        }
+        if (end - unit >= 4) {
+            const __m128i units = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(unit));
+            if ((_mm_movemask_epi8(
+                     _mm_cmpeq_epi16(_mm_and_si128(units, high), _mm_setzero_si128())) &
+                 0xFF) == 0xFF) {
+                const int packed = _mm_cvtsi128_si32(_mm_packus_epi16(units, units));
+                std::memcpy(out, &packed, 4);
+                out += 4;
+                unit += 4;
                 continue;
             }
         }
 #endif
-        // A pair at the block's end may take one unit beyond it.
-        while (unit < blockEnd) {
-            if (*unit < 0x80)
-                *out++ = static_cast<char>(*unit++);
-            else
-                out = WriteWide(out, unit, end);
+        // One ASCII unit, or a run of others, before the blocks are tried again.
+        if (*unit < 0x80) {
+            *out++ = static_cast<char>(*unit++);
+            continue;
+        }
+        do
+            out = WriteWide(out, unit, end);
+        while (unit != end && *unit >= 0x80);
+    }
+    return out;
+}
+
+char16_t* WriteUtf16(char16_t* out, std::string_view text) {
+    const char* const bytes = text.data();
+    const std::size_t size = text.size();
+    std::size_t pos = 0;
+    while (pos < size) {
+#if defined(__SSE2__)
+        // Sixteen bytes at a time while they are all ASCII.
+        if (size - pos >= 16) {
+            const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + pos));
+            if (_mm_movemask_epi8(block) == 0) {
+                const __m128i zero = _mm_setzero_si128();
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8),
+                                 _mm_unpackhi_epi8(block, zero));
+                out += 16;
+                pos += 16;
+                continue;
+            }
+        }
+        // Then eight, which most tags and short texts are made of.
+        if (size - pos >= 8) {
+            const __m128i block = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes + pos));
+            if ((_mm_movemask_epi8(block) & 0xFF) == 0) {
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                                 _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+                out += 8;
+                pos += 8;
+                continue;
+            }
+        }
+#endif
+        if (static_cast<unsigned char>(bytes[pos]) < 0x80) {
+            *out++ = static_cast<char16_t>(bytes[pos++]);
+            continue;
+        }
+        const char32_t c = DecodeUtf8(text, pos);
+        if (c == kUtf8Invalid) {
+            *out++ = 0xFFFD;
+        } else if (c >= 0x10000) {
+            *out++ = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+            *out++ = static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+        } else {
+            *out++ = static_cast<char16_t>(c);
         }
     }
     return out;
 }
 
 void AppendUtf16(std::u16string& out, std::string_view text) {
-    // No byte gives more than one unit (four give two), so the room is
-    // taken at once and cut back to what was written.
+    // Room for a unit a byte is taken at once and cut back to what was written.
     const std::size_t start = out.size();
     out.resize(start + text.size());
     char16_t* const first = out.data() + start;
-    char16_t* unit = first;
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        if (static_cast<unsigned char>(text[pos]) < 0x80) {
-            *unit++ = static_cast<char16_t>(text[pos++]);
-            continue;
-        }
-        const char32_t c = DecodeUtf8(text, pos);
-        if (c == kUtf8Invalid) {
-            *unit++ = 0xFFFD;
-        } else if (c >= 0x10000) {
-            *unit++ = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-            *unit++ = static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-            *unit++ = static_cast<char16_t>(c);
-        }
-    }
-    out.resize(start + static_cast<std::size_t>(unit - first));
+    out.resize(start + static_cast<std::size_t>(WriteUtf16(first, text) - first));
 }
 
 } // namespace tervane::locale

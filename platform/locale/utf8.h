@@ -26,6 +26,11 @@ void AppendUtf8(std::string& out, std::u16string_view text);
 inline constexpr std::size_t kUtf8PerUnit = 3;
 char* WriteUtf8(char* out, std::u16string_view text);
 
+// Writes the UTF-16 form of UTF-8 text at out, which must have room for a
+// unit a byte (no byte gives more: four give two), and gives the end of what
+// it wrote; each ill-formed part becomes one U+FFFD, as in AppendUtf16.
+char16_t* WriteUtf16(char16_t* out, std::string_view text);
+
 // Appends the UTF-16 form of UTF-8 text, each ill-formed part one U+FFFD.
 void AppendUtf16(std::u16string& out, std::string_view text);
 

@@ -330,15 +330,14 @@ TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
         EXPECT_EQ(tervane::Narrow(text, CP_UTF8), expected) << Hex(text);
         EXPECT_EQ(tervane::Narrow(text), expected) << Hex(text);
     }
-    const std::string narrow[] = {"plain",
-                                  "caf\xc3\xa9",
-                                  "\xf0\x9f\x98\x80",
-                                  "cut \xe6\x97",
-                                  "\xc0\xaf overlong",
-                                  "\xed\xa0\x80 surrogate",
-                                  "\xff\xfe",
-                                  std::string("nul\0x", 5),
-                                  "\xf4\x90\x80\x80 beyond"};
+    const std::string narrow[] = {
+        "plain", "caf\xc3\xa9", "\xf0\x9f\x98\x80", "cut \xe6\x97", "\xc0\xaf overlong",
+        "\xed\xa0\x80 surrogate", "\xff\xfe", std::string("nul\0x", 5), "\xf4\x90\x80\x80 beyond",
+        // Past the stack's room and across blocks of sixteen.
+        std::string(15, 'a') + "\xc3\xa9" + std::string(20, 'b'),
+        std::string(16, 'a') + "\xf0\x9f\x98\x80" + std::string(14, 'c'),
+        std::string(31, 'a') + "\xe6\x97", std::string(300, 'a') + "\xc3\xa9",
+        std::string(255, 'a') + "\xe6\x97\xa5"};
     for (const std::string& text : narrow) {
         const int length = static_cast<int>(text.size());
         const int needed = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
@@ -383,7 +382,12 @@ TEST(CodePages, Utf8WrittenInPlaceIsWhatAppendingGives) {
 
 // Appending keeps what was there and gives what the conversion call gives.
 TEST(CodePages, Utf16AppendsAfterWhatIsThere) {
-    const std::string narrow[] = {"", "plain", "caf\xc3\xa9", "\xf0\x9f\x98\x80!", "cut \xe6\x97"};
+    const std::string narrow[] = {"",
+                                  "plain",
+                                  "caf\xc3\xa9",
+                                  "\xf0\x9f\x98\x80!",
+                                  "cut \xe6\x97",
+                                  std::string(20, 'x') + "\xff" + std::string(20, 'y')};
     for (const std::string& text : narrow) {
         std::u16string out = u"kept";
         tervane::locale::AppendUtf16(out, text);
