@@ -22,34 +22,24 @@ std::u16string Take(BSTR text) {
 
 } // namespace
 
-char* EventOutput::Room(std::size_t bytes) {
-    if (capacity_ - size_ < bytes) {
-        std::size_t wanted = capacity_ < 65536 ? 65536 : capacity_;
-        while (wanted - size_ < bytes) {
-            if (wanted > SIZE_MAX / 2)
-                throw std::bad_alloc();
-            wanted *= 2;
-        }
-        char* grown = static_cast<char*>(std::realloc(data_.get(), wanted));
-        if (grown == nullptr)
+void EventOutput::Grow(std::size_t bytes) {
+    std::size_t wanted = capacity_ < 65536 ? 65536 : capacity_;
+    while (wanted - size_ < bytes) {
+        if (wanted > SIZE_MAX / 2)
             throw std::bad_alloc();
-        (void)data_.release();
-        data_.reset(grown);
-        capacity_ = wanted;
+        wanted *= 2;
     }
-    return data_.get() + size_;
+    char* grown = static_cast<char*>(std::realloc(data_.get(), wanted));
+    if (grown == nullptr)
+        throw std::bad_alloc();
+    (void)data_.release();
+    data_.reset(grown);
+    capacity_ = wanted;
 }
 
 void EventOutput::Append(std::string_view bytes) {
     std::memcpy(Room(bytes.size()), bytes.data(), bytes.size());
     size_ += bytes.size();
-}
-
-void EventOutput::AppendUtf8(std::u16string_view text) {
-    if (text.size() > SIZE_MAX / locale::kUtf8PerUnit)
-        throw std::bad_alloc();
-    char* at = Room(text.size() * locale::kUtf8PerUnit);
-    size_ += static_cast<std::size_t>(locale::WriteUtf8(at, text) - at);
 }
 
 void EventOutput::AppendNumber(LONG value) {
@@ -78,12 +68,8 @@ void EventOutput::Progress(LONG value) {
     Append("}\n");
 }
 
-void EventOutput::Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
-                      LONG inlineMark) {
-    if (!jsonLines_) {
-        AppendUtf8(text);
-        return;
-    }
+void EventOutput::TagLine(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
+                          LONG inlineMark) {
     Append("{\"event\": \"Tag\", \"text\": ");
     Append(JsonString(text));
     Append(", \"name\": ");
@@ -97,11 +83,7 @@ void EventOutput::Tag(std::u16string_view text, std::u16string_view name, LONG s
     Append("}\n");
 }
 
-void EventOutput::Text(std::u16string_view text) {
-    if (!jsonLines_) {
-        AppendUtf8(text);
-        return;
-    }
+void EventOutput::TextLine(std::u16string_view text) {
     Append("{\"event\": \"Text\", \"text\": ");
     Append(JsonString(text));
     Append("}\n");

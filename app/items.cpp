@@ -1,7 +1,6 @@
 #include "app/items.h"
 
 #include <new>
-#include <typeinfo>
 
 #include "platform/com/class_objects.h"
 #include "platform/com/pooled_factory.h"
@@ -152,20 +151,6 @@ void RegisterItemClasses() {
         return true;
     }();
     (void)done;
-}
-
-// Only the pooled class objects registered above make items, so the pooled
-// type is the one to look for.
-const Tag* OwnTag(ITag* item) {
-    if (item == nullptr || typeid(*item) != typeid(PooledObject<Tag>))
-        return nullptr;
-    return static_cast<const PooledObject<Tag>*>(item);
-}
-
-const Text* OwnText(IText* item) {
-    if (item == nullptr || typeid(*item) != typeid(PooledObject<Text>))
-        return nullptr;
-    return static_cast<const PooledObject<Text>*>(item);
 }
 
 } // namespace tervane::app

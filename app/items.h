@@ -7,10 +7,12 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <typeinfo>
 
 #include "host/items.h"
 #include "platform/com/component.h"
 #include "platform/com/dispatch.h"
+#include "platform/com/pooled_factory.h"
 
 namespace tervane::app {
 
@@ -107,8 +109,18 @@ private:
 void RegisterItemClasses();
 
 // The item as this host made it, which the host may read without a call and
-// a copy; null for an item of another make (or none).
-const Tag* OwnTag(ITag* item);
-const Text* OwnText(IText* item);
+// a copy; null for an item of another make (or none). Only the pooled class
+// objects registered above make items, so the pooled type is the one to
+// look for.
+inline const Tag* OwnTag(ITag* item) {
+    if (item == nullptr || typeid(*item) != typeid(PooledObject<Tag>))
+        return nullptr;
+    return static_cast<const PooledObject<Tag>*>(item);
+}
+inline const Text* OwnText(IText* item) {
+    if (item == nullptr || typeid(*item) != typeid(PooledObject<Text>))
+        return nullptr;
+    return static_cast<const PooledObject<Text>*>(item);
+}
 
 } // namespace tervane::app
