@@ -42,7 +42,10 @@ public:
     void Property(std::u16string_view name, std::u16string_view value);
     void Segment(bool start);
 
-    std::string_view Rendered() const { return {data_.get(), size_}; }
+    // Never a null pointer, even before the first byte.
+    std::string_view Rendered() const {
+        return data_ ? std::string_view(data_.get(), size_) : std::string_view("", 0);
+    }
 
 private:
     struct Free {
