@@ -380,22 +380,4 @@ TEST(CodePages, Utf8WrittenInPlaceIsWhatAppendingGives) {
     }
 }
 
-// Appending keeps what was there and gives what the conversion call gives.
-TEST(CodePages, Utf16AppendsAfterWhatIsThere) {
-    const std::string narrow[] = {"",
-                                  "plain",
-                                  "caf\xc3\xa9",
-                                  "\xf0\x9f\x98\x80!",
-                                  "cut \xe6\x97",
-                                  std::string(20, 'x') + "\xff" + std::string(20, 'y')};
-    for (const std::string& text : narrow) {
-        std::u16string out = u"kept";
-        tervane::locale::AppendUtf16(out, text);
-        std::u16string expected = u"kept";
-        if (!text.empty())
-            expected += ToWide(text, CP_UTF8);
-        EXPECT_EQ(out, expected) << Hex(text);
-    }
-}
-
 } // namespace
