@@ -95,7 +95,7 @@ int RunExtract(const Args& args) {
     std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
     // What was received is written even when the conversion failed.
-    const std::string& rendered = log->Rendered();
+    std::string_view rendered = log->Rendered();
     if (out.empty()) {
         std::fwrite(rendered.data(), 1, rendered.size(), stdout);
         std::fflush(stdout);

@@ -1,7 +1,12 @@
 #include "app/event_recorder.h"
 
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
+#include <new>
 
+#include "app/items.h"
 #include "app/json_text.h"
 #include "platform/locale/code_pages.h"
 #include "platform/locale/utf8.h"
@@ -17,55 +22,86 @@ std::u16string Take(BSTR text) {
 
 } // namespace
 
+void EventOutput::Grow(std::size_t bytes) {
+    std::size_t wanted = capacity_ < 65536 ? 65536 : capacity_;
+    while (wanted - size_ < bytes) {
+        if (wanted > SIZE_MAX / 2)
+            throw std::bad_alloc();
+        wanted *= 2;
+    }
+    char* grown = static_cast<char*>(std::realloc(data_.get(), wanted));
+    if (grown == nullptr)
+        throw std::bad_alloc();
+    (void)data_.release();
+    data_.reset(grown);
+    capacity_ = wanted;
+}
+
+void EventOutput::Append(std::string_view bytes) {
+    std::memcpy(Room(bytes.size()), bytes.data(), bytes.size());
+    size_ += bytes.size();
+}
+
+void EventOutput::AppendNumber(LONG value) {
+    char digits[16];
+    auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    (void)error; // sixteen places hold any LONG
+    Append(std::string_view(digits, static_cast<std::size_t>(end - digits)));
+}
+
 void EventOutput::StartOfInput(bool info) {
     if (jsonLines_)
-        out_ += info ? "{\"event\": \"StartOfInput\", \"info\": true}\n"
-                     : "{\"event\": \"StartOfInput\", \"info\": false}\n";
+        Append(info ? "{\"event\": \"StartOfInput\", \"info\": true}\n"
+                    : "{\"event\": \"StartOfInput\", \"info\": false}\n");
 }
 
 void EventOutput::EndOfInput() {
     if (jsonLines_)
-        out_ += "{\"event\": \"EndOfInput\"}\n";
+        Append("{\"event\": \"EndOfInput\"}\n");
 }
 
 void EventOutput::Progress(LONG value) {
-    if (jsonLines_)
-        out_ += "{\"event\": \"Progress\", \"value\": " + std::to_string(value) + "}\n";
+    if (!jsonLines_)
+        return;
+    Append("{\"event\": \"Progress\", \"value\": ");
+    AppendNumber(value);
+    Append("}\n");
 }
 
-void EventOutput::Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
-                      LONG inlineMark) {
-    if (!jsonLines_) {
-        locale::AppendUtf8(out_, text);
-        return;
-    }
-    out_ += "{\"event\": \"Tag\", \"text\": ";
-    out_ += JsonString(text);
-    out_ += ", \"name\": ";
-    out_ += JsonString(name);
-    out_ += ", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-            ", \"inline\": " + std::to_string(inlineMark) + "}\n";
+void EventOutput::TagLine(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
+                          LONG inlineMark) {
+    Append("{\"event\": \"Tag\", \"text\": ");
+    Append(JsonString(text));
+    Append(", \"name\": ");
+    Append(JsonString(name));
+    Append(", \"start\": ");
+    AppendNumber(start);
+    Append(", \"end\": ");
+    AppendNumber(end);
+    Append(", \"inline\": ");
+    AppendNumber(inlineMark);
+    Append("}\n");
 }
 
-void EventOutput::Text(std::u16string_view text) {
-    if (!jsonLines_) {
-        locale::AppendUtf8(out_, text);
-        return;
-    }
-    out_ += "{\"event\": \"Text\", \"text\": ";
-    out_ += JsonString(text);
-    out_ += "}\n";
+void EventOutput::TextLine(std::u16string_view text) {
+    Append("{\"event\": \"Text\", \"text\": ");
+    Append(JsonString(text));
+    Append("}\n");
 }
 
 void EventOutput::Property(std::u16string_view name, std::u16string_view value) {
-    if (jsonLines_)
-        out_ += "{\"event\": \"Property\", \"name\": " + JsonString(name) +
-                ", \"value\": " + JsonString(value) + "}\n";
+    if (!jsonLines_)
+        return;
+    Append("{\"event\": \"Property\", \"name\": ");
+    Append(JsonString(name));
+    Append(", \"value\": ");
+    Append(JsonString(value));
+    Append("}\n");
 }
 
 void EventOutput::Segment(bool start) {
     if (jsonLines_)
-        out_ += start ? "{\"event\": \"StartOfSegment\"}\n" : "{\"event\": \"EndOfSegment\"}\n";
+        Append(start ? "{\"event\": \"StartOfSegment\"}\n" : "{\"event\": \"EndOfSegment\"}\n");
 }
 
 InterfaceMap<RecordingSink> RecordingSink::Interfaces() {
@@ -107,6 +143,10 @@ HRESULT RecordingSink::raw_EndOfSegment() {
 HRESULT RecordingSink::raw_Text(IText* text) {
     if (text == nullptr)
         return E_POINTER;
+    if (const app::Text* own = OwnText(text)) {
+        log_->Text(own->Value());
+        return S_OK;
+    }
     BSTR value = nullptr;
     text->get_Text(&value);
     Bstr owned = Bstr::Attach(value);
@@ -117,6 +157,11 @@ HRESULT RecordingSink::raw_Text(IText* text) {
 HRESULT RecordingSink::raw_Tag(ITag* tag) {
     if (tag == nullptr)
         return E_POINTER;
+    if (const app::Tag* own = OwnTag(tag)) {
+        log_->Tag(own->TagText(), own->TagName(), own->StartTag(), own->EndTag(),
+                  own->InlineMark());
+        return S_OK;
+    }
     LONG start = 0, end = 0, inlineMark = 0;
     tag->get_StartTag(&start);
     tag->get_EndTag(&end);

@@ -2,13 +2,17 @@
 // The host's side of a forward conversion: a sink that records every event it
 // receives, and an IFilterHost whose progress joins the same record and
 // drives a progress bar on a terminal.
+#include <cstdint>
+#include <cstdlib>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
 #include "host/events.h"
 #include "platform/com/component.h"
 #include "platform/com/dispatch.h"
+#include "platform/locale/utf8.h"
 
 namespace tervane::app {
 
@@ -21,17 +25,58 @@ public:
     void StartOfInput(bool info);
     void EndOfInput();
     void Progress(LONG value);
+    // The document takes the tag's text alone, as it comes.
     void Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
-             LONG inlineMark);
-    void Text(std::u16string_view text);
+             LONG inlineMark) {
+        if (jsonLines_)
+            TagLine(text, name, start, end, inlineMark);
+        else
+            AppendUtf8(text);
+    }
+    void Text(std::u16string_view text) {
+        if (jsonLines_)
+            TextLine(text);
+        else
+            AppendUtf8(text);
+    }
     void Property(std::u16string_view name, std::u16string_view value);
     void Segment(bool start);
 
-    const std::string& Rendered() const { return out_; }
+    // Never a null pointer, even before the first byte.
+    std::string_view Rendered() const {
+        return data_ ? std::string_view(data_.get(), size_) : std::string_view("", 0);
+    }
 
 private:
+    struct Free {
+        void operator()(char* bytes) const { std::free(bytes); }
+    };
+
+    void TagLine(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
+                 LONG inlineMark);
+    void TextLine(std::u16string_view text);
+
+    // Room for bytes more at the end; throws std::bad_alloc as a string would.
+    char* Room(std::size_t bytes) {
+        if (capacity_ - size_ < bytes)
+            Grow(bytes);
+        return data_.get() + size_;
+    }
+    void Grow(std::size_t bytes);
+    void Append(std::string_view bytes);
+    void AppendUtf8(std::u16string_view text) {
+        if (text.size() > SIZE_MAX / locale::kUtf8PerUnit)
+            throw std::bad_alloc();
+        char* at = Room(text.size() * locale::kUtf8PerUnit);
+        size_ += static_cast<std::size_t>(locale::WriteUtf8(at, text) - at);
+    }
+    void AppendNumber(LONG value);
+
     bool jsonLines_;
-    std::string out_;
+    // Grown by realloc: the document of a large file runs to megabytes,
+    // which then move by remapping rather than copying.
+    std::unique_ptr<char, Free> data_;
+    std::size_t size_ = 0, capacity_ = 0;
 };
 
 class RecordingSink : public ComObjectRoot, public DispatchWithoutTypeInfo<IEvents> {

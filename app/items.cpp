@@ -1,5 +1,7 @@
 #include "app/items.h"
 
+#include <new>
+
 #include "platform/com/class_objects.h"
 #include "platform/com/pooled_factory.h"
 
@@ -19,16 +21,16 @@ HRESULT PutString(Bstr& value, BSTR text) {
     return S_OK;
 }
 
-HRESULT GetString(const std::u16string& value, BSTR* out) {
+HRESULT GetString(const ItemString& value, BSTR* out) {
     if (out == nullptr)
         return E_POINTER;
-    *out = SysAllocStringLen(value.data(), static_cast<UINT>(value.size()));
-    return *out == nullptr && !value.empty() ? E_OUTOFMEMORY : S_OK;
+    const std::u16string_view text = value.View();
+    *out = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    return *out == nullptr && !text.empty() ? E_OUTOFMEMORY : S_OK;
 }
 
-HRESULT PutString(std::u16string& value, BSTR text) {
-    value.assign(text ? text : u"", SysStringLen(text));
-    return S_OK;
+HRESULT PutString(ItemString& value, BSTR text) {
+    return value.Assign(text) ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT GetNumber(LONG value, LONG* out) {
@@ -80,9 +82,22 @@ HRESULT Tag::get_Inline(LONG* value) {
 HRESULT Tag::put_Inline(LONG value) {
     return inline_ = value, S_OK;
 }
+bool ItemString::Grow(std::size_t length) {
+    constexpr std::size_t kLeast = 32;
+    std::size_t room = room_ * 2 > kLeast ? room_ * 2 : kLeast;
+    if (room < length)
+        room = length;
+    std::unique_ptr<char16_t[]> grown(new (std::nothrow) char16_t[room]);
+    if (!grown)
+        return false;
+    data_ = std::move(grown);
+    room_ = room;
+    return true;
+}
+
 void Tag::Clear() {
-    text_.clear();
-    name_.clear();
+    text_.Clear();
+    name_.Clear();
     end_ = start_ = inline_ = 0;
 }
 

@@ -30,25 +30,10 @@ template <typename Item> ComPtr<Item> CreateItem(const CLSID& clsid) {
 // The strings handed to an item's setters, kept per thread and refilled in
 // place: a setter copies what it is given, so they are free again as soon as
 // it returns, before the sink (which may send events of its own) is called.
-class ScratchString {
-public:
-    ScratchString() = default;
-    ScratchString(const ScratchString&) = delete;
-    ScratchString& operator=(const ScratchString&) = delete;
-    ~ScratchString() { SysFreeString(text_); }
-
-    // Null when memory runs out, which the setter takes as an empty text.
-    BSTR Fill(std::u16string_view text) {
-        if (!SysReAllocStringLen(&text_, text.data(), static_cast<UINT>(text.size())))
-            return nullptr;
-        return text_;
-    }
-
-private:
-    BSTR text_ = nullptr;
+struct Scratch {
+    ReusedBstr first, second;
 };
-
-thread_local ScratchString scratchFirst, scratchSecond;
+thread_local Scratch scratch;
 
 template <typename Send> HRESULT Guarded(Send send) {
     try {
@@ -71,9 +56,9 @@ HRESULT SendTagEvent(IEvents* sink, const TagDescriptor& tag) {
             return E_FAIL;
         // The order in which the framework's own producers set the properties.
         item->put_EndTag(tag.endTag);
-        item->put_TagText(scratchFirst.Fill(tag.tagText));
+        item->put_TagText(scratch.first.Fill(tag.tagText));
         item->put_StartTag(tag.startTag);
-        item->put_TagName(scratchSecond.Fill(tag.name));
+        item->put_TagName(scratch.second.Fill(tag.name));
         item->put_Inline(tag.inlineTag);
         HRESULT hr = sink->raw_Tag(item.get());
         if (FAILED(hr))
@@ -87,7 +72,7 @@ HRESULT SendTextEvent(IEvents* sink, std::u16string_view text) {
         ComPtr<IText> item = CreateItem<IText>(CLSID_Text);
         if (!item)
             return E_FAIL;
-        item->put_Text(scratchFirst.Fill(text));
+        item->put_Text(scratch.first.Fill(text));
         HRESULT hr = sink->raw_Text(item.get());
         if (FAILED(hr))
             _com_issue_errorex(hr, sink, IEvents::iid);

@@ -165,6 +165,21 @@ namespace tervane {
 Bstr::Bstr(std::u16string_view text)
     : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
 
+BSTR ReusedBstr::Regrow(std::u16string_view text) {
+    constexpr std::size_t kLeast = 64;
+    std::size_t room = room_ * 2 > kLeast ? room_ * 2 : kLeast;
+    if (room < text.size())
+        room = text.size();
+    if (room > std::numeric_limits<UINT>::max() / sizeof(OLECHAR))
+        return nullptr;
+    BSTR grown = SysAllocStringLen(nullptr, static_cast<UINT>(room));
+    if (grown == nullptr)
+        return nullptr;
+    SysFreeString(std::exchange(text_, grown));
+    room_ = room;
+    return Fill(text);
+}
+
 Bstr::Bstr(const Bstr& other)
     : text_(other.text_ ? SysAllocStringByteLen(reinterpret_cast<const char*>(other.text_),
                                                 SysStringByteLen(other.text_))

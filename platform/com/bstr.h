@@ -1,6 +1,8 @@
 #pragma once
 // Automation strings: UTF-16 text preceded by its length in bytes (32 bits)
 // and followed by a terminating zero unit. A null BSTR is the empty string.
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -58,6 +60,36 @@ public:
 
 private:
     BSTR text_ = nullptr;
+};
+
+// A string refilled for one call after another, such as the argument of a
+// setter that copies what it is given: a refill that fits the room it has is
+// a copy in place, with no call.
+class ReusedBstr {
+public:
+    ReusedBstr() = default;
+    ReusedBstr(const ReusedBstr&) = delete;
+    ReusedBstr& operator=(const ReusedBstr&) = delete;
+    ~ReusedBstr() { SysFreeString(text_); }
+
+    // Null when memory runs out.
+    BSTR Fill(std::u16string_view text) {
+        if (text_ == nullptr || text.size() > room_)
+            return Regrow(text);
+        // The room was counted in units, so the byte length fits its prefix.
+        const auto bytes = static_cast<std::uint32_t>(text.size() * sizeof(OLECHAR));
+        std::memcpy(reinterpret_cast<char*>(text_) - sizeof bytes, &bytes, sizeof bytes);
+        if (bytes != 0)
+            std::memcpy(text_, text.data(), bytes);
+        text_[text.size()] = u'\0';
+        return text_;
+    }
+
+private:
+    BSTR Regrow(std::u16string_view text);
+
+    BSTR text_ = nullptr;
+    std::size_t room_ = 0; // units of text the string can hold
 };
 
 } // namespace tervane

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "platform/com/com_ptr.h"
@@ -33,40 +34,79 @@ ClassTable& Table() {
 // earlier lookups (below) knows when it may be stale.
 std::atomic<unsigned> registrationGeneration{1};
 
-// The class factories this thread found last, with the references they hold:
-// a host creates the same few items once per event.
+// The class factories this thread found, with the references they hold: a
+// host creates the same few items once per event. Plain data, reached without
+// a guard; each class has a home slot and the one after it, so that a lookup
+// is one or two comparisons.
 struct FactoryMemo {
     struct Entry {
         CLSID clsid;
-        CLSCTX context = 0;
-        ComPtr<IClassFactory> factory;
+        CLSCTX context;
+        IClassFactory* factory;
     };
-    static constexpr std::size_t kEntries = 4;
-    unsigned generation = 0;
+    static constexpr std::size_t kEntries = 8;
+    unsigned generation;
+    bool closed; // the thread is ending: nothing more is remembered
     Entry entries[kEntries];
-    std::size_t next = 0;
+
+    static std::size_t Home(REFCLSID clsid) {
+        return (clsid.Data1 ^ (clsid.Data1 >> 16)) % kEntries;
+    }
+    static bool Holds(const Entry& entry, REFCLSID clsid, CLSCTX context) {
+        return entry.factory != nullptr && entry.clsid == clsid && entry.context == context;
+    }
+    [[gnu::noinline]] void Renew(unsigned now) {
+        Forget();
+        generation = now;
+    }
+    void Forget() {
+        for (Entry& entry : entries)
+            if (IClassFactory* factory = std::exchange(entry.factory, nullptr))
+                factory->Release();
+    }
 
     IClassFactory* Find(REFCLSID clsid, CLSCTX context) {
         unsigned now = registrationGeneration.load(std::memory_order_acquire);
-        if (generation != now) {
-            for (Entry& entry : entries)
-                entry = Entry{};
-            generation = now;
+        if (generation != now) [[unlikely]] {
+            Renew(now);
             return nullptr;
         }
-        for (Entry& entry : entries)
-            if (entry.factory && entry.context == context && entry.clsid == clsid)
-                return entry.factory.get();
-        return nullptr;
+        const std::size_t home = Home(clsid);
+        if (Holds(entries[home], clsid, context))
+            return entries[home].factory;
+        const Entry& next = entries[(home + 1) % kEntries];
+        return Holds(next, clsid, context) ? next.factory : nullptr;
     }
-    void Remember(REFCLSID clsid, CLSCTX context, IClassFactory* factory, unsigned seen) {
-        if (seen != generation || seen != registrationGeneration.load(std::memory_order_acquire))
-            return;
-        entries[next] = Entry{clsid, context, ComPtr<IClassFactory>(factory)};
-        next = (next + 1) % kEntries;
+    void Remember(REFCLSID clsid, CLSCTX context, IClassFactory* factory, unsigned seen);
+};
+constinit thread_local FactoryMemo factoryMemo = {};
+
+// Gives the remembered references back when the thread ends.
+struct FactoryMemoKeeper {
+    bool installed = false;
+    ~FactoryMemoKeeper() {
+        factoryMemo.closed = true;
+        factoryMemo.Forget();
     }
 };
-thread_local FactoryMemo factoryMemo;
+thread_local FactoryMemoKeeper factoryMemoKeeper;
+
+void FactoryMemo::Remember(REFCLSID clsid, CLSCTX context, IClassFactory* factory, unsigned seen) {
+    if (closed || seen != generation ||
+        seen != registrationGeneration.load(std::memory_order_acquire))
+        return;
+    factoryMemoKeeper.installed = true;
+    // The home slot if it is free, else the one after it, else the home one.
+    const std::size_t home = Home(clsid);
+    Entry* slot = &entries[home];
+    if (slot->factory != nullptr && entries[(home + 1) % kEntries].factory == nullptr)
+        slot = &entries[(home + 1) % kEntries];
+    factory->AddRef();
+    if (IClassFactory* old = std::exchange(slot->factory, factory))
+        old->Release();
+    slot->clsid = clsid;
+    slot->context = context;
+}
 
 // The class objects that the process registered; the registry store's shared
 // modules (InprocServer32, DllGetClassObject) come after them once they exist.
@@ -146,22 +186,33 @@ HRESULT CoGetClassObject(REFCLSID clsid, CLSCTX context, void*, REFIID riid, voi
     return classObject->QueryInterface(riid, object);
 }
 
-HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, CLSCTX context, REFIID riid,
-                         void** object) {
-    if (object == nullptr)
-        return E_POINTER;
-    *object = nullptr;
-    tervane::FactoryMemo& memo = tervane::factoryMemo;
-    if (IClassFactory* known = memo.Find(clsid, context))
-        return known->CreateInstance(outer, riid, object);
-    unsigned seen = memo.generation;
+namespace tervane {
+namespace {
+
+// A class this thread has not remembered: found among the registrations.
+[[gnu::noinline]] HRESULT CreateUnremembered(REFCLSID clsid, IUnknown* outer, CLSCTX context,
+                                             REFIID riid, void** object) {
+    unsigned seen = factoryMemo.generation;
     ComPtr<IClassFactory> factory;
     HRESULT hr =
         CoGetClassObject(clsid, context, nullptr, IID_IClassFactory, factory.ReceiveVoid());
     if (FAILED(hr))
         return hr;
-    memo.Remember(clsid, context, factory.get(), seen);
+    factoryMemo.Remember(clsid, context, factory.get(), seen);
     return factory->CreateInstance(outer, riid, object);
+}
+
+} // namespace
+} // namespace tervane
+
+HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, CLSCTX context, REFIID riid,
+                         void** object) {
+    if (object == nullptr)
+        return E_POINTER;
+    *object = nullptr;
+    if (IClassFactory* known = tervane::factoryMemo.Find(clsid, context))
+        return known->CreateInstance(outer, riid, object);
+    return tervane::CreateUnremembered(clsid, outer, context, riid, object);
 }
 
 HRESULT OleRun(IUnknown* object) {

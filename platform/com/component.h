@@ -33,8 +33,10 @@ template <typename Self> using InterfaceMap = std::span<const InterfaceEntry<Sel
 
 // Via names the base through which an interface is reached when it is not a
 // direct, unambiguous base (IDispatch of a class with several dual bases).
+// Constant, so that the maps are filled before any code runs and read
+// without a guard.
 template <typename Self, typename Interface, typename Via = Interface>
-InterfaceEntry<Self> Entry() {
+constexpr InterfaceEntry<Self> Entry() {
     return {&Interface::iid, [](Self* self) -> IUnknown* {
                 return static_cast<Interface*>(static_cast<Via*>(self));
             }};

@@ -56,8 +56,8 @@ public:
         if (object == nullptr)
             return E_POINTER;
         *object = nullptr;
-        if (outer != nullptr)
-            return CreateComInstance<Base>(outer, riid, object);
+        if (outer != nullptr) [[unlikely]]
+            return CreateAggregated(outer, riid, object);
         PooledObject<Base>* made = Take();
         if (made == nullptr)
             return E_OUTOFMEMORY;
@@ -74,6 +74,11 @@ public:
         else
             UnlockModule();
         return S_OK;
+    }
+
+    // Aggregated objects are not pooled; kept out of the common path.
+    [[gnu::noinline]] static HRESULT CreateAggregated(IUnknown* outer, REFIID riid, void** object) {
+        return CreateComInstance<Base>(outer, riid, object);
     }
 
     // Objects waiting in this thread's pool.

@@ -261,8 +261,13 @@ std::u16string Widen(std::string_view text, UINT codePage) {
         return {};
     // The conversion's own result, in one pass without measuring first.
     if (Resolve(codePage) == CP_UTF8) {
+        // Most texts are short: converted on the stack, copied once.
+        constexpr std::size_t kOnStack = 256;
+        if (text.size() <= kOnStack) {
+            char16_t units[kOnStack];
+            return std::u16string(units, locale::WriteUtf16(units, text));
+        }
         std::u16string result;
-        result.reserve(text.size());
         locale::AppendUtf16(result, text);
         return result;
     }

@@ -20,6 +20,17 @@ int EncodeUtf8(char32_t c, char* out);
 // Appends the UTF-8 form of UTF-16 text; a lone surrogate becomes U+FFFD.
 void AppendUtf8(std::string& out, std::u16string_view text);
 
+// Writes the UTF-8 form of UTF-16 text at out, which must have room for
+// kUtf8PerUnit bytes a unit, and gives the end of what it wrote; a lone
+// surrogate becomes U+FFFD, as in AppendUtf8.
+inline constexpr std::size_t kUtf8PerUnit = 3;
+char* WriteUtf8(char* out, std::u16string_view text);
+
+// Writes the UTF-16 form of UTF-8 text at out, which must have room for a
+// unit a byte (no byte gives more: four give two), and gives the end of what
+// it wrote; each ill-formed part becomes one U+FFFD, as in AppendUtf16.
+char16_t* WriteUtf16(char16_t* out, std::string_view text);
+
 // Appends the UTF-16 form of UTF-8 text, each ill-formed part one U+FFFD.
 void AppendUtf16(std::u16string& out, std::string_view text);
 

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/locale/utf8.h"
 #include "platform/win32/last_error.h"
 
 namespace {
@@ -329,15 +330,14 @@ TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
         EXPECT_EQ(tervane::Narrow(text, CP_UTF8), expected) << Hex(text);
         EXPECT_EQ(tervane::Narrow(text), expected) << Hex(text);
     }
-    const std::string narrow[] = {"plain",
-                                  "caf\xc3\xa9",
-                                  "\xf0\x9f\x98\x80",
-                                  "cut \xe6\x97",
-                                  "\xc0\xaf overlong",
-                                  "\xed\xa0\x80 surrogate",
-                                  "\xff\xfe",
-                                  std::string("nul\0x", 5),
-                                  "\xf4\x90\x80\x80 beyond"};
+    const std::string narrow[] = {
+        "plain", "caf\xc3\xa9", "\xf0\x9f\x98\x80", "cut \xe6\x97", "\xc0\xaf overlong",
+        "\xed\xa0\x80 surrogate", "\xff\xfe", std::string("nul\0x", 5), "\xf4\x90\x80\x80 beyond",
+        // Past the stack's room and across blocks of sixteen.
+        std::string(15, 'a') + "\xc3\xa9" + std::string(20, 'b'),
+        std::string(16, 'a') + "\xf0\x9f\x98\x80" + std::string(14, 'c'),
+        std::string(31, 'a') + "\xe6\x97", std::string(300, 'a') + "\xc3\xa9",
+        std::string(255, 'a') + "\xe6\x97\xa5"};
     for (const std::string& text : narrow) {
         const int length = static_cast<int>(text.size());
         const int needed = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
@@ -345,6 +345,38 @@ TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
         MultiByteToWideChar(CP_UTF8, 0, text.data(), length, expected.data(), needed);
         EXPECT_EQ(tervane::Widen(text, CP_UTF8), expected) << Hex(text);
         EXPECT_EQ(tervane::Widen(text, CP_THREAD_ACP), expected) << Hex(text);
+    }
+}
+
+// Writing in place reads blocks of units at once: texts whose non-ASCII
+// units, pairs and lone surrogates sit on either side of a block's edge must
+// come out as the appending form gives them, within the room promised.
+TEST(CodePages, Utf8WrittenInPlaceIsWhatAppendingGives) {
+    const std::u16string high(1, char16_t(0xD83D)), low(1, char16_t(0xDE00));
+    std::vector<std::u16string> texts = {u"",
+                                         u"a",
+                                         u"seven.",
+                                         u"exactly8",
+                                         u"nine units",
+                                         std::u16string(u"\0\x7f\x80", 3),
+                                         u"\u07ff\u0800\uffff",
+                                         u"1234567" + high + low + u"after",
+                                         u"12345678" + high + low,
+                                         u"1234567" + high,
+                                         low + u"1234567" + high + u"x",
+                                         std::u16string(300, u'\u00fc'),
+                                         std::u16string(300, u'y')};
+    for (std::size_t at = 0; at < 17; ++at)
+        texts.push_back(std::u16string(at, u'-') + u"\u00e9" + std::u16string(17 - at, u'+'));
+    for (const std::u16string& text : texts) {
+        std::string expected;
+        tervane::locale::AppendUtf8(expected, text);
+        const std::size_t room = text.size() * tervane::locale::kUtf8PerUnit;
+        std::string buffer(room + 16, '#');
+        char* end = tervane::locale::WriteUtf8(buffer.data(), text);
+        ASSERT_LE(end, buffer.data() + room) << Hex(text);
+        EXPECT_EQ(std::string(buffer.data(), end), expected) << Hex(text);
+        EXPECT_EQ(buffer.substr(room), std::string(16, '#')) << Hex(text);
     }
 }
 

@@ -167,6 +167,26 @@ TEST(Bstr, ReusedAndReallocatedStringsAreExact) {
     }
 }
 
+// A string refilled in place must be a whole automation string after every
+// fill, grown or not: other calls read its prefix and copy it as it is.
+TEST(Bstr, RefilledStringsAreWhole) {
+    ReusedBstr reused;
+    const UINT lengths[] = {5, 0, 64, 65, 3, 129, 300, 1, 0, 300};
+    for (UINT length : lengths) {
+        SCOPED_TRACE(length);
+        std::u16string text(length, u'q');
+        for (UINT i = 0; i < length; ++i)
+            text[i] = static_cast<char16_t>(i % 7 == 3 ? 0 : u'a' + i % 26);
+        BSTR filled = reused.Fill(text);
+        ASSERT_NE(filled, nullptr);
+        EXPECT_EQ(SysStringByteLen(filled), 2 * length);
+        EXPECT_EQ(filled[length], u'\0');
+        Bstr copy = Bstr::Attach(
+            SysAllocStringByteLen(reinterpret_cast<const char*>(filled), SysStringByteLen(filled)));
+        EXPECT_EQ(copy.view(), text);
+    }
+}
+
 TEST(Bstr, OwnerCopiesMovesAndReceives) {
     Bstr a(std::u16string_view(u"x\0y", 3));
     Bstr b = a;
