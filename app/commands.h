@@ -13,6 +13,7 @@ struct Command {
     const char* usage;   // after "tervane "
     const char* summary; // one line for the overview
     int (*run)(const Args& args);
+    const char* details = nullptr; // options and behaviour, for COMMAND --help
 };
 
 // Defined in commands.cpp: the table that main dispatches on.

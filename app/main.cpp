@@ -44,6 +44,8 @@ int main(int argc, char** argv) {
         for (const auto& arg : args) {
             if (arg == "--help" || arg == "-h") {
                 std::printf("Usage: tervane %s\n\n%s\n", command.usage, command.summary);
+                if (command.details)
+                    std::printf("\n%s\n", command.details);
                 return 0;
             }
         }
