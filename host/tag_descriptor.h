@@ -1,15 +1,14 @@
 #pragma once
 // One tag as the framework describes it to a parser: a plain record, so that
 // tables of tags can be written as aggregates.
-#include <string>
-
+#include "host/wide_text.h"
 #include "platform/win32/types.h"
 
 namespace tervane {
 
 struct TagDescriptor {
-    std::u16string name;
-    std::u16string tagText;
+    WideText name;
+    WideText tagText;
     LONG structural = 0;
     LONG inlineClass = 0;
     LONG endTag = 0;

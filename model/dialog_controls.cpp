@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -31,7 +32,32 @@ void AppendNumber(std::string& out, long value) {
     out += std::string_view(digits, static_cast<std::size_t>(end - digits));
 }
 
+struct NamedKind {
+    std::string_view kind;
+    ControlKindTags tags;
+};
+
+constexpr NamedKind kKindTags[] = {
+    {"button", {WideText::Constant(u"button"), WideText::Constant(u"</button>")}},
+    {"checkbox", {WideText::Constant(u"checkbox"), WideText::Constant(u"</checkbox>")}},
+    {"radiobutton", {WideText::Constant(u"radiobutton"), WideText::Constant(u"</radiobutton>")}},
+    {"groupbox", {WideText::Constant(u"groupbox"), WideText::Constant(u"</groupbox>")}},
+    {"edit", {WideText::Constant(u"edit"), WideText::Constant(u"</edit>")}},
+    {"label", {WideText::Constant(u"label"), WideText::Constant(u"</label>")}},
+    {"listbox", {WideText::Constant(u"listbox"), WideText::Constant(u"</listbox>")}},
+    {"combobox", {WideText::Constant(u"combobox"), WideText::Constant(u"</combobox>")}},
+    {"unknown", {WideText::Constant(u"unknown"), WideText::Constant(u"</unknown>")}},
+};
+
 } // namespace
+
+const ControlKindTags& GetControlKindTags(std::string_view kind) {
+    for (const NamedKind& named : kKindTags)
+        if (named.kind == kind)
+            return named.tags;
+    // Every kind is in the table; anything else is a fault of the caller.
+    throw std::invalid_argument("no such control kind");
+}
 
 const char* GetControlKind(WORD classOrdinal, DWORD style) {
     const DWORD low = style & 0xFF;

@@ -2,7 +2,9 @@
 // What the translator sees of a control besides its text: its kind, the few
 // style bits that matter to the text, and its place, all in the control's tag.
 #include <string>
+#include <string_view>
 
+#include "host/wide_text.h"
 #include "model/dialog_template.h"
 
 namespace tervane {
@@ -12,6 +14,13 @@ namespace tervane {
 // "groupbox", "edit", "label", "listbox", "combobox", or "unknown", which is
 // never written.
 const char* GetControlKind(WORD classOrdinal, DWORD style);
+
+// A kind's tag name and end tag, made once and shared by every control.
+struct ControlKindTags {
+    WideText name;
+    WideText closeTag;
+};
+const ControlKindTags& GetControlKindTags(std::string_view kind);
 
 // ` style="NAME NAME"`, or empty. The names keep their order, so that
 // `"SS_NOPREFIX`, with its quote, marks a label that shows '&' as it is.

@@ -59,10 +59,17 @@ std::u16string TitleText(const OptionalText& title) {
     return title ? title->substr(0, kMaxTitleLength) : std::u16string();
 }
 
-// The kinds are ASCII words.
-std::u16string WideKind(std::string_view kind) {
-    return std::u16string(kind.begin(), kind.end());
-}
+constexpr WideText kDialogName = WideText::Constant(u"dialog");
+constexpr WideText kDialogClose = WideText::Constant(u"</dialog>");
+constexpr WideText kCaptionName = WideText::Constant(u"caption");
+constexpr WideText kCaptionOpen = WideText::Constant(u"<caption>");
+constexpr WideText kCaptionClose = WideText::Constant(u"</caption>");
+constexpr WideText kItemsName = WideText::Constant(u"items");
+constexpr WideText kItemsOpen = WideText::Constant(u"<items>");
+constexpr WideText kItemsClose = WideText::Constant(u"</items>");
+constexpr WideText kItemName = WideText::Constant(u"item");
+constexpr WideText kItemOpen = WideText::Constant(u"<item>");
+constexpr WideText kItemClose = WideText::Constant(u"</item>");
 
 UINT AnsiCodePage(WORD language) {
     char buffer[8] = {};
@@ -78,23 +85,18 @@ CDialogItem::~CDialogItem() = default;
 CDialogItem::CDialogItem(CDialogItem&&) noexcept = default;
 CDialogItem& CDialogItem::operator=(CDialogItem&&) noexcept = default;
 
-void CDialogItem::AppendOpen(std::u16string_view name, std::u16string tagText) {
-    pieces.push_back(MakeStructuralTag(std::u16string(name), std::move(tagText), 0, 1));
+void CDialogItem::AppendOpen(WideText name, WideText tagText) {
+    pieces.push_back(MakeStructuralTag(std::move(name), std::move(tagText), 0, 1));
 }
 
-void CDialogItem::AppendClose(std::u16string_view name) {
-    std::u16string tagText;
-    tagText.reserve(name.size() + 3);
-    tagText += u"</";
-    tagText += name;
-    tagText += u'>';
-    pieces.push_back(MakeStructuralTag(std::u16string(name), std::move(tagText), 1, 0));
+void CDialogItem::AppendClose(WideText name, WideText tagText) {
+    pieces.push_back(MakeStructuralTag(std::move(name), std::move(tagText), 1, 0));
 }
 
 void CDialogItem::AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption) {
-    AppendOpen(u"caption", u"<caption>");
+    AppendOpen(kCaptionName, kCaptionOpen);
     AnalyseDialogText(title, marks, isCaption);
-    AppendClose(u"caption");
+    AppendClose(kCaptionName, kCaptionClose);
 }
 
 void CDialogItem::AppendDialogOpen() {
@@ -102,7 +104,7 @@ void CDialogItem::AppendDialogOpen() {
     std::string tagText = "<";
     tagText += DialogTagBody(identifier);
     tagText += '>';
-    pieces.push_back(MakeOpenTag("dialog", tagText));
+    pieces.push_back(MakeStructuralTag(kDialogName, WidenTagText(tagText), 0, 1));
 }
 
 void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WORD languageId) {
@@ -122,7 +124,7 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
         }
         AppendDialogOpen();
         AppendCaption(title, {}, true);
-        AppendClose(u"dialog");
+        AppendClose(kDialogName, kDialogClose);
         return;
     }
     if (header.itemCount > kMaxDialogControls)
@@ -131,7 +133,7 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
     AppendDialogOpen();
     if (!title.empty())
         AppendCaption(title, {}, true);
-    AppendOpen(u"items", u"<items>");
+    AppendOpen(kItemsName, kItemsOpen);
     ReadAndEmitControls(reader);
 
     switch (HowItEnds(pieces, u"dialog")) {
@@ -144,11 +146,11 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
         return;
     case Ending::TitleOnly:
         pieces.pop_back();
-        AppendClose(u"dialog");
+        AppendClose(kDialogName, kDialogClose);
         return;
     case Ending::Content:
-        AppendClose(u"items");
-        AppendClose(u"dialog");
+        AppendClose(kItemsName, kItemsClose);
+        AppendClose(kDialogName, kDialogClose);
         return;
     }
 }
@@ -188,6 +190,7 @@ void CDialogItem::EmitControls(const ControlList& list, bool includeFirst) {
 }
 
 void CDialogItem::CloseGroupBox(const char* kind) {
+    const ControlKindTags& tags = GetControlKindTags(kind);
     switch (HowItEnds(pieces, u"groupbox")) {
     case Ending::Empty:
         pieces.pop_back();
@@ -195,11 +198,11 @@ void CDialogItem::CloseGroupBox(const char* kind) {
         return;
     case Ending::TitleOnly:
         pieces.pop_back();
-        AppendClose(WideKind(kind));
+        AppendClose(tags.name, tags.closeTag);
         return;
     case Ending::Content:
-        AppendClose(u"items");
-        AppendClose(WideKind(kind));
+        AppendClose(kItemsName, kItemsClose);
+        AppendClose(tags.name, tags.closeTag);
         return;
     }
 }
@@ -213,41 +216,42 @@ void CDialogItem::EmitControl(const DialogControl& control) {
         return;
     const std::u16string title = TitleText(control.title);
     const std::string marks = GetStyleMarks(control.classOrdinal, control.style);
-    const std::u16string wideKind = WideKind(kind);
+    const ControlKindTags& tags = GetControlKindTags(kind);
 
     if (Contains(kind, "groupbox")) {
-        AppendOpen(wideKind, ControlStartTag(control, false));
+        AppendOpen(tags.name, ControlStartTag(control, false));
         if (!title.empty())
             AppendCaption(title, marks, false);
-        AppendOpen(u"items", u"<items>");
+        AppendOpen(kItemsName, kItemsOpen);
         return;
     }
-    std::u16string tagText = ControlStartTag(control, true);
+    // One text for the control's tag and its list's, when it has both.
+    WideText tagText = ControlStartTag(control, true);
     if (!title.empty()) {
-        AppendOpen(wideKind, tagText);
+        AppendOpen(tags.name, tagText);
         AnalyseDialogText(title, marks, false);
-        AppendClose(wideKind);
+        AppendClose(tags.name, tags.closeTag);
     }
     if (Contains(kind, "combobox") || Contains(kind, "listbox"))
-        EmitListItems(identifier, control.id, std::move(tagText), wideKind);
+        EmitListItems(identifier, control.id, std::move(tagText), tags);
 }
 
 void CDialogItem::EmitListItems(const std::string& dialogIdentifier, WORD controlId,
-                                std::u16string tagText, std::u16string_view kind) {
+                                WideText tagText, const ControlKindTags& kind) {
     CDlgInitTable& table = CDlgInitTable::GetInstance();
     const NarrowTextList entries = table.GetItems(dialogIdentifier, controlId);
     if (entries.empty())
         return;
     const UINT codePage = AnsiCodePage(table.language);
-    AppendOpen(kind, std::move(tagText));
+    AppendOpen(kind.name, std::move(tagText));
     for (const std::string& entry : entries) {
-        AppendOpen(u"item", u"<item>");
+        AppendOpen(kItemName, kItemOpen);
         // Up to the first zero byte: the string's own terminator, or where
         // binary data stop showing.
         pieces.push_back(MakeText(Widen(entry.substr(0, entry.find('\0')), codePage)));
-        AppendClose(u"item");
+        AppendClose(kItemName, kItemClose);
     }
-    AppendClose(kind);
+    AppendClose(kind.name, kind.closeTag);
 }
 
 } // namespace tervane

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "label/pieces/label_piece.h"
+#include "model/dialog_controls.h"
 #include "model/dialog_template.h"
 
 namespace tervane {
@@ -51,8 +52,8 @@ public:
     void EmitControls(const ControlList& list, bool includeFirst);
     void EmitControl(const DialogControl& control);
     // The list's start tag is the control's, given whole.
-    void EmitListItems(const std::string& dialogIdentifier, WORD controlId, std::u16string tagText,
-                       std::u16string_view kind);
+    void EmitListItems(const std::string& dialogIdentifier, WORD controlId, WideText tagText,
+                       const ControlKindTags& kind);
     // Appends the pieces of a dialog title (isCaption) or a control's text.
     void AnalyseDialogText(std::u16string_view text, std::string_view marks, bool isCaption);
 
@@ -74,8 +75,8 @@ private:
     void PartitionLevel(std::size_t start, ControlList& list, std::size_t depth);
     void CloseGroupBox(const char* kind);
     void AppendDialogOpen();
-    void AppendOpen(std::u16string_view name, std::u16string tagText);
-    void AppendClose(std::u16string_view name);
+    void AppendOpen(WideText name, WideText tagText);
+    void AppendClose(WideText name, WideText tagText);
     void AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption);
 };
 

@@ -53,16 +53,20 @@ std::u16string ReadText(ByteReader& reader) {
     return text;
 }
 
+constexpr WideText kItemName = WideText::Constant(u"item");
+constexpr WideText kMenuName = WideText::Constant(u"menu");
+
 std::unique_ptr<CTagLabelPiece> ItemClose() {
-    return MakeCloseTag(u"item", u"</item>");
+    return MakeStructuralTag(kItemName, WideText::Constant(u"</item>"), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> PopupOpen() {
-    return MakeOpenTag(u"menu", u"<menu>");
+    return MakeStructuralTag(kMenuName, WideText::Constant(u"<menu>"), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> Separator() {
-    return MakeEmptyTag(u"separator", u"<separator/>");
+    return MakeStructuralTag(WideText::Constant(u"separator"), WideText::Constant(u"<separator/>"),
+                             0, 0);
 }
 
 // Closes the menu that the last item holding it belongs to.
@@ -103,23 +107,23 @@ void ReadChildren(MenuItemRecord& record, Bytes data, std::size_t& offset, int& 
 } // namespace
 
 std::unique_ptr<CTagLabelPiece> MakeMenuRootTag(const std::string& identifierText) {
-    return MakeOpenTag("menu", "<menu id=\"" + identifierText + "\">");
+    return MakeStructuralTag(kMenuName, WidenTagText("<menu id=\"" + identifierText + "\">"), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeMenuCloseTag() {
-    return MakeCloseTag(u"menu", u"</menu>");
+    return MakeStructuralTag(kMenuName, WideText::Constant(u"</menu>"), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeItemTag(DWORD id) {
     const auto value = static_cast<std::int32_t>(id);
     if (id == 0xFFFF || value <= 0)
-        return MakeOpenTag(u"item", u"<item>");
+        return MakeStructuralTag(kItemName, WideText::Constant(u"<item>"), 0, 1);
     char digits[16];
     char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
     std::u16string text = u"<item id=\"";
     text.append(digits, end);
     text += u"\">";
-    return MakeStructuralTag(u"item", std::move(text), 0, 1);
+    return MakeStructuralTag(kItemName, text, 0, 1);
 }
 
 void ReadItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, bool isExtended,

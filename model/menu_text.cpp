@@ -9,6 +9,12 @@
 
 namespace tervane {
 
+namespace {
+
+constexpr WideText kShortcutName = WideText::Constant(u"shortcut");
+
+} // namespace
+
 void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
     std::optional<CLabelParser> own;
     CLabelParser* parser = record.parser;
@@ -38,7 +44,8 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
         flush();
         if (token.text == u"\\t") {
             // The tab vanishes from the document; the tag stands in its place.
-            record.pieces.push_back(MakeOpenTag(u"shortcut", u"<shortcut>"));
+            record.pieces.push_back(
+                MakeStructuralTag(kShortcutName, WideText::Constant(u"<shortcut>"), 0, 1));
             shortcut = true;
         } else {
             record.pieces.push_back(MakeInlineTag(token.text));
@@ -46,7 +53,8 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
     }
     flush();
     if (shortcut)
-        record.pieces.push_back(MakeCloseTag(u"shortcut", u"</shortcut>"));
+        record.pieces.push_back(
+            MakeStructuralTag(kShortcutName, WideText::Constant(u"</shortcut>"), 1, 0));
 }
 
 } // namespace tervane

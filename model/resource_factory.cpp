@@ -6,7 +6,33 @@
 
 namespace tervane {
 
+namespace {
+
+struct GroupTexts {
+    std::string_view group;
+    WideText name;
+    WideText open;
+    WideText close;
+};
+
+constexpr GroupTexts kGroups[] = {
+    {"dialogs", WideText::Constant(u"dialogs"), WideText::Constant(u"<dialogs>"),
+     WideText::Constant(u"</dialogs>")},
+    {"menus", WideText::Constant(u"menus"), WideText::Constant(u"<menus>"),
+     WideText::Constant(u"</menus>")},
+    {"stringtable", WideText::Constant(u"stringtable"), WideText::Constant(u"<stringtable>"),
+     WideText::Constant(u"</stringtable>")},
+    {"versioninfo", WideText::Constant(u"versioninfo"), WideText::Constant(u"<versioninfo>"),
+     WideText::Constant(u"</versioninfo>")},
+};
+
+} // namespace
+
 std::unique_ptr<CTagLabelPiece> CResource::GroupTag(const char* groupName, bool open) {
+    for (const GroupTexts& known : kGroups)
+        if (known.group == groupName)
+            return MakeStructuralTag(known.name, open ? known.open : known.close, open ? 0 : 1,
+                                     open ? 1 : 0);
     std::string text = std::string(open ? "<" : "</") + groupName + ">";
     return open ? MakeOpenTag(groupName, text) : MakeCloseTag(groupName, text);
 }

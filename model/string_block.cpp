@@ -1,5 +1,6 @@
 #include "model/string_block.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <utility>
@@ -118,14 +119,19 @@ void AppendStringPieces(const LabelTokenList& tokens, PieceEntry& entry) {
     flush();
 }
 
-// <string id="number">, built without a round through narrow text.
-std::u16string StringIdTag(long number) {
+constexpr WideText kStringName = WideText::Constant(u"string");
+
+// <string id="number">, built on the stack without a round through narrow text.
+WideText StringIdTag(long number) {
+    constexpr std::u16string_view kStart = u"<string id=\"";
     char digits[24];
     char* end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    std::u16string tag = u"<string id=\"";
-    tag.append(digits, end);
-    tag += u"\">";
-    return tag;
+    char16_t tag[kStart.size() + sizeof digits + 2];
+    char16_t* to = std::copy(kStart.begin(), kStart.end(), tag);
+    to = std::copy(digits, end, to);
+    *to++ = u'"';
+    *to++ = u'>';
+    return WideText(std::u16string_view(tag, static_cast<std::size_t>(to - tag)));
 }
 
 } // namespace
@@ -155,7 +161,7 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     if (text.empty())
         return entry;
     entry.reserve(8);
-    entry.push_back(MakeStructuralTag(u"string", StringIdTag(number), 0, 1));
+    entry.push_back(MakeStructuralTag(kStringName, StringIdTag(number), 0, 1));
 
     // The blank keeps a conversion at the very end from reaching the end of input.
     text += u' ';
@@ -173,7 +179,7 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
         last.pop_back();
 
     AppendStringPieces(tokens, entry);
-    entry.push_back(MakeCloseTag(u"string", u"</string>"));
+    entry.push_back(MakeStructuralTag(kStringName, WideText::Constant(u"</string>"), 1, 0));
     return entry;
 }
 
@@ -182,7 +188,7 @@ long GetStringNumber(const PieceEntry& entry) {
         const auto* tag = dynamic_cast<const CTagLabelPiece*>(piece.get());
         if (tag == nullptr || tag->tag.inlineTag)
             continue;
-        const std::u16string& text = tag->tag.tagText;
+        const std::u16string_view text = tag->tag.tagText;
         std::size_t first = text.find(u'"');
         std::size_t second = first == std::u16string::npos ? first : text.find(u'"', first + 1);
         if (second == std::u16string::npos)

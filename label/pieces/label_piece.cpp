@@ -1,25 +1,28 @@
 #include "label/pieces/label_piece.h"
 
+#include <algorithm>
+
 #include "platform/locale/code_pages.h"
 
 namespace tervane {
 
-namespace {
-
 // The texts of structural tags are nearly always ASCII, which the process's
 // code page (UTF-8) keeps unit for unit: no conversion needed.
-std::u16string WidenTagText(std::string_view text) {
+WideText WidenTagText(std::string_view text) {
     for (const char c : text)
         if (static_cast<unsigned char>(c) >= 0x80)
-            return Widen(text);
-    return std::u16string(text.begin(), text.end());
+            return WideText(Widen(text));
+    // Widened on the stack when short, as tag texts are.
+    char16_t units[64];
+    if (text.size() > sizeof units / sizeof units[0])
+        return WideText(std::u16string(text.begin(), text.end()));
+    std::copy(text.begin(), text.end(), units);
+    return WideText(std::u16string_view(units, text.size()));
 }
 
-} // namespace
-
 // Pieces are filled in place: a descriptor built aside would be moved twice.
-std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
-                                                  LONG endTag, LONG startTag) {
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagText, LONG endTag,
+                                                  LONG startTag) {
     auto piece = std::make_unique<CTagLabelPiece>();
     TagDescriptor& tag = piece->tag;
     tag.name = std::move(name);
@@ -45,24 +48,25 @@ std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_
 }
 
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText) {
-    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 0, 1);
+    return MakeStructuralTag(WideText(name), WideText(tagText), 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name,
                                              std::u16string_view tagText) {
-    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 1, 0);
+    return MakeStructuralTag(WideText(name), WideText(tagText), 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::u16string_view name,
                                              std::u16string_view tagText) {
-    return MakeStructuralTag(std::u16string(name), std::u16string(tagText), 0, 0);
+    return MakeStructuralTag(WideText(name), WideText(tagText), 0, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text) {
     auto piece = std::make_unique<CTagLabelPiece>();
     TagDescriptor& tag = piece->tag;
-    tag.name.assign(text);
-    tag.tagText.assign(text);
+    // Name and tag text are one text: one block for both.
+    tag.tagText = WideText(text);
+    tag.name = tag.tagText;
     tag.structural = 0;
     tag.inlineClass = 1;
     tag.endTag = 0;

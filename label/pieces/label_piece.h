@@ -67,14 +67,17 @@ public:
 // A list owns its pieces, in document order.
 using CLabelPieceList = std::vector<std::unique_ptr<CLabelPiece>>;
 
+// A narrow name or tag text widened with the process's code page.
+WideText WidenTagText(std::string_view text);
+
 // Name and tag text are narrow here and widened with the process's code page.
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::string_view name, std::string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_view tagText);
-// A structural tag (opening, closing or empty by its marks) that takes over
-// its name and tag text.
-std::unique_ptr<CTagLabelPiece> MakeStructuralTag(std::u16string name, std::u16string tagText,
-                                                  LONG endTag, LONG startTag);
+// A structural tag (opening, closing or empty by its marks) that shares its
+// name and tag text.
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagText, LONG endTag,
+                                                  LONG startTag);
 // The same with wide name and tag text, taken as they are.
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name, std::u16string_view tagText);

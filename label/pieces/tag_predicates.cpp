@@ -167,7 +167,7 @@ bool IsSeparatorMark(const TagDescriptor& tag) {
 }
 
 bool IsNumberedPlaceholder(const TagDescriptor& tag) {
-    const std::u16string& text = tag.tagText;
+    const std::u16string_view text = tag.tagText;
     if (text.empty() || text[0] != u'%')
         return false;
     // The digits at the end of the text, read towards its start, give the number;
@@ -195,7 +195,7 @@ bool IsOrderedTag(const TagDescriptor& tag) {
 }
 
 std::string GetIdAttribute(const TagDescriptor& tag) {
-    const std::u16string& text = tag.tagText;
+    const std::u16string_view text = tag.tagText;
     const std::size_t id = text.find(u"id");
     if (id == std::u16string::npos)
         return {};
@@ -209,7 +209,7 @@ std::string GetIdAttribute(const TagDescriptor& tag) {
 }
 
 std::u16string GetTagWord(const TagDescriptor& tag) {
-    const std::u16string& text = tag.tagText;
+    const std::u16string_view text = tag.tagText;
     const std::size_t lt = text.find(u'<');
     if (lt == std::u16string::npos)
         return {};
@@ -218,7 +218,7 @@ std::u16string GetTagWord(const TagDescriptor& tag) {
         end = text.find(u'>', lt + 1);
     if (end == std::u16string::npos)
         end = text.size();
-    return text.substr(lt + 1, end - lt - 1);
+    return std::u16string(text.substr(lt + 1, end - lt - 1));
 }
 
 // A piece that is no tag answers false, 0 or empty.

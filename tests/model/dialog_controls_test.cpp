@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <string>
+
 namespace tervane {
 namespace {
 
@@ -25,6 +28,20 @@ TEST(DialogControls, KindsByBitsNotByButtonType) {
                            {0x86, "unknown"}};
     for (const Case& c : others)
         EXPECT_STREQ(GetControlKind(c.classOrdinal, 0x07), c.kind) << c.classOrdinal;
+}
+
+// Every kind a control can have comes with its tag name and end tag.
+TEST(DialogControls, KindTagsSpellTheKind) {
+    for (WORD classOrdinal = 0x7F; classOrdinal <= 0x86; ++classOrdinal) {
+        for (DWORD style = 0; style < 16; ++style) {
+            const std::string kind = GetControlKind(classOrdinal, style);
+            const ControlKindTags& tags = GetControlKindTags(kind);
+            const std::u16string wide(kind.begin(), kind.end());
+            EXPECT_EQ(tags.name.str(), wide);
+            EXPECT_EQ(tags.closeTag.str(), u"</" + wide + u">");
+        }
+    }
+    EXPECT_THROW(GetControlKindTags("static"), std::invalid_argument);
 }
 
 TEST(DialogControls, StyleMarks) {

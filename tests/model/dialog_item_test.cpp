@@ -26,7 +26,7 @@ std::string Spell(const CLabelPieceList& pieces) {
         if (const auto* text = TextOf(*piece))
             out += u"[" + text->text + u"]";
         else if (const auto* tag = TagOf(*piece))
-            out += tag->inlineTag ? u"{" + tag->tagText + u"}" : tag->tagText;
+            out += tag->inlineTag ? u"{" + tag->tagText.str() + u"}" : tag->tagText.str();
     }
     std::string narrow;
     for (char16_t c : out)

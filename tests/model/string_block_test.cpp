@@ -31,7 +31,7 @@ std::u16string Spell(const PieceEntry& entry) {
         if (const auto* text = TextOf(*piece))
             out += u"[" + text->text + u"]";
         else if (const auto* tag = TagOf(*piece))
-            out += tag->inlineTag ? u"{" + tag->tagText + u"}" : tag->tagText;
+            out += tag->inlineTag ? u"{" + tag->tagText.str() + u"}" : tag->tagText.str();
     }
     return out;
 }
