@@ -27,11 +27,8 @@ bool BelongsToBlock(long number, long block) {
            number <= block * kStringsPerBlock - 1;
 }
 
-// The string at offset, moved behind it, with the control characters as the
-// two-character escapes the lexer reads; '&' is plain text in a string
-// table, so a doubled one is a single one. Escaping makes no '&', so the
-// pairs are those of the string itself.
-void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
+// The UTF-16 units of the counted string at offset, which moves behind it.
+Bytes ReadCountedUnits(Bytes data, std::size_t& offset) {
     ByteReader reader(data);
     if (!reader.Seek(offset))
         throw CParserException(kCorruptedDocumentMessage);
@@ -41,12 +38,22 @@ void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
     auto units = reader.ReadBytes(std::size_t{*length} * 2);
     if (!units)
         throw CParserException(kCorruptedDocumentMessage);
+    offset = reader.Offset();
+    return *units;
+}
+
+// The string at offset, moved behind it, with the control characters as the
+// two-character escapes the lexer reads; '&' is plain text in a string
+// table, so a doubled one is a single one. Escaping makes no '&', so the
+// pairs are those of the string itself.
+void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
+    const Bytes units = ReadCountedUnits(data, offset);
     // Written through a pointer into room for the longest result (every unit
     // escaped, and the blank that ParseString adds), then cut to size.
-    const std::size_t count = *length;
+    const std::size_t count = units.size() / 2;
     out.resize(2 * count + 1);
     char16_t* to = out.data();
-    const std::uint8_t* from = units->data();
+    const std::uint8_t* from = units.data();
     for (std::size_t i = 0; i < count; ++i) {
         const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
         char16_t escape = 0;
@@ -79,7 +86,6 @@ void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
         }
     }
     out.resize(static_cast<std::size_t>(to - out.data()));
-    offset = reader.Offset();
 }
 
 // An inline tag, with a blank at its end moved behind it.
@@ -137,19 +143,10 @@ WideText StringIdTag(long number) {
 } // namespace
 
 std::u16string ReadCountedString(Bytes data, std::size_t& offset) {
-    ByteReader reader(data);
-    if (!reader.Seek(offset))
-        throw CParserException(kCorruptedDocumentMessage);
-    auto length = reader.ReadU16LE();
-    if (!length)
-        throw CParserException(kCorruptedDocumentMessage);
-    auto units = reader.ReadBytes(std::size_t{*length} * 2);
-    if (!units)
-        throw CParserException(kCorruptedDocumentMessage);
-    std::u16string text(*length, u'\0');
+    const Bytes units = ReadCountedUnits(data, offset);
+    std::u16string text(units.size() / 2, u'\0');
     for (std::size_t i = 0; i < text.size(); ++i)
-        text[i] = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
-    offset = reader.Offset();
+        text[i] = static_cast<char16_t>(LoadU16LE(units.data() + 2 * i));
     return text;
 }
 
