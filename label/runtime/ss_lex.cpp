@@ -10,6 +10,19 @@ SSLex::SSLex(SSLexConsumer* consumer, const SSLexTable* table)
     }
 }
 
+void SSLex::reset() {
+    state_ = 0;
+    lexemeCount_ = 0;
+    contextMark_ = {};
+    if (listStack_.count())
+        listStack_.pop(listStack_.count());
+    currentList_ = nullptr;
+    if (table_) {
+        currentList_ = table_->expressionList(0);
+        listStack_.push(currentList_);
+    }
+}
+
 SSLexLexeme* SSLex::nextLexeme() {
     if (!table_ || !consumer_ || !currentList_)
         raise(ss_error::kMissingTableOrConsumer, "SSLex0107e: Table or consumer missing, required");

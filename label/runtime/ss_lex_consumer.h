@@ -231,6 +231,9 @@ public:
     explicit SSLexStringConsumer(std::u16string_view text);
     // The text up to its first null character.
     explicit SSLexStringConsumer(const char16_t* text);
+    // Starts over on a copy of text, as a new consumer would; the buffer's
+    // room stays.
+    void assign(std::u16string_view text);
     std::uint32_t refill() override { return 0; }
 };
 
