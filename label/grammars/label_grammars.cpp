@@ -50,22 +50,28 @@ std::u16string LabelYaccClass::symbolText(std::int32_t index) {
 
 void LabelYaccClass::add(std::uint32_t type, std::int32_t index) {
     SSYaccStackElement* element = elementFromProduction(index);
-    if (!tokens_)
-        return;
     // Built in place: no temporary record and no string moved.
-    LabelToken& token = tokens_->emplace_back();
-    token.type = type;
+    LabelToken* token = nextToken();
+    if (!token)
+        return;
+    token->type = type;
     if (element && element->lexeme)
-        token.text.assign(element->lexeme->wideText());
+        token->text.assign(element->lexeme->wideText());
 }
 
 void LabelYaccClass::add(std::uint32_t type, std::u16string text) {
-    if (tokens_)
-        tokens_->push_back({type, std::move(text)});
+    if (LabelToken* token = nextToken()) {
+        token->type = type;
+        // A kept record keeps its room; a new one takes the text's.
+        if (reused_)
+            token->text.assign(text);
+        else
+            token->text = std::move(text);
+    }
 }
 
 SSYaccStackElement* StringResYaccClass::stackElement() {
-    return SSMakeCounted<StringResParseStackElement>();
+    return newElement<StringResParseStackElement>();
 }
 
 SSYaccStackElement* StringResYaccClass::reduce(std::uint32_t production, std::uint32_t) {
@@ -84,7 +90,7 @@ SSYaccStackElement* StringResYaccClass::reduce(std::uint32_t production, std::ui
 }
 
 SSYaccStackElement* MenuResYaccClass::stackElement() {
-    return SSMakeCounted<MenuResParseStackElement>();
+    return newElement<MenuResParseStackElement>();
 }
 
 SSYaccStackElement* MenuResYaccClass::reduce(std::uint32_t production, std::uint32_t) {
@@ -148,7 +154,7 @@ void MenuResYaccClass::splitShortcut() {
 }
 
 SSYaccStackElement* DialogResYaccClass::stackElement() {
-    return SSMakeCounted<DialogResParseStackElement>();
+    return newElement<DialogResParseStackElement>();
 }
 
 SSYaccStackElement* DialogResYaccClass::reduce(std::uint32_t production, std::uint32_t) {

@@ -36,7 +36,16 @@ class DialogResParseStackElement : public SSYaccStackElement {};
 class LabelYaccClass : public SSYacc {
 public:
     LabelYaccClass(SSLex* lex, const SSYaccTable* table) : SSYacc(lex, table) {}
-    void setTokens(LabelTokenList* tokens) { tokens_ = tokens; }
+    // Where reductions put their tokens: at the end of a list, or written
+    // over the kept records of a reused one.
+    void setTokens(LabelTokenList* tokens) {
+        tokens_ = tokens;
+        reused_ = nullptr;
+    }
+    void setTokens(LabelTokens* tokens) {
+        tokens_ = nullptr;
+        reused_ = tokens;
+    }
 
 protected:
     // A token of type with the text of right-hand symbol index.
@@ -45,7 +54,14 @@ protected:
     std::u16string symbolText(std::int32_t index);
 
 private:
+    LabelToken* nextToken() {
+        if (reused_)
+            return &reused_->append();
+        return tokens_ ? &tokens_->emplace_back() : nullptr;
+    }
+
     LabelTokenList* tokens_ = nullptr;
+    LabelTokens* reused_ = nullptr;
 };
 
 class StringResYaccClass : public LabelYaccClass {

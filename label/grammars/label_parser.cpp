@@ -57,45 +57,56 @@ std::size_t LengthToNull(std::u16string_view text) {
 
 // The parser refers to the lexer and both to the tables: tear down in reverse.
 void CLabelParser::Reset() {
+    ready_ = false;
+    builtKind_ = 0;
     lex_ = nullptr;
     yacc_ = nullptr;
     engines_.emplace<std::monostate>();
     yaccTable_.reset();
     lexTable_.reset();
-    emptyConsumer_.reset();
+    consumer_.reset();
 }
 
 template <typename Lex, typename Yacc> void CLabelParser::Build() {
-    auto& engines =
-        engines_.emplace<Engines<Lex, Yacc>>(&*emptyConsumer_, &*lexTable_, &*yaccTable_);
+    auto& engines = engines_.emplace<Engines<Lex, Yacc>>(&*consumer_, &*lexTable_, &*yaccTable_);
     lex_ = &engines.lex;
     yacc_ = &engines.yacc;
 }
 
 LONG CLabelParser::Initialise(std::uint16_t kind) {
     kind_ = kind;
+    ready_ = false;
+    if (builtKind_ == kind && yacc_) {
+        ready_ = true;
+        return 0;
+    }
     Reset();
     try {
         switch (static_cast<LabelKind>(kind)) {
         case LabelKind::String:
-            emptyConsumer_.emplace(std::u16string_view());
+            consumer_.emplace(std::u16string_view());
             lexTable_.emplace(OwnTables<LabelKind::String>::Lex());
             yaccTable_.emplace(OwnTables<LabelKind::String>::Yacc());
             Build<StringResLexClass, StringResYaccClass>();
-            return 0;
+            break;
         case LabelKind::Menu:
-            emptyConsumer_.emplace(std::u16string_view());
+            consumer_.emplace(std::u16string_view());
             lexTable_.emplace(OwnTables<LabelKind::Menu>::Lex());
             yaccTable_.emplace(OwnTables<LabelKind::Menu>::Yacc());
             Build<MenuResLexClass, MenuResYaccClass>();
-            return 0;
+            break;
         case LabelKind::Dialog:
-            emptyConsumer_.emplace(std::u16string_view());
+            consumer_.emplace(std::u16string_view());
             lexTable_.emplace(OwnTables<LabelKind::Dialog>::Lex());
             yaccTable_.emplace(OwnTables<LabelKind::Dialog>::Yacc());
             Build<DialogResLexClass, DialogResYaccClass>();
-            return 0;
+            break;
+        default:
+            return kFailure;
         }
+        builtKind_ = kind;
+        ready_ = true;
+        return 0;
     } catch (const std::bad_alloc&) {
         Reset();
     } catch (const SSExceptionOutOfStorage&) {
@@ -104,20 +115,41 @@ LONG CLabelParser::Initialise(std::uint16_t kind) {
     return kFailure;
 }
 
-void CLabelParser::Parse(std::u16string_view text, LabelTokenList& tokens) {
-    if (!yacc_)
+template <typename Tokens> void CLabelParser::Run(std::u16string_view text, Tokens& tokens) {
+    if (!ready_)
         return;
+    ready_ = false;
     // The text ends at its first null, as a null-terminated one would.
     text = text.substr(0, LengthToNull(text));
+    // However the parse ends, the engines are new again for the next label,
+    // or built anew when that fails.
+    struct Restore {
+        CLabelParser& parser;
+        ~Restore() {
+            try {
+                parser.yacc_->setTokens(static_cast<LabelTokenList*>(nullptr));
+                parser.yacc_->reset();
+                parser.lex_->reset();
+            } catch (...) {
+                parser.builtKind_ = 0;
+            }
+        }
+    } restore{*this};
     yacc_->setTokens(&tokens);
     try {
-        SSLexStringConsumer consumer(text);
-        lex_->setConsumer(&consumer);
+        consumer_->assign(text);
         yacc_->parse();
     } catch (const SSException&) {
         // A label that can't be parsed comes back short and stops nothing.
     }
-    Reset();
+}
+
+void CLabelParser::Parse(std::u16string_view text, LabelTokenList& tokens) {
+    Run(text, tokens);
+}
+
+void CLabelParser::Parse(std::u16string_view text, LabelTokens& tokens) {
+    Run(text, tokens);
 }
 
 LabelTokenList ParseLabel(LabelKind kind, std::u16string_view text) {

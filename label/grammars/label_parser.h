@@ -28,10 +28,12 @@ public:
     LONG Initialise(std::uint16_t kind);
     LONG Initialise(LabelKind kind) { return Initialise(static_cast<std::uint16_t>(kind)); }
 
-    // Appends the tokens of text (in the escaped input form) to tokens and
-    // tears down what Initialise built. A label that fails to parse only
+    // Appends the tokens of text (in the escaped input form) to tokens; the
+    // next label needs Initialise again. A label that fails to parse only
     // gives fewer tokens.
     void Parse(std::u16string_view text, LabelTokenList& tokens);
+    // The same into a list that keeps its records from label to label.
+    void Parse(std::u16string_view text, LabelTokens& tokens);
 
     std::uint16_t kind() const { return kind_; }
 
@@ -44,9 +46,12 @@ private:
         Yacc yacc;
     };
     template <typename Lex, typename Yacc> void Build();
+    template <typename Tokens> void Run(std::u16string_view text, Tokens& tokens);
     void Reset();
 
-    std::optional<SSLexStringConsumer> emptyConsumer_;
+    // The engines of the kind built last stay for the next label of that
+    // kind; a parse puts them back to their new state when it ends.
+    std::optional<SSLexStringConsumer> consumer_;
     std::optional<SSLexTable> lexTable_;
     std::optional<SSYaccTable> yaccTable_;
     std::variant<std::monostate, Engines<StringResLexClass, StringResYaccClass>,
@@ -56,6 +61,8 @@ private:
     SSLex* lex_ = nullptr;
     LabelYaccClass* yacc_ = nullptr;
     std::uint16_t kind_ = 0;
+    std::uint16_t builtKind_ = 0;
+    bool ready_ = false; // Initialise succeeded and no Parse followed
 };
 
 // The tokens of one label of a kind: Initialise and Parse on a new parser.

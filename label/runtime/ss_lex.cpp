@@ -10,6 +10,19 @@ SSLex::SSLex(SSLexConsumer* consumer, const SSLexTable* table)
     }
 }
 
+void SSLex::reset() {
+    state_ = 0;
+    lexemeCount_ = 0;
+    contextMark_ = {};
+    if (listStack_.count())
+        listStack_.pop(listStack_.count());
+    currentList_ = nullptr;
+    if (table_) {
+        currentList_ = table_->expressionList(0);
+        listStack_.push(currentList_);
+    }
+}
+
 SSLexLexeme* SSLex::nextLexeme() {
     if (!table_ || !consumer_ || !currentList_)
         raise(ss_error::kMissingTableOrConsumer, "SSLex0107e: Table or consumer missing, required");
@@ -55,6 +68,19 @@ SSLexLexeme* SSLex::nextLexeme() {
                     : list.searchRow(state, c);
             if (next == SSLexExpressionList::kNoState)
                 break;
+            if (next == state && direct) {
+                // A state that loops on itself, as on the letters of a text:
+                // its loop is run through at once, and the accepting record
+                // below is taken at its end, where the last step would take it.
+                const std::uint32_t* row =
+                    direct + std::size_t{state} * SSLexExpressionList::kDirect;
+                while (run.more()) {
+                    const std::uint32_t ahead = run.peek();
+                    if (ahead >= SSLexExpressionList::kDirect || ahead == 10 || row[ahead] != state)
+                        break;
+                    run.skip();
+                }
+            }
             state = next;
             const SSLexFinalState& record = finals[state];
             if (record.flags & (SSLexFinalState::final | SSLexFinalState::contextStart)) {

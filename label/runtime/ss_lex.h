@@ -21,6 +21,8 @@ public:
     // The next lexeme with count 0, or null at the end of the input.
     SSLexLexeme* nextLexeme();
     void setConsumer(SSLexConsumer* consumer) { consumer_ = consumer; }
+    // Back to the state of a new lexer on the same consumer and table.
+    void reset();
 
     virtual SSLexLexeme* invalidToken(SSLexConsumer& consumer);
     virtual const char* tokenName(std::uint32_t token);

@@ -112,8 +112,12 @@ void SSLexConsumer::appendToBuffer(const std::uint8_t* bytes, std::uint32_t coun
 }
 
 SSLexStringConsumer::SSLexStringConsumer(std::u16string_view text) {
-    type_ = kWide;
-    // Positions are 32-bit byte offsets, as in the original.
+    assign(text);
+}
+
+void SSLexStringConsumer::assign(std::u16string_view text) {
+    // A failure leaves the consumer as it was; positions are 32-bit byte
+    // offsets, as in the original.
     if (text.size() > (UINT32_MAX - 2) / 2)
         throw SSExceptionOutOfStorage();
     auto bytes = static_cast<std::uint32_t>(text.size() * 2);
@@ -122,6 +126,20 @@ SSLexStringConsumer::SSLexStringConsumer(std::u16string_view text) {
     } catch (const std::bad_alloc&) {
         throw SSExceptionOutOfStorage();
     }
+    type_ = kWide;
+    firstRead_ = 0xFFFFFFFF;
+    lexemeLine_ = 0;
+    shift_ = 0;
+    bufferBase_ = 0;
+    lexemeStart_ = 0;
+    index_ = 0;
+    lexemeOffset_ = 0;
+    current_ = 0;
+    endOfData_ = false;
+    consumed_ = 0;
+    lineDelta_ = 1;
+    offset_ = 1;
+    nativeOrder_ = true;
     if constexpr (std::endian::native == std::endian::little) {
         if (bytes)
             std::memcpy(buffer_.data(), text.data(), bytes);

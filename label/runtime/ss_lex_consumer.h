@@ -108,15 +108,23 @@ public:
 
         bool more() const { return index < limit; }
         // Only while more().
-        std::uint32_t take() {
-            std::uint32_t c;
+        std::uint32_t peek() const {
             if constexpr (std::endian::native == std::endian::little) {
                 std::uint16_t unit;
                 std::memcpy(&unit, data + index, sizeof unit);
-                c = unit;
+                return unit;
             } else {
-                c = static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
+                return static_cast<std::uint32_t>(data[index] | (data[index + 1] << 8));
             }
+        }
+        // Only while more(), over a character other than a line feed.
+        void skip() {
+            index += 2;
+            ++offset;
+        }
+        // Only while more().
+        std::uint32_t take() {
+            const std::uint32_t c = peek();
             index += 2;
             if (c == 10) {
                 ++lineDelta;
@@ -231,6 +239,9 @@ public:
     explicit SSLexStringConsumer(std::u16string_view text);
     // The text up to its first null character.
     explicit SSLexStringConsumer(const char16_t* text);
+    // Starts over on a copy of text, as a new consumer would; the buffer's
+    // room stays.
+    void assign(std::u16string_view text);
     std::uint32_t refill() override { return 0; }
 };
 

@@ -19,15 +19,21 @@ public:
     // Frees the object; the base has nothing to free.
     virtual void destroy() {}
     virtual void release(bool deleteAtZero) {
-        if (count_ == 0)
-            SSExceptionPresent::raise(ss_error::kRefCountBelowZero,
-                                      "SSRef0001e: Reference count less than zero");
-        if (--count_ == 0 && deleteAtZero)
+        if (dropReference() && deleteAtZero)
             destroy();
     }
     virtual ~SSRefCount() = default;
 
     std::uint32_t refCount() const { return count_; }
+
+protected:
+    // One reference less; true when none is left.
+    bool dropReference() {
+        if (count_ == 0)
+            SSExceptionPresent::raise(ss_error::kRefCountBelowZero,
+                                      "SSRef0001e: Reference count less than zero");
+        return --count_ == 0;
+    }
 
 private:
     std::uint32_t count_ = 1;

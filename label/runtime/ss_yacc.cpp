@@ -47,6 +47,12 @@ SSRef<SSLexLexeme> SSYaccLookaheadQueue::take() {
     return std::move(items_[head_++]);
 }
 
+void SSYaccLookaheadQueue::clear() {
+    for (std::uint32_t i = 0; i < count_; ++i)
+        items_[head_ + i] = nullptr;
+    head_ = tail_ = count_ = 0;
+}
+
 SSLexLexeme* SSYaccLookaheadQueue::at(std::uint32_t position) const {
     return position < count_ ? items_[head_ + position].get() : nullptr;
 }
@@ -56,6 +62,39 @@ SSYacc::SSYacc(SSLex* lex, const SSYaccTable* table) : lex_(lex), table_(table) 
     eofLexeme_ = SSLexLexeme::create(kEof, sizeof kEof, false, SSYaccTable::kEofToken, 0xFFFFFFFF,
                                      0xFFFFFFFF, 0);
     stack_.push(SSMakeCounted<SSYaccStackElement>());
+    pool_ = SSYaccElementPool::create();
+}
+
+SSYacc::~SSYacc() {
+    // Elements still held go back to the pool later, and the last one frees it.
+    pool_->abandon();
+}
+
+void SSYacc::reset() {
+    errorSeen_ = false;
+    abort_ = false;
+    state_ = 0;
+    shiftsSinceError_ = 0;
+    lookahead_ = nullptr;
+    eofSeen_ = false;
+    production_ = 0;
+    conflictLexeme_ = nullptr;
+    productionSize_ = 0;
+    queue_.clear();
+    action_ = SSYaccAction::error;
+    queuePosition_ = 0;
+    lhs_ = 0;
+    lookaheadList_ = nullptr;
+    current_ = nullptr;
+    recoveryHeld_ = nullptr;
+    result_ = nullptr;
+    // Any element in state 0 without a lexeme serves as the bottom.
+    if (stack_.count() > 1)
+        stack_.pop(stack_.count() - 1);
+    if (stack_.count() == 1 && (stack_.top()->state != 0 || stack_.top()->lexeme))
+        stack_.pop();
+    if (stack_.count() == 0)
+        stack_.push(SSMakeCounted<SSYaccStackElement>());
 }
 
 int SSYacc::parse() {
@@ -69,45 +108,54 @@ int SSYacc::parse() {
         if (++steps > kStepsWithoutShift + 2 * shifts)
             raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
         switch (action_) {
-        case SSYaccAction::shift:
-            current_ = shift(lookahead_.get());
-            if (!current_)
+        case SSYaccAction::shift: {
+            SSYaccStackElement* element = shift(lookahead_.get());
+            if (!element)
                 return 1;
-            current_->lexeme = lookahead_;
-            current_->state = state_;
-            stack_.push(current_);
+            element->lexeme = lookahead_;
+            element->state = state_;
+            stack_.push(element);
+            current_ = element;
             if (!readLookahead(true))
                 return 1;
             ++shiftsSinceError_;
             ++shifts;
             steps = 0;
             break;
+        }
         case SSYaccAction::reduce: {
-            current_ = reduce(production_, productionSize_);
-            if (!current_)
+            SSYaccStackElement* element = reduce(production_, productionSize_);
+            if (!element)
                 return 1;
             if (productionSize_ < stack_.count()) {
                 stack_.pop(productionSize_);
             } else {
-                // Pops up to the bottom and fails there, as one pop at a time would.
+                // Pops up to the bottom and fails there, as one pop at a time
+                // would; the new element is held, so that the failure frees it.
+                SSRef<SSYaccStackElement> held = element;
                 for (std::uint32_t i = 0; i < productionSize_; ++i) {
                     stack_.top() = nullptr;
                     stack_.pop();
                 }
+                held.detach();
             }
             state_ = stack_.top()->state;
             const std::uint32_t target = table_->gotoTarget(state_, lhs_);
-            if (target == SSYaccTable::kNoGoto)
+            if (target == SSYaccTable::kNoGoto) {
+                SSRef<SSYaccStackElement> held = element;
                 raise(ss_error::kInvalidGoto, "SSYacc0107e: Invalid goto on %ld",
                       static_cast<long>(lhs_));
+            }
             state_ = target;
-            current_->state = state_;
-            stack_.push(current_);
+            element->state = state_;
+            stack_.push(element);
+            current_ = element;
             findAction(state_, lookahead_->parseToken());
             break;
         }
         case SSYaccAction::error:
             errorSeen_ = true;
+            recoveryHeld_ = current_;
             if (error(state_, lookahead_.get()))
                 return 1;
             shiftsSinceError_ = 0;
@@ -208,7 +256,7 @@ SSLexLexeme* SSYacc::nextLexeme() {
 }
 
 SSYaccStackElement* SSYacc::stackElement() {
-    return SSMakeCounted<SSYaccStackElement>();
+    return newElement<SSYaccStackElement>();
 }
 
 SSYaccStackElement* SSYacc::shift(SSLexLexeme*) {
@@ -260,7 +308,7 @@ int SSYacc::error(std::uint32_t, SSLexLexeme*) {
                 SSRef<SSYaccStackElement> element = stackElement();
                 element->lexeme = SSLexLexeme::create(u"%error", SSYaccTable::kErrorToken, 0, 0);
                 element->state = row.errorState;
-                current_ = element;
+                current_ = element.get();
                 stack_.push(element);
                 return 0;
             }

@@ -11,31 +11,10 @@
 #include "label/runtime/ss_lifo.h"
 #include "label/runtime/ss_pool.h"
 #include "label/runtime/ss_ref.h"
+#include "label/runtime/ss_yacc_element.h"
 #include "label/runtime/ss_yacc_table.h"
 
 namespace tervane {
-
-class SSYaccStackElement : public SSRefCount, public SSExceptionPresent {
-public:
-    SSYaccStackElement() = default;
-    void destroy() override { delete this; }
-    // Final, so that holders of elements count without a virtual call.
-    void addRef() final { SSRefCount::addRef(); }
-    void release(bool deleteAtZero) final { SSRefCount::release(deleteAtZero); }
-    // Grammars derive elements without fields: all come from one pool.
-    static void* operator new(std::size_t size) {
-        if (void* block = ss_pool::Allocate(size))
-            return block;
-        throw std::bad_alloc();
-    }
-    static void operator delete(void* block, std::size_t size) noexcept {
-        ss_pool::Free(block, size);
-    }
-    ~SSYaccStackElement() override = default;
-
-    std::uint32_t state = 0;   // the parser state entered when it was pushed
-    SSRef<SSLexLexeme> lexeme; // empty for a non-terminal
-};
 
 // Lexemes read ahead of the parser.
 class SSYaccLookaheadQueue {
@@ -45,6 +24,8 @@ public:
     SSRef<SSLexLexeme> take();
     SSLexLexeme* at(std::uint32_t position) const;
     std::uint32_t count() const { return count_; }
+    // Lets go of every entry; the room stays.
+    void clear();
 
 private:
     std::unique_ptr<SSRef<SSLexLexeme>[]> items_;
@@ -61,6 +42,10 @@ public:
     SSYacc(const SSYacc&) = delete;
     SSYacc& operator=(const SSYacc&) = delete;
 
+    // Back to the state of a new parser on the same lexer and table, for the
+    // next input; what the parser keeps for reuse stays.
+    void reset();
+
     // 0 after an accepted input without error, otherwise not 0. Runtime
     // errors are thrown as SSException.
     int parse();
@@ -74,7 +59,7 @@ public:
     virtual SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) = 0;
     virtual int lookaheadError(std::uint32_t state, SSLexLexeme* lookahead,
                                SSLexLexeme* conflictLexeme);
-    virtual ~SSYacc() = default;
+    virtual ~SSYacc();
 
     // Inside reduce: the element of right-hand symbol index, 0 the leftmost.
     SSYaccStackElement* elementFromProduction(std::int32_t index);
@@ -90,6 +75,12 @@ public:
     SSLexLexeme* lookahead() const { return lookahead_.get(); }
     SSYaccStackElement* result() const { return result_.get(); }
     std::size_t stackDepth() const { return stack_.count(); }
+    // Elements given back and not yet handed out again.
+    std::size_t keptElements() const { return pool_->keptCount(); }
+
+protected:
+    // For stackElement(): a new Element, or one that this parser kept.
+    template <typename Element> SSYaccStackElement* newElement() { return pool_->take<Element>(); }
 
 private:
     void findAction(std::uint32_t state, std::uint32_t token);
@@ -114,8 +105,12 @@ private:
     std::uint32_t queuePosition_ = 0;
     std::uint32_t lhs_ = 0;
     SSRef<SSLexLexeme> eofLexeme_;
-    SSRef<SSYaccStackElement> current_;
+    // The element pushed last; the stack holds it. Recovery may pop it, so
+    // it is held while recovery runs.
+    SSYaccStackElement* current_ = nullptr;
+    SSRef<SSYaccStackElement> recoveryHeld_;
     SSRef<SSYaccStackElement> result_;
+    SSYaccElementPool* pool_;
 };
 
 // Here, so that the parse loop, which looks one up at every step, inlines it.
