@@ -9,10 +9,7 @@ namespace {
 
 using test::ExtractRun;
 using test::Lines;
-
-ExtractRun ExtractDialogs(const std::string& options, const std::string& image) {
-    return test::Extract(options, image, true);
-}
+const auto Text = test::TextEvent;
 
 const char* const kDialogsDocument =
     "<resources>\n"
@@ -117,7 +114,7 @@ TEST(ExtractDialogs, WholeDocument) {
     };
     for (const Case& c : cases) {
         for (const auto& image : test::FixtureImages(c.fixture)) {
-            ExtractRun run = ExtractDialogs("", image);
+            ExtractRun run = test::Extract("", image, true);
             EXPECT_EQ(run.status, 0) << image;
             EXPECT_EQ(run.out, c.document) << image;
         }
@@ -126,7 +123,7 @@ TEST(ExtractDialogs, WholeDocument) {
 
 TEST(ExtractDialogs, TracesOfTheReader) {
     for (const auto& image : test::FixtureImages("fwd_dialogs")) {
-        ExtractRun run = ExtractDialogs("", image);
+        ExtractRun run = test::Extract("", image, true);
         for (const char* text :
              {"DS_SETFONT is set", "-----Dialog id = 104 has been skipped-----\n",
               "!!!!!Dialog id = 107 has been skipped, there is no translatable contents.!!!!!\n"})
@@ -135,31 +132,22 @@ TEST(ExtractDialogs, TracesOfTheReader) {
     }
 }
 
-std::string Tag(const std::string& text, int start, int end, int in = 0) {
-    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" +
-           (in ? text
-               : text.substr(text[1] == '/' ? 2 : 1, text.size() - (text[1] == '/' ? 3 : 2))) +
-           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-           ", \"inline\": " + std::to_string(in) + "}";
-}
-std::string Text(const std::string& text) {
-    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
+std::string Tag(const std::string& text, const std::string& name, int start, int end) {
+    return test::TagEvent(text, name, start, end, 0);
 }
 
 // What the plain document does not show: which marks are inline tags and
 // which are text.
 TEST(ExtractDialogs, EventsOfACaptionAndAButton) {
     const std::vector<std::string> caption = {
-        Tag("<caption>", 1, 0), Text("Print "),          Text("&"),
-        Text("Setup"),          Tag("</caption>", 0, 1), Text("\\n")};
-    const std::vector<std::string> button = {Tag("&", 0, 0, 1), Text("Help"),
-                                             Tag("</button>", 0, 1), Text("\\n")};
-    const std::string help = "{\"event\": \"Tag\", \"text\": \"<button x=\\\"130\\\" "
-                             "y=\\\"40\\\" width=\\\"50\\\" height=\\\"14\\\" "
-                             "id=\\\"9\\\">\", \"name\": \"button\", \"start\": 1, "
-                             "\"end\": 0, \"inline\": 0}";
+        Tag("<caption>", "caption", 1, 0),  Text("Print "), Text("&"), Text("Setup"),
+        Tag("</caption>", "caption", 0, 1), Text("\\n")};
+    const std::vector<std::string> button = {test::TagEvent("&", "&", 0, 0, 1), Text("Help"),
+                                             Tag("</button>", "button", 0, 1), Text("\\n")};
+    const std::string help =
+        Tag(R"(<button x=\"130\" y=\"40\" width=\"50\" height=\"14\" id=\"9\">)", "button", 1, 0);
     for (const auto& image : test::FixtureImages("fwd_dialogs")) {
-        std::vector<std::string> lines = Lines(ExtractDialogs("--events", image).out);
+        std::vector<std::string> lines = Lines(test::Extract("--events", image).out);
         auto at = std::search(lines.begin(), lines.end(), caption.begin(), caption.end());
         EXPECT_NE(at, lines.end()) << image;
         at = std::find(lines.begin(), lines.end(), help);

@@ -9,12 +9,6 @@ namespace {
 
 using test::Lines;
 
-std::string ExtractOutput(const std::string& options, const std::string& path, int* status) {
-    test::ExtractRun run = test::Extract(options, path);
-    *status = run.status;
-    return run.out;
-}
-
 // German before English by language; the block without any of the five
 // values is last, gives nothing, and closes the document.
 const char* const kVersionDocument =
@@ -35,21 +29,14 @@ const char* const kVersionDocument =
 
 TEST(ExtractVersion, WholeDocument) {
     for (const auto& image : test::FixtureImages("fwd_version")) {
-        int status = -1;
-        EXPECT_EQ(ExtractOutput("", image, &status), kVersionDocument) << image;
-        EXPECT_EQ(status, 0) << image;
+        test::ExtractRun run = test::Extract("", image);
+        EXPECT_EQ(run.out, kVersionDocument) << image;
+        EXPECT_EQ(run.status, 0) << image;
     }
 }
 
-std::string Tag(const std::string& text, const std::string& name, int start, int end, int in) {
-    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
-           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-           ", \"inline\": " + std::to_string(in) + "}";
-}
-
-std::string Text(const std::string& text) {
-    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
-}
+const auto Tag = test::TagEvent;
+const auto Text = test::TextEvent;
 
 // The events from one tag on, exactly.
 TEST(ExtractVersion, EventsOfValuesAndFrame) {
@@ -72,9 +59,9 @@ TEST(ExtractVersion, EventsOfValuesAndFrame) {
           R"({"event": "Progress", "value": 100})", R"({"event": "EndOfInput"})"}},
     };
     for (const auto& image : test::FixtureImages("fwd_version")) {
-        int status = -1;
-        std::vector<std::string> lines = Lines(ExtractOutput("--events", image, &status));
-        EXPECT_EQ(status, 0) << image;
+        test::ExtractRun run = test::Extract("--events", image);
+        EXPECT_EQ(run.status, 0) << image;
+        std::vector<std::string> lines = Lines(run.out);
         for (const Case& c : cases) {
             // The last occurrence: both languages have a productname.
             auto at = std::find(lines.rbegin(), lines.rend(), c.from);

@@ -1,10 +1,9 @@
 #pragma once
 // Dialog templates built in code, in either form, with the layout's own
 // alignment: whole header and each whole control record to 4 bytes.
-#include <cstdint>
 #include <optional>
-#include <string>
-#include <vector>
+
+#include "tests/model/test_images.h"
 
 namespace tervane::test {
 
@@ -32,87 +31,51 @@ struct TemplateDialog {
     std::optional<NameOrOrdinal> windowClass;
     std::u16string title;
     bool fontBlock = false; // written where the style asks for one
-    std::u16string fontName = u"MS Shell Dlg";
     std::vector<TemplateControl> controls;
     std::optional<std::uint16_t> itemCount; // none: the number of controls
 };
 
-class TemplateBytes {
-public:
-    void U8(std::uint8_t v) { bytes.push_back(v); }
-    void U16(std::uint16_t v) {
-        U8(static_cast<std::uint8_t>(v));
-        U8(static_cast<std::uint8_t>(v >> 8));
-    }
-    void U32(std::uint32_t v) {
-        U16(static_cast<std::uint16_t>(v));
-        U16(static_cast<std::uint16_t>(v >> 16));
-    }
-    void Text(const std::u16string& text) {
-        for (char16_t c : text)
-            U16(c);
-        U16(0);
-    }
-    void Item(const std::optional<NameOrOrdinal>& item) {
-        if (!item) {
-            U16(0);
-        } else if (item->name) {
-            Text(*item->name);
-        } else {
-            U16(0xFFFF);
-            U16(item->ordinal);
-        }
-    }
-    void Align() {
-        while (bytes.size() % 4)
-            U8(0);
-    }
-    std::vector<std::uint8_t> bytes;
-};
+inline void Item(Bytes& b, const std::optional<NameOrOrdinal>& item) {
+    if (!item)
+        b.U16(0);
+    else if (item->name)
+        b.Text(*item->name);
+    else
+        b.U16(0xFFFF).U16(item->ordinal);
+}
 
 inline std::vector<std::uint8_t> BuildTemplate(const TemplateDialog& d) {
-    TemplateBytes b;
-    if (d.extended) {
-        b.U32(0xFFFF0001);
-        b.U32(0x1234); // help id
-        b.U32(0);      // extended style
-        b.U32(d.style);
-    } else {
-        b.U32(d.style);
+    Bytes b;
+    if (d.extended)
+        b.U32(0xFFFF0001).U32(0x1234).U32(0); // signature, help id, extended style
+    b.U32(d.style);
+    if (!d.extended)
         b.U32(0);
-    }
     b.U16(d.itemCount.value_or(static_cast<std::uint16_t>(d.controls.size())));
-    for (std::int16_t v : {0, 0, 200, 100})
-        b.U16(static_cast<std::uint16_t>(v));
-    b.Item(d.menu);
-    b.Item(d.windowClass);
+    b.U16(0).U16(0).U16(200).U16(100);
+    Item(b, d.menu);
+    Item(b, d.windowClass);
     b.Text(d.title);
     if (d.fontBlock) {
         b.U16(8);
-        if (d.extended) {
-            b.U16(700);
-            b.U8(1);
-            b.U8(204);
-        }
-        b.Text(d.fontName);
+        if (d.extended)
+            b.U16(700).U8(1).U8(204);
+        b.Text(u"MS Shell Dlg");
     }
     for (const TemplateControl& c : d.controls) {
         b.Align();
-        if (d.extended) {
-            b.U32(0x77); // help id
+        if (d.extended)
+            b.U32(0x77).U32(0); // help id, extended style
+        b.U32(c.style);
+        if (!d.extended)
             b.U32(0);
-            b.U32(c.style);
-        } else {
-            b.U32(c.style);
-            b.U32(0);
-        }
         for (std::int16_t v : {c.x, c.y, c.cx, c.cy})
             b.U16(static_cast<std::uint16_t>(v));
         b.U16(c.id);
         if (d.extended)
             b.U16(0xABCD); // high word of the id
-        b.Item(c.windowClass);
-        b.Item(c.title);
+        Item(b, c.windowClass);
+        Item(b, c.title);
         b.U16(static_cast<std::uint16_t>(c.creationData.size()));
         b.bytes.insert(b.bytes.end(), c.creationData.begin(), c.creationData.end());
     }

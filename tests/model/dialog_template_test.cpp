@@ -13,75 +13,25 @@ using test::NameOrOrdinal;
 using test::TemplateControl;
 using test::TemplateDialog;
 
-TEST(DialogTemplate, HeaderFields) {
+// Each form of header and of control record ends on the byte where the
+// next record starts: the controls behind it read back whole.
+TEST(DialogTemplate, EachFormReadsUpToTheNextRecord) {
     struct Case {
         const char* what;
-        TemplateDialog dialog;
-        DWORD isExtended;
-        DWORD style;
-        OptionalText menuName;
-        WORD menuOrdinal;
-        OptionalText className;
-        OptionalText title;
-        OptionalText fontName;
-        WORD weight;
-    };
-    TemplateDialog plainFont;
-    plainFont.style = 0x80000040;
-    plainFont.fontBlock = true;
-    plainFont.title = u"Plain";
-    TemplateDialog extendedFont = plainFont;
-    extendedFont.extended = true;
-    TemplateDialog fixedSys;
-    fixedSys.style = 0x08;
-    fixedSys.fontBlock = true;
-    fixedSys.fontName = u"Fixed";
-    TemplateDialog names;
-    names.menu = NameOrOrdinal::Name(u"MAINMENU");
-    names.windowClass = NameOrOrdinal::Name(u"MyClass");
-    TemplateDialog numbers;
-    numbers.menu = NameOrOrdinal::Number(7);
-    numbers.windowClass = NameOrOrdinal::Number(0x8002);
-    // Only 0xFFFF0001 marks the extended form; anything else is a style.
-    TemplateDialog notExtended;
-    notExtended.style = 0xFFFF0002;
-
-    const Case cases[] = {
-        {"plain font", plainFont, 0, 0x80000040, {}, 0, {}, u"Plain", u"MS Shell Dlg", 0},
-        {"extended font", extendedFont, 1, 0x80000040, {}, 0, {}, u"Plain", u"MS Shell Dlg", 700},
-        {"fixedsys alone", fixedSys, 0, 0x08, {}, 0, {}, {}, u"Fixed", 0},
-        {"names", names, 0, 0x80000000, u"MAINMENU", 0, u"MyClass", {}, {}, 0},
-        {"numbers", numbers, 0, 0x80000000, {}, 7, {}, {}, {}, 0},
-        {"0xFFFF0002", notExtended, 0, 0xFFFF0002, {}, 0, {}, {}, {}, 0},
-    };
-    for (const Case& c : cases) {
-        auto bytes = test::BuildTemplate(c.dialog);
-        CDialogTemplateReader reader;
-        DialogHeader header = reader.ReadHeader(bytes);
-        EXPECT_EQ(header.isExtended, c.isExtended) << c.what;
-        EXPECT_EQ(reader.isExtended, c.isExtended) << c.what;
-        EXPECT_EQ(header.style, c.style) << c.what;
-        EXPECT_EQ(header.menuName, c.menuName) << c.what;
-        EXPECT_EQ(header.menuOrdinal, c.menuOrdinal) << c.what;
-        EXPECT_EQ(header.className, c.className) << c.what;
-        EXPECT_EQ(header.title, c.title) << c.what;
-        EXPECT_EQ(header.fontName, c.fontName) << c.what;
-        EXPECT_EQ(header.weight, c.weight) << c.what;
-        EXPECT_EQ(header.cx, 200) << c.what;
-    }
-}
-
-TEST(DialogTemplate, ControlFields) {
-    struct Case {
-        const char* what;
-        TemplateControl control;
+        std::uint32_t style;
         bool extended;
-        WORD classOrdinal;
-        OptionalText className;
-        OptionalText title;
-        WORD titleOrdinal;
-        std::size_t creationBytes;
-        WORD idHigh;
+        std::optional<NameOrOrdinal> menu;
+        std::optional<NameOrOrdinal> windowClass;
+        DWORD isExtended;
+        WORD menuOrdinal;
+    };
+    const Case cases[] = {
+        {"font by DS_FIXEDSYS alone", 0x08, false, {}, {}, 0, 0},
+        {"font in the extended form", 0x40, true, NameOrOrdinal::Name(u"M"), {}, 1, 0},
+        {"menu and class by number", 0, false, NameOrOrdinal::Number(7),
+         NameOrOrdinal::Number(0x8002), 0, 7},
+        // Only 0xFFFF0001 marks the extended form; anything else is a style.
+        {"0xFFFF0002", 0xFFFF0002, false, {}, {}, 0, 0},
     };
     TemplateControl icon;
     icon.title = NameOrOrdinal::Number(42);
@@ -91,31 +41,33 @@ TEST(DialogTemplate, ControlFields) {
     TemplateControl data;
     data.creationData = {1, 2, 3};
     data.title = NameOrOrdinal::Name(u"x");
-    const Case cases[] = {
-        {"empty title", TemplateControl{}, false, 0x82, {}, u"", 0, 0, 0},
-        {"icon", icon, false, 0x82, {}, {}, 42, 0, 0},
-        {"class by name", named, true, 0, u"SysLink", u"link", 0, 0, 0xABCD},
-        {"creation data", data, true, 0x82, {}, u"x", 0, 3, 0xABCD},
-    };
     for (const Case& c : cases) {
         TemplateDialog dialog;
+        dialog.style = c.style;
         dialog.extended = c.extended;
-        dialog.controls = {c.control, c.control};
+        dialog.fontBlock = (c.style & 0x48) != 0;
+        dialog.menu = c.menu;
+        dialog.windowClass = c.windowClass;
+        dialog.title = u"T";
+        dialog.controls = {icon, named, data};
         auto bytes = test::BuildTemplate(dialog);
         CDialogTemplateReader reader;
-        reader.ReadHeader(bytes);
-        // The second record checks that the first ended on the right byte.
-        for (int i = 0; i < 2; ++i) {
-            DialogControl control = reader.ReadControl();
-            EXPECT_EQ(control.classOrdinal, c.classOrdinal) << c.what;
-            EXPECT_EQ(control.className, c.className) << c.what;
-            EXPECT_EQ(control.title, c.title) << c.what;
-            EXPECT_EQ(control.titleOrdinal, c.titleOrdinal) << c.what;
-            EXPECT_EQ(control.creationData.size(), c.creationBytes) << c.what;
-            EXPECT_EQ(control.idHigh, c.idHigh) << c.what;
-            EXPECT_EQ(control.helpId, c.extended ? 0x77u : 0u) << c.what;
-            EXPECT_EQ(control.width, 10) << c.what;
-        }
+        DialogHeader header = reader.ReadHeader(bytes);
+        EXPECT_EQ(header.isExtended, c.isExtended) << c.what;
+        EXPECT_EQ(header.style, c.style) << c.what;
+        EXPECT_EQ(header.menuOrdinal, c.menuOrdinal) << c.what;
+        EXPECT_EQ(header.title, u"T") << c.what;
+        EXPECT_EQ(header.weight, c.extended ? 700 : 0) << c.what;
+        const DialogControl first = reader.ReadControl();
+        EXPECT_EQ(first.titleOrdinal, 42) << c.what;
+        EXPECT_EQ(first.idHigh, c.extended ? 0xABCD : 0) << c.what;
+        const DialogControl second = reader.ReadControl();
+        EXPECT_EQ(second.className, u"SysLink") << c.what;
+        EXPECT_EQ(second.title, u"link") << c.what;
+        const DialogControl third = reader.ReadControl();
+        EXPECT_EQ(third.creationData.size(), 3u) << c.what;
+        EXPECT_EQ(third.title, u"x") << c.what;
+        EXPECT_EQ(third.width, 10) << c.what;
     }
 }
 

@@ -4,26 +4,19 @@
 
 #include "frame/diagnostics/exceptions.h"
 #include "model/dlginit_resource.h"
+#include "tests/model/test_images.h"
 
 namespace tervane {
 namespace {
 
 using ByteList = std::vector<std::uint8_t>;
 
-void PutWord(ByteList& out, WORD word) {
-    out.push_back(static_cast<std::uint8_t>(word));
-    out.push_back(static_cast<std::uint8_t>(word >> 8));
-}
-
 // One record: control id, message 0x403, the data's length, length high, the data.
 ByteList Record(WORD control, const std::string& data, WORD lengthHigh = 0) {
-    ByteList out;
-    PutWord(out, control);
-    PutWord(out, 0x403);
-    PutWord(out, static_cast<WORD>(data.size()));
-    PutWord(out, lengthHigh);
-    out.insert(out.end(), data.begin(), data.end());
-    return out;
+    test::Bytes out;
+    out.U16(control).U16(0x403).U16(static_cast<WORD>(data.size())).U16(lengthHigh);
+    out.bytes.insert(out.bytes.end(), data.begin(), data.end());
+    return out.bytes;
 }
 
 ByteList Join(const std::vector<ByteList>& parts) {

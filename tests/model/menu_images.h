@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "model/menu_resource.h"
-#include "platform/locale/code_pages.h"
+#include "tests/model/test_images.h"
 
 namespace tervane::test {
 
@@ -57,17 +57,9 @@ struct MenuImage {
     std::vector<std::uint8_t> bytes;
 };
 
-// One line a record, depth first, two blanks a level: texts in brackets,
-// inline tags in braces, other tags as they are.
+// One line a record, depth first, two blanks a level.
 inline void Spell(const MenuItemRecord& record, int depth, std::vector<std::string>& out) {
-    std::string line(static_cast<std::size_t>(depth) * 2, ' ');
-    for (const auto& piece : record.pieces) {
-        if (const auto* text = TextOf(*piece))
-            line += "[" + Narrow(text->text) + "]";
-        else if (const auto* tag = TagOf(*piece))
-            line += tag->inlineTag ? "{" + Narrow(tag->tagText) + "}" : Narrow(tag->tagText);
-    }
-    out.push_back(line);
+    out.push_back(std::string(static_cast<std::size_t>(depth) * 2, ' ') + Spell(record.pieces));
     for (const MenuItemRecord& child : record.children)
         Spell(child, depth + 1, out);
 }

@@ -20,11 +20,6 @@ TEST(MenuRecords, TreesOfPiecesFromTemplates) {
         std::vector<std::string> lines;
     };
     const Case cases[] = {
-        {"pop-up, separator last in it",
-         false,
-         [](MenuImage& m) { m.Popup(kEnd, u"File").Plain(0, 100, u"Exit").Plain(kEnd, 0, u""); },
-         {"<menu id=\"1\">", "<item>[File]</item><menu>", "  <item id=\"100\">[Exit]</item>",
-          "  <separator/></menu>", "  </menu>"}},
         // A plain separator is told by its empty text, not by its flags; a last
         // item with id 0 closes its menu only at the end of the data.
         {"ids, separator by text, id 0 before the end",

@@ -312,14 +312,10 @@ TEST(CodePages, ThreadsShareTheTables) {
 // The whole-string helpers take a shorter road for UTF-8 and must land where
 // the conversion calls do, ill-formed input included.
 TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
-    const std::u16string wide[] = {u"plain ASCII",
-                                   u"caf\u00e9 \u65e5\u672c",
-                                   u"\U0001F600 pair",
-                                   std::u16string(1, char16_t(0xD800)) + u"lone high",
-                                   u"lone low " + std::u16string(1, char16_t(0xDC00)),
-                                   u"ab" + std::u16string(1, char16_t(0xDBFF)),
-                                   std::u16string(u"nul\0inside", 11),
-                                   std::u16string(300, u'\u00fc')};
+    const std::u16string wide[] = {
+        u"caf\u00e9 \u65e5\U0001F600", std::u16string(1, char16_t(0xD800)) + u"lone high",
+        u"ab" + std::u16string(1, char16_t(0xDC00)), std::u16string(u"nul\0inside", 11),
+        std::u16string(300, u'\u00fc')};
     for (const std::u16string& text : wide) {
         const int length = static_cast<int>(text.size());
         const int needed =
@@ -330,14 +326,13 @@ TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
         EXPECT_EQ(tervane::Narrow(text, CP_UTF8), expected) << Hex(text);
         EXPECT_EQ(tervane::Narrow(text), expected) << Hex(text);
     }
-    const std::string narrow[] = {
-        "plain", "caf\xc3\xa9", "\xf0\x9f\x98\x80", "cut \xe6\x97", "\xc0\xaf overlong",
-        "\xed\xa0\x80 surrogate", "\xff\xfe", std::string("nul\0x", 5), "\xf4\x90\x80\x80 beyond",
-        // Past the stack's room and across blocks of sixteen.
-        std::string(15, 'a') + "\xc3\xa9" + std::string(20, 'b'),
-        std::string(16, 'a') + "\xf0\x9f\x98\x80" + std::string(14, 'c'),
-        std::string(31, 'a') + "\xe6\x97", std::string(300, 'a') + "\xc3\xa9",
-        std::string(255, 'a') + "\xe6\x97\xa5"};
+    const std::string narrow[] = {"caf\xc3\xa9", "cut \xe6\x97", "\xc0\xaf overlong",
+                                  "\xed\xa0\x80 surrogate", std::string("nul\0x", 5),
+                                  "\xf4\x90\x80\x80 beyond",
+                                  // Past the stack's room and across blocks of sixteen.
+                                  std::string(15, 'a') + "\xc3\xa9" + std::string(20, 'b'),
+                                  std::string(16, 'a') + "\xf0\x9f\x98\x80" + std::string(14, 'c'),
+                                  std::string(255, 'a') + "\xe6\x97\xa5"};
     for (const std::string& text : narrow) {
         const int length = static_cast<int>(text.size());
         const int needed = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, nullptr, 0);
@@ -354,18 +349,14 @@ TEST(CodePages, WholeStringUtf8IsWhatTheCallsGive) {
 TEST(CodePages, Utf8WrittenInPlaceIsWhatAppendingGives) {
     const std::u16string high(1, char16_t(0xD83D)), low(1, char16_t(0xDE00));
     std::vector<std::u16string> texts = {u"",
-                                         u"a",
-                                         u"seven.",
                                          u"exactly8",
-                                         u"nine units",
                                          std::u16string(u"\0\x7f\x80", 3),
                                          u"\u07ff\u0800\uffff",
                                          u"1234567" + high + low + u"after",
                                          u"12345678" + high + low,
                                          u"1234567" + high,
                                          low + u"1234567" + high + u"x",
-                                         std::u16string(300, u'\u00fc'),
-                                         std::u16string(300, u'y')};
+                                         std::u16string(300, u'\u00fc')};
     for (std::size_t at = 0; at < 17; ++at)
         texts.push_back(std::u16string(at, u'-') + u"\u00e9" + std::u16string(17 - at, u'+'));
     for (const std::u16string& text : texts) {

@@ -58,41 +58,23 @@ TEST(TagWords, AsPlainSearchesFindThem) {
     const std::u16string_view texts[] = {
         u"",
         u"<dialog id=\"IDD_ABOUT\">",
-        u"<dialog id=\"mylistbox\">",
         u"<radiobutton x=\"14\" y=\"34\" width=\"90\" height=\"10\" id=\"102\">",
-        u"</radiobutton>",
         u"<items>",
-        u"</items>",
         u"<item>",
-        u"</item>",
         u"<item id=\"201\">",
         u"<menu id=\"IDR_MENU\">",
-        u"<menu>",
-        u"</menu>",
         u"<separator/>",
-        u"</edit>",
-        u"/",
-        u"menu",
         u"menu menu",
         u"item/item",
         u"xmenu",
-        u"ite",
-        u"menu i",
-        u"item i",
         u"/items/item id",
-        u"&",
-        u"%s",
-        u"\\t",
         u"<checkbox style=\"ES_NUMBER\" hidden=\"yes\">",
         u"<\u00e9dit/caption\u20ac>",
     };
     for (std::u16string_view text : texts)
         ExpectSameAsSearches(text);
-}
-
-// Texts glued from pieces of the words, so that words overlap, break off at
-// the end and stand behind slashes in every way.
-TEST(TagWords, AsPlainSearchesOnGluedFragments) {
+    // Texts glued from pieces of the words, so that words overlap, break off
+    // at the end and stand behind slashes in every way.
     const std::u16string_view fragments[] = {
         u"/",     u"<",     u">",       u" ",     u"id",        u"item",   u"s",
         u"menu",  u"me",    u"nu",      u"box",   u"combo",     u"list",   u"group",

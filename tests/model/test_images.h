@@ -1,0 +1,49 @@
+#pragma once
+// What the model tests share: resource bytes written little-endian, and
+// pieces spelt out as texts in brackets, inline tags in braces and other
+// tags as they are.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "label/pieces/label_piece.h"
+#include "platform/locale/code_pages.h"
+
+namespace tervane::test {
+
+struct Bytes {
+    Bytes& U8(std::uint8_t v) {
+        bytes.push_back(v);
+        return *this;
+    }
+    Bytes& U16(std::uint16_t v) {
+        return U8(static_cast<std::uint8_t>(v)).U8(static_cast<std::uint8_t>(v >> 8));
+    }
+    Bytes& U32(std::uint32_t v) {
+        return U16(static_cast<std::uint16_t>(v)).U16(static_cast<std::uint16_t>(v >> 16));
+    }
+    Bytes& Text(std::u16string_view text) {
+        for (char16_t c : text)
+            U16(c);
+        return U16(0);
+    }
+    Bytes& Align() {
+        while (bytes.size() % 4)
+            U8(0);
+        return *this;
+    }
+    std::vector<std::uint8_t> bytes;
+};
+
+inline std::string Spell(const CLabelPieceList& pieces) {
+    std::u16string out;
+    for (const auto& piece : pieces) {
+        if (const auto* text = TextOf(*piece))
+            out += u"[" + text->text + u"]";
+        else if (const auto* tag = TagOf(*piece))
+            out += tag->inlineTag ? u"{" + tag->tagText.str() + u"}" : tag->tagText.str();
+    }
+    return Narrow(out);
+}
+
+} // namespace tervane::test
