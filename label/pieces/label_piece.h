@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/tag_descriptor.h"
+#include "label/pieces/piece_pool.h"
 #include "platform/win32/types.h"
 
 namespace tervane {
@@ -34,6 +35,13 @@ public:
     CLabelPiece(const CLabelPiece&) = default;
     CLabelPiece& operator=(const CLabelPiece&) = default;
     virtual ~CLabelPiece() = default;
+
+    // Pieces come from this thread's pool; the size is that of the piece's
+    // own type.
+    static void* operator new(std::size_t size) { return piece_pool::Allocate(size); }
+    static void operator delete(void* block, std::size_t size) noexcept {
+        piece_pool::Free(block, size);
+    }
 
     // The piece as a tag or a text piece, or null: what a dynamic_cast would
     // give, for the price of one call.
