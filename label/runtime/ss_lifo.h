@@ -58,7 +58,8 @@ public:
         return items_[count_ - 1];
     }
     // Popped items are destroyed, so that a stack of references lets go at once.
-    void pop(std::size_t n = 1) {
+    // Inline, as the parser pops at every reduction.
+    [[gnu::always_inline]] void pop(std::size_t n = 1) {
         if (n > count_)
             raise(ss_error::kPopEmpty, "SSLifo0004e: Cannot pop empty stack");
         for (std::size_t i = 0; i < n; ++i)
