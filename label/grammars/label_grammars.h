@@ -66,14 +66,20 @@ private:
 
 class StringResYaccClass : public LabelYaccClass {
 public:
-    using LabelYaccClass::LabelYaccClass;
+    // Only productions 5 to 7 add tokens.
+    StringResYaccClass(SSLex* lex, const SSYaccTable* table) : LabelYaccClass(lex, table) {
+        setPlainProductions(~std::uint64_t{0xE0});
+    }
     SSYaccStackElement* stackElement() override;
     SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override;
 };
 
 class MenuResYaccClass : public LabelYaccClass {
 public:
-    using LabelYaccClass::LabelYaccClass;
+    // Only productions 3 to 10 add tokens.
+    MenuResYaccClass(SSLex* lex, const SSYaccTable* table) : LabelYaccClass(lex, table) {
+        setPlainProductions(~std::uint64_t{0x7F8});
+    }
     SSYaccStackElement* stackElement() override;
     SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override;
 
@@ -86,7 +92,10 @@ private:
 
 class DialogResYaccClass : public LabelYaccClass {
 public:
-    using LabelYaccClass::LabelYaccClass;
+    // Only productions 2 to 7 add tokens.
+    DialogResYaccClass(SSLex* lex, const SSYaccTable* table) : LabelYaccClass(lex, table) {
+        setPlainProductions(~std::uint64_t{0xFC});
+    }
     SSYaccStackElement* stackElement() override;
     SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override;
 };

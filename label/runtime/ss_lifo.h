@@ -25,7 +25,7 @@ public:
     SSLifo& operator=(const SSLifo&) = delete;
     ~SSLifo() {
         while (count_)
-            items_[--count_].~T();
+            destroyAt(--count_);
         release();
     }
 
@@ -45,17 +45,25 @@ public:
         new (items_ + count_) T(std::move(item));
         ++count_;
     }
+    // push(T(args...)) without the temporary.
+    template <typename... Args> void emplace(Args&&... args) {
+        if (count_ + 1 > capacity_)
+            return push(T(std::forward<Args>(args)...));
+        new (items_ + count_) T(std::forward<Args>(args)...);
+        ++count_;
+    }
     T& top() {
         if (count_ == 0)
             raise(ss_error::kNoTop, "SSLifo0002e: No top, stack empty");
         return items_[count_ - 1];
     }
     // Popped items are destroyed, so that a stack of references lets go at once.
-    void pop(std::size_t n = 1) {
+    // Inline, as the parser pops at every reduction.
+    [[gnu::always_inline]] void pop(std::size_t n = 1) {
         if (n > count_)
             raise(ss_error::kPopEmpty, "SSLifo0004e: Cannot pop empty stack");
         for (std::size_t i = 0; i < n; ++i)
-            items_[--count_].~T();
+            destroyAt(--count_);
     }
     // The item i places below the top.
     T& at(std::size_t i) {
@@ -77,12 +85,15 @@ private:
             throw SSExceptionOutOfStorage();
         for (std::size_t i = 0; i < count_; ++i) {
             new (items + i) T(std::move(items_[i]));
-            items_[i].~T();
+            destroyAt(i);
         }
         release();
         items_ = items;
         capacity_ = capacity;
     }
+    // The slots hold exactly T: a qualified call skips a virtual destructor's
+    // dispatch.
+    void destroyAt(std::size_t i) { items_[i].T::~T(); }
     void release() {
         if (items_ != inlineItems())
             ::operator delete(items_);

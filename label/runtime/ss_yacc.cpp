@@ -63,6 +63,14 @@ SSYacc::SSYacc(SSLex* lex, const SSYaccTable* table) : lex_(lex), table_(table) 
                                      0xFFFFFFFF, 0);
     stack_.push(SSMakeCounted<SSYaccStackElement>());
     pool_ = SSYaccElementPool::create();
+    if (table_) {
+        const SSYaccTable::Data& data = table_->data();
+        if (!data.actionSlots.empty())
+            actionSlots_ = data.actionSlots.data();
+        if (!data.gotoSlots.empty())
+            gotoSlots_ = data.gotoSlots.data();
+        productions_ = data.productions.data();
+    }
 }
 
 SSYacc::~SSYacc() {
@@ -114,7 +122,7 @@ int SSYacc::parse() {
                 return 1;
             element->lexeme = lookahead_;
             element->state = state_;
-            stack_.push(element);
+            stack_.emplace(element);
             current_ = element;
             if (!readLookahead(true))
                 return 1;
@@ -124,7 +132,9 @@ int SSYacc::parse() {
             break;
         }
         case SSYaccAction::reduce: {
-            SSYaccStackElement* element = reduce(production_, productionSize_);
+            SSYaccStackElement* element = production_ < 64 && (plainProductions_ >> production_ & 1)
+                                              ? stackElement()
+                                              : reduce(production_, productionSize_);
             if (!element)
                 return 1;
             if (productionSize_ < stack_.count()) {
@@ -140,7 +150,7 @@ int SSYacc::parse() {
                 held.detach();
             }
             state_ = stack_.top()->state;
-            const std::uint32_t target = table_->gotoTarget(state_, lhs_);
+            const std::uint32_t target = gotoTarget(state_, lhs_);
             if (target == SSYaccTable::kNoGoto) {
                 SSRef<SSYaccStackElement> held = element;
                 raise(ss_error::kInvalidGoto, "SSYacc0107e: Invalid goto on %ld",
@@ -148,7 +158,7 @@ int SSYacc::parse() {
             }
             state_ = target;
             element->state = state_;
-            stack_.push(element);
+            stack_.emplace(element);
             current_ = element;
             findAction(state_, lookahead_->parseToken());
             break;

@@ -81,9 +81,13 @@ public:
 protected:
     // For stackElement(): a new Element, or one that this parser kept.
     template <typename Element> SSYaccStackElement* newElement() { return pool_->take<Element>(); }
+    // Productions below 64 whose reduce() would do nothing but return
+    // stackElement(): the parse makes their element without calling it.
+    void setPlainProductions(std::uint64_t mask) { plainProductions_ = mask; }
 
 private:
     void findAction(std::uint32_t state, std::uint32_t token);
+    std::uint32_t gotoTarget(std::uint32_t state, std::uint32_t symbol) const;
     bool readLookahead(bool setAction);
     bool resolveLookahead();
 
@@ -111,11 +115,21 @@ private:
     SSRef<SSYaccStackElement> recoveryHeld_;
     SSRef<SSYaccStackElement> result_;
     SSYaccElementPool* pool_;
+    // The table's looked-up answers and productions, reached at every step;
+    // null where the table has none.
+    const std::uint32_t* actionSlots_ = nullptr;
+    const std::uint32_t* gotoSlots_ = nullptr;
+    const SSYaccProduction* productions_ = nullptr;
+    std::uint64_t plainProductions_ = 0;
 };
 
 // Here, so that the parse loop, which looks one up at every step, inlines it.
 inline void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
-    const std::uint32_t value = table_->actionValue(state, token);
+    using Data = SSYaccTable::Data;
+    const std::uint32_t slot = Data::ActionSlot(token);
+    const std::uint32_t value = actionSlots_ && slot < Data::kActionSlots
+                                    ? actionSlots_[std::size_t{state} * Data::kActionSlots + slot]
+                                    : table_->actionValue(state, token);
     const std::uint32_t argument = value & kActionArgumentMask;
     action_ = ActionKind(value);
     switch (action_) {
@@ -123,7 +137,7 @@ inline void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
         state_ = argument;
         break;
     case SSYaccAction::reduce: {
-        const SSYaccProduction& production = table_->production(argument);
+        const SSYaccProduction& production = productions_[argument];
         production_ = argument;
         productionSize_ = production.size;
         lhs_ = production.lhs;
@@ -135,6 +149,14 @@ inline void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
     default:
         break;
     }
+}
+
+inline std::uint32_t SSYacc::gotoTarget(std::uint32_t state, std::uint32_t symbol) const {
+    using Data = SSYaccTable::Data;
+    const std::uint32_t slot = symbol - Data::kFirstNonTerminal;
+    if (gotoSlots_ && slot < Data::kGotoSlots)
+        return gotoSlots_[std::size_t{state} * Data::kGotoSlots + slot] - 1;
+    return table_->gotoTarget(state, symbol);
 }
 
 } // namespace tervane

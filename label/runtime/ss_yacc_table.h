@@ -165,6 +165,8 @@ public:
         void buildSlots();
     };
 
+    const Data& data() const { return *data_; }
+
 private:
     std::shared_ptr<const Data> data_;
 };

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/label/runtime_toy.h"
@@ -19,13 +20,14 @@ struct Outcome {
 };
 
 Outcome RunToy(const YaccGrammar& grammar, std::u16string_view text, std::uint32_t magic = kCyss,
-               std::optional<int> probe = std::nullopt) {
+               std::optional<int> probe = std::nullopt, std::uint64_t plain = 0) {
     SSLexTable lexTable(ToyLexImage(), "TOY");
     SSYaccTable yaccTable(BuildYaccTable(grammar, magic), "TOY");
     SSLexStringConsumer consumer(text);
     SSLex lex(&consumer, &lexTable);
     RecordingYacc yacc(&lex, &yaccTable);
     yacc.probe = probe;
+    yacc.setPlain(plain);
     Outcome out;
     try {
         out.result = yacc.parse();
@@ -102,6 +104,21 @@ TEST(ParserLoop, ReducesInTheOrderOfTheText) {
         EXPECT_EQ(out.code, 0) << c.name << ": " << out.message;
         EXPECT_EQ(out.result, c.result) << c.name;
         EXPECT_EQ(out.reductions, c.reductions) << c.name;
+    }
+}
+
+// Productions marked plain get a new element without a call to reduce; the
+// stack still shrinks by their size, so the later reductions see the same
+// symbols.
+TEST(ParserLoop, PlainProductionsSkipReduce) {
+    for (auto [plain, reductions] : std::vector<std::pair<std::uint64_t, std::vector<std::string>>>{
+             {1u << 2, {"1:-,2", "1:-,3"}},
+             {1u << 1, {"2:1"}},
+             {(1u << 1) | (1u << 2), {}},
+         }) {
+        Outcome out = RunToy(ToyGrammar(), u"1 2 3", kCyss, std::nullopt, plain);
+        EXPECT_EQ(out.result, 0) << plain;
+        EXPECT_EQ(out.reductions, reductions) << plain;
     }
 }
 

@@ -90,6 +90,7 @@ public:
     using SSYacc::SSYacc;
     std::vector<std::string> reductions;
     std::optional<int> probe; // a symbol index asked for before the others
+    void setPlain(std::uint64_t mask) { setPlainProductions(mask); }
 
     SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override {
         if (probe)
