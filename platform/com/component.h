@@ -91,9 +91,34 @@ protected:
     IUnknown* controlling_ = nullptr;
 };
 
-template <typename Base> class ComObject final : public Base {
+// IUnknown over Base's interface map with a plain count; Derived says, in
+// LastReleased, what becomes of the object when the last reference goes.
+template <typename Base, typename Derived> class CountedObject : public Base {
 public:
-    template <typename... Args> explicit ComObject(Args&&... args) : Base(args...) {
+    HRESULT QueryInterface(REFIID riid, void** object) override {
+        return ComObjectRoot::FindInterface<Base>(this, riid, object);
+    }
+    ULONG AddRef() override { return ++refs_; }
+    ULONG Release() override {
+        ULONG left = --refs_;
+        if (left == 0) {
+            // Guards against a release from FinalRelease ending the object twice.
+            refs_ = 1;
+            this->FinalRelease();
+            static_cast<Derived*>(this)->LastReleased();
+        }
+        return left;
+    }
+
+protected:
+    using Base::Base;
+    ULONG refs_ = 0;
+};
+
+template <typename Base> class ComObject final : public CountedObject<Base, ComObject<Base>> {
+public:
+    template <typename... Args>
+    explicit ComObject(Args&&... args) : CountedObject<Base, ComObject<Base>>(args...) {
         this->controlling_ = Base::Interfaces().front().cast(this);
         if constexpr (Base::kLocksModule)
             LockModule();
@@ -103,20 +128,7 @@ public:
             UnlockModule();
     }
 
-    HRESULT QueryInterface(REFIID riid, void** object) override {
-        return ComObjectRoot::FindInterface<Base>(this, riid, object);
-    }
-    ULONG AddRef() override { return ++refs_; }
-    ULONG Release() override {
-        ULONG left = --refs_;
-        if (left == 0) {
-            // Guards against a release from FinalRelease deleting twice.
-            refs_ = 1;
-            this->FinalRelease();
-            delete this;
-        }
-        return left;
-    }
+    void LastReleased() { delete this; }
 
     // A new object with one reference, constructed and FinalConstruct-ed.
     template <typename... Args> static HRESULT Create(ComObject** out, Args&&... args) {
@@ -133,9 +145,6 @@ public:
         *out = object;
         return S_OK;
     }
-
-private:
-    ULONG refs_ = 0;
 };
 
 // An aggregated object. Its own IUnknown (the one the outer object holds) is

@@ -14,29 +14,17 @@ namespace tervane {
 
 template <typename Base> class PooledClassFactory;
 
-template <typename Base> class PooledObject final : public Base {
+template <typename Base> class PooledObject final : public CountedObject<Base, PooledObject<Base>> {
 public:
     PooledObject() { this->controlling_ = Base::Interfaces().front().cast(this); }
 
-    HRESULT QueryInterface(REFIID riid, void** object) override {
-        return ComObjectRoot::FindInterface<Base>(this, riid, object);
-    }
-    ULONG AddRef() override { return ++refs_; }
-    ULONG Release() override {
-        ULONG left = --refs_;
-        if (left == 0) {
-            // Guards against a release from FinalRelease recycling twice.
-            refs_ = 1;
-            this->FinalRelease();
-            refs_ = 0;
-            PooledClassFactory<Base>::Recycle(this);
-        }
-        return left;
+    void LastReleased() {
+        this->refs_ = 0;
+        PooledClassFactory<Base>::Recycle(this);
     }
 
 private:
     friend class PooledClassFactory<Base>;
-    ULONG refs_ = 0;
     PooledObject* nextFree_ = nullptr;
 };
 
