@@ -48,12 +48,6 @@ bool Failed(const char* context) {
     return GetLastError() != 0 && CheckLastError(context) != 0;
 }
 
-// Traces are formatted only for a reader: a sink attached, or one that the
-// environment attaches at the first trace.
-bool Tracing() {
-    return TraceAttached() || std::getenv(kTraceVariable) != nullptr;
-}
-
 } // namespace
 
 CResourceParserImpl::CResourceParserImpl() {
@@ -123,7 +117,7 @@ void CResourceParserImpl::IsFileExist() {
 }
 
 int CResourceParserImpl::EnumerateResources() {
-    tracing_ = Tracing();
+    tracing_ = TraceAttached(); // traces are formatted only for a reader
     EnumResourceTypesA(module_, &TypeCallback, reinterpret_cast<LONG_PTR>(this));
     return 0;
 }
@@ -300,7 +294,7 @@ void CResourceParserImpl::ReportProgress() {
 HRESULT CResourceParserImpl::ExtractResources(long emit) {
     try {
         Trace("Forward conversion started.....\n");
-        const bool tracing = Tracing();
+        const bool tracing = TraceAttached();
         total_ = static_cast<double>(static_cast<unsigned long>(resources_.size()));
         done_ = 0;
         if (resources_.empty())

@@ -24,6 +24,16 @@ int OpenForAppend(const std::string& path) {
     return ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
 }
 
+// The environment names a trace file once, unless the host chose first.
+void ReadEnvironmentOnce(Sink& sink) {
+    if (sink.environmentRead)
+        return;
+    sink.environmentRead = true;
+    const char* path = std::getenv(kTraceVariable);
+    if (path != nullptr && *path != '\0')
+        sink.fd = OpenForAppend(path);
+}
+
 void Replace(Sink& sink, int fd) {
     if (sink.fd >= 0)
         ::close(sink.fd);
@@ -54,18 +64,14 @@ void DetachTrace() {
 bool TraceAttached() {
     Sink& sink = TheSink();
     std::lock_guard guard(sink.lock);
+    ReadEnvironmentOnce(sink);
     return sink.fd >= 0;
 }
 
 void WriteTrace(std::string_view text) {
     Sink& sink = TheSink();
     std::lock_guard guard(sink.lock);
-    if (!sink.environmentRead) {
-        sink.environmentRead = true;
-        const char* path = std::getenv(kTraceVariable);
-        if (path != nullptr && *path != '\0')
-            sink.fd = OpenForAppend(path);
-    }
+    ReadEnvironmentOnce(sink);
     if (sink.fd < 0)
         return;
     std::string line(text);

@@ -1,7 +1,7 @@
 #pragma once
 // Where traced texts go. Nothing is kept unless a file is attached, by the
 // host (--trace FILE) or by the environment variable TERVANE_TRACE, read at
-// the first traced text.
+// the first traced text or the first question whether one is attached.
 #include <string>
 #include <string_view>
 
