@@ -101,7 +101,7 @@ void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
 // Text tokens are joined with their escapes undone; every other token is an
 // inline tag in its escaped form, with a blank at either edge moved out of it
 // into a text piece of its own.
-void AppendStringPieces(const LabelTokenList& tokens, PieceEntry& entry) {
+void AppendStringPieces(std::span<const LabelToken> tokens, PieceEntry& entry) {
     std::u16string text;
     auto flush = [&] {
         if (!text.empty())
@@ -164,8 +164,8 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     text += u' ';
     // The parser reads a null-terminated text: what stands behind a NUL is lost.
     text.resize(std::min(text.size(), text.find(u'\0')));
-    // Reused too, so that its records are not reallocated for every string.
-    thread_local LabelTokenList tokens;
+    // Reused too, so that its records and their texts are not reallocated for every string.
+    thread_local LabelTokens tokens;
     tokens.clear();
     parser.Initialise(LabelKind::String);
     parser.Parse(text, tokens);
@@ -175,7 +175,7 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     if (!last.empty())
         last.pop_back();
 
-    AppendStringPieces(tokens, entry);
+    AppendStringPieces(tokens.view(), entry);
     entry.push_back(MakeStructuralTag(kStringName, WideText::Constant(u"</string>"), 1, 0));
     return entry;
 }
