@@ -17,12 +17,9 @@ void CDialogItem::AnalyseDialogText(std::u16string_view text, std::string_view m
     std::u16string escaped = EscapeLabel(text, LabelKind::Dialog);
     // The blank keeps a conversion at the very end from reaching the end of input.
     escaped += u' ';
-    // A parser keeps nothing from one label to the next: the thread's one
-    // serves every dialog that brings none of its own.
-    thread_local CLabelParser shared;
-    CLabelParser& labels = parser ? *parser : shared;
-    // Reused too, so that its records are not reallocated for every text.
-    thread_local LabelTokenList tokens;
+    CLabelParser& labels = parser ? *parser : SharedLabelParser();
+    // Reused, so that its records and their texts are not reallocated for every text.
+    thread_local LabelTokens tokens;
     tokens.clear();
     labels.Initialise(LabelKind::Dialog);
     labels.Parse(escaped, tokens);

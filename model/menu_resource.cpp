@@ -109,10 +109,7 @@ CResource* CMenuCommand::Execute(Bytes data, CResource* resource) {
         Bytes bytes = data.first(std::min<std::size_t>(data.size(), menu->size));
         std::size_t offset = menu->IsExtended() ? kExtendedItemsStart : kPlainItemsStart;
         int level = 0;
-        // A parser keeps nothing from one label to the next: the thread's one
-        // serves every menu that brings none of its own.
-        thread_local CLabelParser shared;
-        CLabelParser* parser = menu->parser ? menu->parser.get() : &shared;
+        CLabelParser* parser = menu->parser ? menu->parser.get() : &SharedLabelParser();
         menu->menuId = menu->identifierText;
 
         MenuItemRecord root;

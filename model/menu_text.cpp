@@ -1,6 +1,5 @@
 #include "model/menu_text.h"
 
-#include <optional>
 #include <utility>
 
 #include "label/grammars/escaped_label.h"
@@ -16,15 +15,12 @@ constexpr WideText kShortcutName = WideText::Constant(u"shortcut");
 } // namespace
 
 void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
-    std::optional<CLabelParser> own;
-    CLabelParser* parser = record.parser;
-    if (parser == nullptr)
-        parser = &own.emplace();
+    CLabelParser* parser = record.parser ? record.parser : &SharedLabelParser();
 
     // The parser reads a null-terminated text.
     std::u16string escaped = EscapeLabel(text.substr(0, text.find(u'\0')), LabelKind::Menu);
-    // Reused, so that its records are not reallocated for every item.
-    thread_local LabelTokenList tokens;
+    // Reused, so that its records and their texts are not reallocated for every item.
+    thread_local LabelTokens tokens;
     tokens.clear();
     parser->Initialise(LabelKind::Menu);
     parser->Parse(escaped, tokens);

@@ -160,4 +160,9 @@ LabelTokenList ParseLabel(LabelKind kind, std::u16string_view text) {
     return tokens;
 }
 
+CLabelParser& SharedLabelParser() {
+    thread_local CLabelParser parser;
+    return parser;
+}
+
 } // namespace tervane

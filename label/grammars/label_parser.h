@@ -68,4 +68,8 @@ private:
 // The tokens of one label of a kind: Initialise and Parse on a new parser.
 LabelTokenList ParseLabel(LabelKind kind, std::u16string_view text);
 
+// A parser keeps nothing from one label to the next: the thread's one serves
+// every resource that brings none of its own.
+CLabelParser& SharedLabelParser();
+
 } // namespace tervane
