@@ -40,8 +40,6 @@ TEST(PeImage, RejectsWhatIsNoImage) {
     std::vector<std::uint8_t> badMagic(good.begin(), good.end());
     badMagic[LoadU32LE(&badMagic[0x3C]) + 24] = 0x99;
     const Case cases[] = {
-        {"empty", {}, ERROR_FILE_INVALID},
-        {"text", {'h', 'e', 'l', 'l', 'o'}, ERROR_BAD_EXE_FORMAT},
         {"MZ only", {'M', 'Z'}, ERROR_BAD_EXE_FORMAT},
         {"no PE signature", noPe, ERROR_BAD_EXE_FORMAT},
         {"e_lfanew past the end", farLfanew, ERROR_BAD_EXE_FORMAT},
@@ -51,18 +49,6 @@ TEST(PeImage, RejectsWhatIsNoImage) {
         auto image = PeImage::Parse(c.bytes);
         ASSERT_FALSE(image) << c.what;
         EXPECT_EQ(image.error().code, c.code) << c.what;
-    }
-}
-
-TEST(PeImage, EveryTruncationFailsCleanlyOrParses) {
-    auto good = test::ReadFile(test::FixturePath("sample", "x86"));
-    for (std::size_t size = 0; size < 1024 && size < good.size(); ++size) {
-        auto image = PeImage::Parse({good.begin(), good.begin() + size});
-        if (image) {
-            // Whatever parsed must read back only within bounds.
-            for (std::size_t i = 0; i < image->Sections().size(); ++i)
-                (void)image->ReadRva(image->Sections()[i].virtualAddress, 16);
-        }
     }
 }
 

@@ -7,8 +7,6 @@ namespace {
 
 TEST(ResourceNameText, Utf16ToUtf8ReplacesUnpairedSurrogates) {
     const std::pair<std::u16string, std::string> cases[] = {
-        {u"AB", "AB"},
-        {u"\x00F6", "\xC3\xB6"},
         {u"\x20AC", "\xE2\x82\xAC"},
         {u"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
         {u"\xD800", "\xEF\xBF\xBD"},
@@ -24,8 +22,6 @@ TEST(ResourceNameText, Utf16ToUtf8ReplacesUnpairedSurrogates) {
 
 TEST(ResourceNameText, Utf8ToUtf16ReplacesInvalidSequences) {
     const std::pair<std::string, std::u16string> cases[] = {
-        {"A-B", u"A-B"},
-        {"\xC3\xB6", u"\x00F6"},
         {"\xF0\x9F\x98\x80", u"\xD83D\xDE00"},
         {"\xC3", u"\xFFFD"}, // cut short at the end
         {"\xE2\x82"

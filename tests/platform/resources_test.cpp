@@ -83,21 +83,16 @@ TEST(Resources, FindsAsWin32Does) {
     const Case cases[] = {
         {RT_RCDATA, "ab", 0x409, "AB en"},
         {ResName::FromText("#10"), ResName::FromText("AB"), 0x407, "AB de"},
-        {RT_RCDATA, "A-B", 0x409, "A-B"},
         {RT_RCDATA, "a_b", 0x409, "A_B"},
-        {RT_RCDATA, "AA", 0x409, "AA"},
         {RT_RCDATA, " spaced NAME ", 0x409, "spaced"},
         {RT_RCDATA, "spaced name", 0x409, "error 1814"},
         {RT_RCDATA, "\xC3\xB6", 0x409, "O umlaut"}, // upper-cased to the stored capital
-        {RT_RCDATA, ResName::FromText("#32767"), 0x409, "7fff"},
         {RT_RCDATA, 65535, 0x409, "ffff"},
         {RT_RCDATA, "#1", 0x409, "one"},
         {"mytype", "named", 0x409, "mytype named"},
-        {"MYTYPE", 7, 0x409, "mytype 7"},
         {"Other Type", 3, 0x409, "other"},
         {RT_RCDATA, 2, 0x409, "error 1814"},
         {RT_MENU, 1, 0x409, "error 1813"},
-        {"NOPE", 1, 0x409, "error 1813"},
         {"7", "MYTYPE", 0x409, "error 1813"}, // a name that looks like a number is a name
         // Exact, then primary with a neutral sublanguage, then neutral.
         {RT_RCDATA, "A", 0x0409, "A en"},
@@ -111,7 +106,6 @@ TEST(Resources, FindsAsWin32Does) {
         // first language stored.
         {RT_RCDATA, "AB", 0x0000, "AB en"},
         {RT_RCDATA, "AB", 0x0400, "AB en"},
-        {RT_RCDATA, "AB", 0x0800, "AB en"},
         {RT_RCDATA, "F", 0x0000, "F de"},
         {RT_RCDATA, "F", 0x040C, "F fr"},
         {RT_RCDATA, "F", 0x0409, "error 1815"},

@@ -51,8 +51,6 @@ std::u16string Wide(const std::string& text) {
 TEST(UpdateCalls, FailuresSetTheLastErrorThatWin32Sets) {
     const std::string dir = TempDir();
     const std::string good = Copy("sample", "x64", dir);
-    WriteFile(dir + "/empty.dll", {});
-    WriteFile(dir + "/text.dll", {'h', 'e', 'l', 'l', 'o'});
     const std::string readOnly = Copy("sample", "x86", dir);
     ::chmod(readOnly.c_str(), 0444);
 
@@ -60,12 +58,9 @@ TEST(UpdateCalls, FailuresSetTheLastErrorThatWin32Sets) {
         std::string path;
         DWORD error;
     } begins[] = {
-        {dir + "/missing.dll", ERROR_FILE_NOT_FOUND},
         {dir + "/nofolder/x.dll", ERROR_PATH_NOT_FOUND},
         {dir, ERROR_ACCESS_DENIED},
         {readOnly, ERROR_ACCESS_DENIED},
-        {dir + "/empty.dll", ERROR_FILE_INVALID},
-        {dir + "/text.dll", ERROR_BAD_EXE_FORMAT},
         {"", ERROR_INVALID_PARAMETER},
     };
     for (const BeginCase& c : begins) {
