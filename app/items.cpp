@@ -48,6 +48,19 @@ void Register(const CLSID& clsid, IClassFactory* factory) {
 
 } // namespace
 
+bool ItemString::Grow(std::size_t length) {
+    constexpr std::size_t kLeast = 32;
+    std::size_t room = room_ * 2 > kLeast ? room_ * 2 : kLeast;
+    if (room < length)
+        room = length;
+    std::unique_ptr<char16_t[]> grown(new (std::nothrow) char16_t[room]);
+    if (!grown)
+        return false;
+    data_ = std::move(grown);
+    room_ = room;
+    return true;
+}
+
 InterfaceMap<Tag> Tag::Interfaces() {
     static const InterfaceEntry<Tag> map[] = {Entry<Tag, ITag>(), Entry<Tag, IDispatch, ITag>()};
     return map;
@@ -82,19 +95,6 @@ HRESULT Tag::get_Inline(LONG* value) {
 HRESULT Tag::put_Inline(LONG value) {
     return inline_ = value, S_OK;
 }
-bool ItemString::Grow(std::size_t length) {
-    constexpr std::size_t kLeast = 32;
-    std::size_t room = room_ * 2 > kLeast ? room_ * 2 : kLeast;
-    if (room < length)
-        room = length;
-    std::unique_ptr<char16_t[]> grown(new (std::nothrow) char16_t[room]);
-    if (!grown)
-        return false;
-    data_ = std::move(grown);
-    room_ = room;
-    return true;
-}
-
 void Tag::Clear() {
     text_.Clear();
     name_.Clear();
