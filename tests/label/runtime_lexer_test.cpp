@@ -101,41 +101,6 @@ TEST(LexerScan, LexemeCarriesItsBytesAndBufferOffset) {
     EXPECT_EQ(lex.nextLexeme(), nullptr);
 }
 
-TEST(LexerScan, EmptyTextNeverReadsTheStartOfInput) {
-    SSLexStringConsumer consumer(u"");
-    EXPECT_TRUE(consumer.endOfData());
-    EXPECT_EQ(consumer.next(), 0);
-    EXPECT_TRUE(consumer.firstReadPending());
-}
-
-// Single-byte text from a source that arrives in pieces: matches run across
-// refills.
-class ChunkConsumer : public SSLexConsumer {
-public:
-    explicit ChunkConsumer(std::vector<std::string> chunks) : chunks_(std::move(chunks)) {
-        type_ = kSingleByte;
-    }
-    std::uint32_t refill() override {
-        if (next_ == chunks_.size())
-            return 0;
-        const std::string& chunk = chunks_[next_++];
-        appendToBuffer(reinterpret_cast<const std::uint8_t*>(chunk.data()),
-                       static_cast<std::uint32_t>(chunk.size()));
-        return static_cast<std::uint32_t>(chunk.size());
-    }
-
-private:
-    std::vector<std::string> chunks_;
-    std::size_t next_ = 0;
-};
-
-TEST(LexerScan, NarrowTextAcrossRefills) {
-    SSLexTable table(ToyLexImage(), "TOY");
-    ChunkConsumer consumer({"a", "b 1", "2<", "=>"});
-    std::vector<Seen> expected = {{kWord, "ab", 1, 1}, {kNum, "12", 1, 4}, {kShip, "<=>", 1, 6}};
-    EXPECT_EQ(ScanAll(table, consumer), expected);
-}
-
 Image WithState(std::uint32_t state, const std::function<void(LexState&)>& change,
                 const std::vector<Image>& keywords = {}) {
     auto main = ToyMainList();

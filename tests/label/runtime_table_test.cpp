@@ -176,66 +176,6 @@ TEST(YaccTableLoad, EveryTruncationFails) {
     }
 }
 
-TEST(YaccTableLoad, OlderLayoutReadsRowsOneBehindTheOther) {
-    Image image = BuildYaccTable(ToyGrammar(), 0);
-    // Row offsets mean nothing in the older layout.
-    for (std::uint32_t state = 0; state < 6; ++state)
-        PatchWord(image, 20 + 4 * state, 0xFFFFFFFF);
-    SSYaccTable table(image, "TOY");
-    ASSERT_EQ(table.stateCount(), 6u);
-    EXPECT_EQ(table.row(2).actionCount, 2u);
-    EXPECT_EQ(table.row(2).action(1).value, Shift(3));
-    EXPECT_EQ(table.row(0).gotoEntry(0).symbol, kList);
-    EXPECT_EQ(table.production(3).size, 3u);
-}
-
-TEST(TableResources, MissingResourcesRaiseTheirErrors) {
-    try {
-        SSLexTable table(TervaneModuleHandle(), "NOSUCHTABLE", "SSLEXTABLE");
-        ADD_FAILURE() << "no error";
-    } catch (const SSException& e) {
-        EXPECT_EQ(e.code(), 36);
-        EXPECT_EQ(e.message(), "SSLex0108e: Resource not found, NOSUCHTABLE");
-    }
-    try {
-        SSYaccTable table(TervaneModuleHandle(), "StringResParse", "NOSUCHTYPE");
-        ADD_FAILURE() << "no error";
-    } catch (const SSException& e) {
-        EXPECT_EQ(e.code(), 37);
-        EXPECT_EQ(e.message(), "SSYacc0115e: Resource not found, StringResParse");
-    }
-}
-
-TEST(TableResources, TheModulesOwnTablesLoad) {
-    struct Case {
-        const char* name;
-        std::uint32_t lists;
-        std::uint32_t states0;
-        std::uint32_t parserStates;
-        std::uint32_t productions;
-    };
-    for (const Case& c : {Case{"StringResParse", 1, 19, 9, 8}, Case{"MenuResParse", 2, 22, 13, 11},
-                          Case{"DialogResParse", 1, 19, 10, 8}}) {
-        SSLexTable lex(TervaneModuleHandle(), c.name, "SSLexTable");
-        SSYaccTable yacc(TervaneModuleHandle(), c.name, "SSYaccTable");
-        EXPECT_EQ(lex.listCount(), c.lists) << c.name;
-        EXPECT_EQ(lex.expressionList(0)->stateCount(), c.states0) << c.name;
-        EXPECT_EQ(yacc.stateCount(), c.parserStates) << c.name;
-        EXPECT_EQ(yacc.productionCount(), c.productions) << c.name;
-    }
-}
-
-TEST(TableResources, StringTableScansAPercentWithABlank) {
-    SSLexTable table(TervaneModuleHandle(), "STRINGRESPARSE", "SSLEXTABLE");
-    SSLexStringConsumer consumer(u"50% off");
-    SSLex lex(&consumer, &table);
-    std::vector<std::pair<std::uint32_t, std::u16string>> seen;
-    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
-        seen.emplace_back(lexeme->token(), std::u16string(lexeme->wideText()));
-    EXPECT_EQ(seen, (std::vector<std::pair<std::uint32_t, std::u16string>>{
-                        {51, u"50"}, {53, u"% o"}, {51, u"ff"}}));
-}
-
 // Moves on the first characters are looked up rather than searched: they
 // must be what the search of the stored row gives, including a row that
 // gives up at the first range above the character.

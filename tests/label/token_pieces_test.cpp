@@ -48,22 +48,6 @@ TEST(TokenPieces, LabelsOfEachKind) {
     }
 }
 
-TEST(TokenPieces, UnescapingReplacesOneAfterTheOther) {
-    struct Case {
-        LabelKind kind;
-        std::u16string text;
-        std::u16string plain;
-    };
-    const Case cases[] = {
-        {LabelKind::String, u"\\\\\\", u"\\\\"}, // the odd backslash stays
-        {LabelKind::String, u"%%%&&", u"%%&&"},
-        {LabelKind::Dialog, u"%%%&&&", u"%%&&"},
-        {LabelKind::Menu, u"%%\\\\&&", u"%%\\&"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(UnescapeLabelText(c.text, c.kind), c.plain) << pe::Utf16ToUtf8(c.text);
-}
-
 // Every text of up to six units over the escaped characters and a letter
 // gives what the replacements give one after the other.
 TEST(TokenPieces, OnePassUnescapingMatchesTheReplacementsInTurn) {
