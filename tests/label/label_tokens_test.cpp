@@ -78,34 +78,6 @@ TEST(LabelTokens, LineFeedInShortcutEndsTheParse) {
     EXPECT_EQ(tokens, (LabelTokenList{{1, u"Go"}}));
 }
 
-TEST(LabelTokens, TokenNames) {
-    struct Case {
-        std::uint32_t token;
-        const char* string;
-        const char* menu;
-        const char* dialog;
-    };
-    const Case cases[] = {
-        {51, "STRING", "LABELTEXT", "LABELTEXT"},
-        {52, "FORMATTER", "PLACEHOLDER", "AMPERSAND"},
-        {53, "SPECIALCHAR", "TAB", "SPECIALCHAR"},
-        {54, "SSLexTokenNotFound", "SHORTCUTTEXT", "SSLexTokenNotFound"},
-        {0xFFFFFFFF, "eof", "eof", "eof"},
-        {0xFFFFFFFE, "%error", "%error", "%error"},
-        {50, "SSLexTokenNotFound", "SSLexTokenNotFound", "SSLexTokenNotFound"},
-    };
-    SSLexStringConsumer consumer(u"");
-    const SSLexTable table(TervaneModuleHandle(), "STRINGRESPARSE", "SSLEXTABLE");
-    StringResLexClass string(&consumer, &table);
-    MenuResLexClass menu(&consumer, &table);
-    DialogResLexClass dialog(&consumer, &table);
-    for (const Case& c : cases) {
-        EXPECT_STREQ(string.tokenName(c.token), c.string);
-        EXPECT_STREQ(menu.tokenName(c.token), c.menu);
-        EXPECT_STREQ(dialog.tokenName(c.token), c.dialog);
-    }
-}
-
 TEST(LabelTokens, EscapedInputForm) {
     struct Case {
         LabelKind kind;

@@ -230,23 +230,6 @@ TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {
         ExpectScanError(c);
 }
 
-TEST(LexerErrors, MissingTableOrConsumer) {
-    SSLexTable table(ToyLexImage(), "TOY");
-    SSLexStringConsumer consumer(u"a");
-    SSLex noConsumer(nullptr, &table);
-    SSLex noTable(&consumer, nullptr);
-    for (SSLex* lex : {&noConsumer, &noTable}) {
-        try {
-            lex->nextLexeme();
-            ADD_FAILURE() << "no error";
-        } catch (const SSException& e) {
-            EXPECT_EQ(e.code(), 7);
-            EXPECT_STREQ(e.what(), "SSLex0107e: Table or consumer missing, required");
-        }
-    }
-    EXPECT_STREQ(noTable.tokenName(51), "SSLexTokenNotFound");
-}
-
 // A lexer that takes unmatched text as a token of its own goes on behind it.
 class ForgivingLex : public SSLex {
 public:

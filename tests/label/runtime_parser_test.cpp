@@ -168,22 +168,5 @@ TEST(ParserErrors, RaisedWithTheirCodesAndMessages) {
     }
 }
 
-TEST(ParserErrors, MissingTableOrLexer) {
-    SSYaccTable table(BuildYaccTable(ToyGrammar()), "TOY");
-    RecordingYacc noTable(nullptr, nullptr);
-    RecordingYacc noLex(nullptr, &table);
-    for (auto [yacc, code, message] :
-         {std::tuple{&noTable, 20, "SSYacc0109e: setTable missing, required"},
-          std::tuple{&noLex, 21, "SSYacc0110e: setLex missing, required"}}) {
-        try {
-            yacc->parse();
-            ADD_FAILURE() << "no error";
-        } catch (const SSException& e) {
-            EXPECT_EQ(e.code(), code);
-            EXPECT_EQ(e.message(), message);
-        }
-    }
-}
-
 } // namespace
 } // namespace tervane::test
