@@ -111,6 +111,7 @@ TEST(EngineReuse, OneLabelParserForManyLabelsGivesEachLabelsOwnTokens) {
         {LabelKind::Menu, u"&Open...\\tCtrl+O"},
         {LabelKind::Menu, u""},               // no token
         {LabelKind::Menu, u"Go\\tkey\nmore"}, // raises inside the shortcut list
+        {LabelKind::Menu, u"Cut\\t"},
         {LabelKind::Dialog, u"%d%% &Done\\r\\n"},
         {LabelKind::String, u"%I64d and a long text behind it "},
         {LabelKind::String, u""},
