@@ -177,17 +177,9 @@ struct ErrorCase {
 };
 
 void ExpectScanError(const ErrorCase& c) {
-    SSLexTable table(c.image, "TOY");
-    SSLexStringConsumer consumer(c.text);
-    SSLex lex(&consumer, &table);
-    try {
-        while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme()) {
-        }
-        ADD_FAILURE() << c.name << ": no error";
-    } catch (const SSException& e) {
-        EXPECT_EQ(e.code(), c.code) << c.name;
-        EXPECT_EQ(e.message(), c.message) << c.name;
-    }
+    auto [code, message] = Raised([&] { Scan(c.image, c.text); });
+    EXPECT_EQ(code, c.code) << c.name;
+    EXPECT_EQ(message, c.message) << c.name;
 }
 
 TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {

@@ -11,18 +11,10 @@
 #include "label/runtime/ss_lifo.h"
 #include "label/runtime/ss_ref.h"
 #include "label/runtime/ss_yacc.h"
+#include "tests/label/runtime_toy.h"
 
 namespace tervane::test {
 namespace {
-
-std::pair<std::int32_t, std::string> Raised(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const SSException& e) {
-        return {e.code(), e.message()};
-    }
-    return {0, ""};
-}
 
 TEST(RuntimeContainers, ErrorsAtTheirLimits) {
     struct Case {

@@ -1,6 +1,6 @@
 // Loading table images: damage of every kind raises the table error and never
-// reads outside the image; the module's own tables load through the resource
-// calls.
+// reads outside the image; the module's own tables and those of PE files load
+// through the resource calls.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -8,19 +8,17 @@
 #include <vector>
 
 #include "label/runtime/ss_lex_table.h"
+#include "label/runtime/ss_yacc.h"
 #include "label/runtime/ss_yacc_table.h"
+#include "platform/win32/resources.h"
 #include "tests/label/runtime_toy.h"
+#include "tests/support/fixtures.h"
 
 namespace tervane::test {
 namespace {
 
 template <typename Table> std::pair<std::int32_t, std::string> LoadError(const Image& image) {
-    try {
-        Table table(image, "TOY");
-        return {0, ""};
-    } catch (const SSException& e) {
-        return {e.code(), e.message()};
-    }
+    return Raised([&] { Table table(image, "TOY"); });
 }
 
 const std::string kLexError = "SSLex0104e: Invalid table, TOY";
@@ -216,6 +214,33 @@ TEST(TableResources, ATextLongerThanTheConsumersOwnRoomScansWhole) {
     EXPECT_EQ(seen,
               (std::vector<std::pair<std::uint32_t, std::u16string>>{
                   {51, std::u16string(500, u'x')}, {53, u"%s"}, {51, std::u16string(498, u'x')}}));
+}
+
+// Tables read from the resources of real PE32 and PE32+ files.
+TEST(TableResources, WordListParsesFromAFilesResources) {
+    for (const std::string& path : FixtureImages("label_tables")) {
+        HMODULE module = LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        ASSERT_NE(module, nullptr) << path;
+        {
+            SSLexTable lexTable(module, "words", "SSLexTable");
+            SSYaccTable yaccTable(module, "WORDS", "SSYACCTABLE");
+            SSLexStringConsumer consumer(u"ab  cd e");
+            SSLex lex(&consumer, &lexTable);
+            RecordingYacc yacc(&lex, &yaccTable);
+            EXPECT_EQ(yacc.parse(), 0) << path;
+            EXPECT_EQ(yacc.reductions, (std::vector<std::string>{"2:ab", "1:-,cd", "1:-,e"}))
+                << path;
+        }
+
+        using Error = std::pair<std::int32_t, std::string>;
+        EXPECT_EQ(Raised([&] { SSLexTable(module, "DAMAGED", "SSLEXTABLE"); }),
+                  Error(4, "SSLex0104e: Invalid table, DAMAGED"));
+        EXPECT_EQ(Raised([&] { SSYaccTable(module, "DAMAGED", "SSYACCTABLE"); }),
+                  Error(37, "SSYacc0115e: Resource not found, DAMAGED"));
+        EXPECT_EQ(Raised([&] { SSLexTable(module, 7, "SSLEXTABLE"); }),
+                  Error(36, "SSLex0108e: Resource not found, 7"));
+        EXPECT_TRUE(FreeLibrary(module));
+    }
 }
 
 } // namespace
