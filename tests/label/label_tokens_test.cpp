@@ -85,10 +85,8 @@ TEST(LabelTokens, EscapedInputForm) {
         std::u16string escaped;
     };
     const Case cases[] = {
-        {S, u"a\\b", u"a\\\\b"},
         {S, u"1\r\n2\b\f", u"1\\r\\n2\\b\\f"},
         {S, u"tab\there", u"tab\there"},
-        {D, u"tab\there", u"tab\there"},
         {M, u"&Open\tCtrl+O", u"&Open\\tCtrl+O"},
         {M, u"\\n", u"\\\\n"},
     };
