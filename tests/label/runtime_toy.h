@@ -2,6 +2,7 @@
 // A toy language for the runtime's tests: words, numbers, "<", "=", "<=>",
 // quoted text in a second expression list, blanks ignored; and a grammar of
 // number lists with an error production.
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,6 +24,16 @@ enum ToyToken : std::uint32_t {
     kEndQuote = 58,
     kNewline = 59,
 };
+
+// The code and message of what the action raises; code 0 when it raises nothing.
+inline std::pair<std::int32_t, std::string> Raised(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const SSException& e) {
+        return {e.code(), e.message()};
+    }
+    return {0, ""};
+}
 
 inline std::vector<LexState> ToyMainList() {
     return {
