@@ -1,9 +1,13 @@
 #include "platform/files/file_bytes.h"
 
+#include "platform/files/file_content.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "platform/update/pending_files.h"
 #include "platform/win32/last_error.h"
@@ -36,31 +40,47 @@ DWORD Win32ErrorFromErrno(int error) {
 }
 
 namespace {
+
 struct Fd {
+    explicit Fd(int opened) : fd(opened) {}
+    Fd(Fd&& other) noexcept : fd(std::exchange(other.fd, -1)) {}
+    Fd& operator=(Fd&&) = delete;
     int fd;
     ~Fd() {
         if (fd >= 0)
             ::close(fd);
     }
 };
-} // namespace
 
-Result<std::vector<std::uint8_t>> ReadDiskBytes(const std::string& path) {
-    Fd file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-    if (file.fd < 0)
+struct OpenFile {
+    Fd file;
+    struct stat info;
+};
+
+// Win32 refuses to open a folder as a file.
+Result<OpenFile> OpenForReading(const std::string& path) {
+    OpenFile open{Fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), {}};
+    if (open.file.fd < 0)
         return Error{Win32ErrorFromErrno(errno), path};
-    struct stat info {};
-    if (::fstat(file.fd, &info) != 0)
+    if (::fstat(open.file.fd, &open.info) != 0)
         return Error{Win32ErrorFromErrno(errno), path};
-    // Win32 refuses to open a folder as a file.
-    if (S_ISDIR(info.st_mode))
+    if (S_ISDIR(open.info.st_mode))
         return Error{ERROR_ACCESS_DENIED, path};
+    return open;
+}
+
+Result<std::vector<std::uint8_t>> ReadAll(const OpenFile& open, const std::string& path) {
     std::vector<std::uint8_t> bytes;
-    if (S_ISREG(info.st_mode))
-        bytes.reserve(static_cast<std::size_t>(info.st_size));
-    std::uint8_t chunk[1 << 16];
+    // A regular file is read straight into its room; a pipe grows as it gives.
+    std::size_t room = S_ISREG(open.info.st_mode) ? static_cast<std::size_t>(open.info.st_size) : 0;
+    bytes.resize(std::max<std::size_t>(room, 1 << 16));
+    std::size_t filled = 0;
     for (;;) {
-        ssize_t got = ::read(file.fd, chunk, sizeof chunk);
+        // Once the room is full, a small read tells whether the file grew.
+        std::uint8_t spare[4096];
+        const bool full = filled == bytes.size();
+        ssize_t got = ::read(open.file.fd, full ? spare : bytes.data() + filled,
+                             full ? sizeof spare : bytes.size() - filled);
         if (got < 0) {
             if (errno == EINTR)
                 continue;
@@ -68,15 +88,48 @@ Result<std::vector<std::uint8_t>> ReadDiskBytes(const std::string& path) {
         }
         if (got == 0)
             break;
-        bytes.insert(bytes.end(), chunk, chunk + got);
+        if (full)
+            bytes.insert(bytes.end(), spare, spare + got);
+        filled += static_cast<std::size_t>(got);
     }
+    bytes.resize(filled);
     return bytes;
+}
+
+// Below this, reading costs less than setting up a mapping.
+constexpr off_t kMapThreshold = 256 * 1024;
+
+} // namespace
+
+Result<std::vector<std::uint8_t>> ReadDiskBytes(const std::string& path) {
+    auto open = OpenForReading(path);
+    if (!open)
+        return std::move(open.error());
+    return ReadAll(*open, path);
 }
 
 Result<std::vector<std::uint8_t>> ReadFileBytes(const std::string& path) {
     if (auto error = update::FlushPendingFile(path))
         return std::move(*error);
     return ReadDiskBytes(path);
+}
+
+Result<FileContent> ReadFileContent(const std::string& path) {
+    if (auto error = update::FlushPendingFile(path))
+        return std::move(*error);
+    auto open = OpenForReading(path);
+    if (!open)
+        return std::move(open.error());
+    if (S_ISREG(open->info.st_mode) && open->info.st_size >= kMapThreshold) {
+        FileContent mapped =
+            FileContent::Map(open->file.fd, static_cast<std::size_t>(open->info.st_size));
+        if (!mapped.empty())
+            return mapped;
+    }
+    auto bytes = ReadAll(*open, path);
+    if (!bytes)
+        return std::move(bytes.error());
+    return FileContent(std::move(*bytes));
 }
 
 } // namespace tervane::files

@@ -32,12 +32,12 @@ std::string SectionHeader::Name() const {
     return std::string(name.begin(), end);
 }
 
-Result<PeImage> PeImage::Parse(std::vector<std::uint8_t> bytes) {
-    if (bytes.empty())
+Result<PeImage> PeImage::Parse(files::FileContent content) {
+    if (content.empty())
         return Error{ERROR_FILE_INVALID, "the file is empty"};
     PeImage image;
-    image.bytes_ = std::move(bytes);
-    ByteReader file(image.bytes_);
+    image.bytes_ = std::move(content);
+    ByteReader file(image.bytes_.bytes());
 
     auto mz = file.ReadU16LE();
     if (!mz || *mz != 0x5A4D)
@@ -172,7 +172,8 @@ std::vector<std::uint8_t> PeImage::ReadSection(const SectionHeader& s, std::uint
     if (offset < rawEnd && fileOffset < bytes_.size()) {
         std::uint64_t count = std::min<std::uint64_t>(size, rawEnd - offset);
         count = std::min<std::uint64_t>(count, bytes_.size() - fileOffset);
-        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(fileOffset), count, out.begin());
+        std::copy_n(bytes_.bytes().begin() + static_cast<std::ptrdiff_t>(fileOffset), count,
+                    out.begin());
     }
     return out;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/byte_reader.h"
+#include "platform/files/file_content.h"
 #include "platform/result.h"
 
 namespace tervane::pe {
@@ -70,7 +71,10 @@ class PeImage {
 public:
     // Fails with ERROR_FILE_INVALID for an empty file and ERROR_BAD_EXE_FORMAT
     // for anything that is not a PE image the loader would accept as data.
-    static Result<PeImage> Parse(std::vector<std::uint8_t> bytes);
+    static Result<PeImage> Parse(files::FileContent content);
+    static Result<PeImage> Parse(std::vector<std::uint8_t> bytes) {
+        return Parse(files::FileContent(std::move(bytes)));
+    }
 
     bool Is64() const { return magic_ == kPe32PlusMagic; }
     std::uint16_t Machine() const { return machine_; }
@@ -100,14 +104,13 @@ public:
     // End of the last section's raw data: what follows is appended data.
     std::uint64_t EndOfSectionData() const;
 
-    Bytes FileBytes() const { return bytes_; }
-    std::vector<std::uint8_t> TakeBytes() && { return std::move(bytes_); }
+    Bytes FileBytes() const { return bytes_.bytes(); }
 
 private:
     std::vector<std::uint8_t> ReadSection(const SectionHeader& section, std::uint32_t offset,
                                           std::uint32_t size) const;
 
-    std::vector<std::uint8_t> bytes_;
+    files::FileContent bytes_;
     std::uint16_t machine_ = 0;
     std::uint16_t magic_ = 0;
     std::uint32_t fileAlignment_ = 0;

@@ -49,7 +49,7 @@ namespace tervane {
 
 // LoadLibraryExA's work on bytes already in memory (for fuzzing and for
 // files the caller has read): the same checks and last errors.
-HMODULE LoadModuleFromBytes(std::vector<std::uint8_t> bytes, const std::string& path);
+HMODULE LoadModuleFromBytes(files::FileContent bytes, const std::string& path);
 
 // The module's resource tree exactly as stored, or why there is none; null
 // for an invalid handle.

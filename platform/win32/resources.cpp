@@ -4,7 +4,7 @@
 #include <unordered_map>
 
 #include "frame/module_resources/module_resources.h"
-#include "platform/files/file_bytes.h"
+#include "platform/files/file_content.h"
 #include "platform/pe/resource_name_text.h"
 #include "platform/win32/builtin_tree.h"
 #include "platform/win32/last_error.h"
@@ -182,7 +182,7 @@ constexpr DWORD kDataFileFlags =
 
 namespace tervane {
 
-HMODULE LoadModuleFromBytes(std::vector<std::uint8_t> bytes, const std::string& path) {
+HMODULE LoadModuleFromBytes(files::FileContent bytes, const std::string& path) {
     auto image = pe::PeImage::Parse(std::move(bytes));
     if (!image) {
         Fail(image.error());
@@ -229,7 +229,7 @@ HMODULE LoadLibraryExA(const char* path, void* reserved, DWORD flags) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    auto bytes = tervane::files::ReadFileBytes(path);
+    auto bytes = tervane::files::ReadFileContent(path);
     if (!bytes) {
         Fail(bytes.error());
         return nullptr;

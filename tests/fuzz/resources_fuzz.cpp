@@ -44,7 +44,8 @@ BOOL OnType(HMODULE module, const ResName& type, LONG_PTR param) {
 unsigned g_checksum = 0;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    HMODULE module = tervane::LoadModuleFromBytes({data, data + size}, "fuzz.dll");
+    HMODULE module =
+        tervane::LoadModuleFromBytes(std::vector<std::uint8_t>(data, data + size), "fuzz.dll");
     if (!module)
         return 0;
     Walk walk;
