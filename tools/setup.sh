@@ -8,6 +8,8 @@ packages=(
   binutils-mingw-w64-x86-64 binutils-mingw-w64-i686
   python3 python3-pefile icoutils
   clang libclang-rt-14-dev clang-format
+  # real executables: the tests convert every PE file of Wine's Windows side
+  wine64
 )
 
 missing=()
