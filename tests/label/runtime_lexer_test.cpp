@@ -60,6 +60,11 @@ TEST(LexerScan, TokensPositionsAndPushBack) {
         {"push-back at the end", u"<=", {{kLess, "<", 1, 1}, {kEqual, "=", 1, 2}}},
         {"push-back inside", u"<=<", {{kLess, "<", 1, 1}, {kEqual, "=", 1, 2}, {kLess, "<", 1, 3}}},
         {"empty text", u"", {}},
+        {"longer than the consumer's own room",
+         std::u16string(500, u'x') + u" 12 " + std::u16string(300, u'y'),
+         {{kWord, std::string(500, 'x'), 1, 1},
+          {kNum, "12", 1, 502},
+          {kWord, std::string(300, 'y'), 1, 505}}},
         {"byte-order mark FEFF", u"\uFEFFab", {{kWord, "ab", 1, 1}}},
         {"byte-order mark FFFE", u"\uFFFEab 1", {{kWord, "ab", 1, 1}, {kNum, "1", 1, 4}}},
     };

@@ -1,56 +1,12 @@
-// The runtime's stacks and sets at their limits, and the lead-byte classifier.
+// The lead-byte classifier of narrow input.
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
 #include <vector>
 
 #include "label/runtime/rcparsedbcsinfo.h"
-#include "label/runtime/ss_lifo.h"
-#include "label/runtime/ss_yacc.h"
-#include "tests/label/runtime_toy.h"
 
 namespace tervane::test {
 namespace {
-
-TEST(RuntimeContainers, ErrorsAtTheirLimits) {
-    struct Case {
-        const char* name;
-        std::function<void()> action;
-        std::int32_t code;
-        const char* message;
-    };
-    const std::vector<Case> cases = {
-        {"push on a full stack without growth",
-         [] {
-             SSLifo<int> stack(2, 0);
-             stack.push(1);
-             stack.push(2);
-             stack.push(3);
-         },
-         8, "SSLifo0001e: Stack full"},
-        {"pop beyond the bottom",
-         [] {
-             SSLifo<int> stack(4, 4);
-             stack.push(1);
-             stack.pop(2);
-         },
-         10, "SSLifo0004e: Cannot pop empty stack"},
-        {"add to a full set without growth",
-         [] {
-             SSSetArray set(1, 0);
-             set.add(5);
-             set.add(5); // present: nothing to add
-             set.add(6);
-         },
-         23, "SSSetArray0001e: Set full"},
-    };
-    for (const Case& c : cases) {
-        auto [code, message] = Raised(c.action);
-        EXPECT_EQ(code, c.code) << c.name;
-        EXPECT_EQ(message, c.message) << c.name;
-    }
-}
 
 TEST(LeadByteClassifier, ModesAndTheirRanges) {
     struct Case {
