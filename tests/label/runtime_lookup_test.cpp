@@ -1,12 +1,9 @@
-// The shortcuts of the hot paths against the slow roads they stand for: the
-// parser's looked-up actions and gotos against its row searches, and the
-// scan's inline reading of wide text against reading one byte at a time.
+// The parser's looked-up actions and gotos against its row searches.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "label/runtime/ss_lex.h"
 #include "label/runtime/ss_yacc_table.h"
 #include "tests/label/runtime_toy.h"
 
@@ -66,53 +63,6 @@ TEST(ParserLookups, AnswerAsTheRowSearch) {
             EXPECT_EQ(table.gotoTarget(0, c.symbol), c.target) << "symbol " << c.symbol;
         EXPECT_EQ(table.actionValue(1, 5), 0u);
         EXPECT_EQ(table.gotoTarget(3, 0x4001), SSYaccTable::kNoGoto);
-    }
-}
-
-// Narrow text that arrives one byte at a time: every character takes the
-// consumer's slow road.
-class ByteConsumer : public SSLexConsumer {
-public:
-    explicit ByteConsumer(std::string text) : text_(std::move(text)) { type_ = kSingleByte; }
-    std::uint32_t refill() override {
-        if (next_ == text_.size())
-            return 0;
-        appendToBuffer(reinterpret_cast<const std::uint8_t*>(text_.data() + next_++), 1);
-        return 1;
-    }
-
-private:
-    std::string text_;
-    std::size_t next_ = 0;
-};
-
-struct Position {
-    std::uint32_t token, line, offset, consumed, current, lineDelta, column;
-    bool operator==(const Position&) const = default;
-};
-
-std::vector<Position> Positions(const SSLexTable& table, SSLexConsumer& consumer) {
-    SSLex lex(&consumer, &table);
-    std::vector<Position> out;
-    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
-        out.push_back({lexeme->token(), lexeme->line(), lexeme->offset(), consumer.consumed(),
-                       consumer.current(), consumer.lineDelta(), consumer.offset()});
-    out.push_back({0, 0, 0, consumer.consumed(), consumer.current(), consumer.lineDelta(),
-                   consumer.offset()});
-    return out;
-}
-
-TEST(ScanReading, InlineWideReadsSettleAsByteReads) {
-    SSLexTable table(ToyLexImage(), "TOY");
-    const char* texts[] = {
-        "ab 12", "<=", "<=>", "\n\nab\n", "ab  \"q r\"", "a\"",
-    };
-    for (const char* text : texts) {
-        SCOPED_TRACE(text);
-        const std::string narrow = text;
-        SSLexStringConsumer wide(std::u16string(narrow.begin(), narrow.end()));
-        ByteConsumer bytes(narrow);
-        EXPECT_EQ(Positions(table, wide), Positions(table, bytes));
     }
 }
 

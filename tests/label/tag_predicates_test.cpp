@@ -136,14 +136,11 @@ TEST(TagPredicates, TextAndPlainPiecesAreNoTags) {
         EXPECT_FALSE(IsOpen(*piece, u"dialog"));
         EXPECT_FALSE(IsDialogOpen(*piece));
         EXPECT_FALSE(IsOrderedTag(*piece));
-        EXPECT_FALSE(HasIdAttribute(*piece));
-        EXPECT_EQ(ResourceKindOfOpen(*piece), 0);
         EXPECT_EQ(GetIdAttribute(*piece), "");
-        EXPECT_EQ(GetTagWord(*piece), u"");
     }
 }
 
-TEST(TagPredicates, AttributeReaders) {
+TEST(TagPredicates, IdAttribute) {
     const std::pair<std::string, std::string> ids[] = {
         {"<dialog id=\"A\">", "A"},
         {"<menu id=\"\xC3\x84rger\">", "\xC3\x84rger"}, // back to narrow text as it came
@@ -151,14 +148,6 @@ TEST(TagPredicates, AttributeReaders) {
     };
     for (const auto& [text, id] : ids) {
         EXPECT_EQ(GetIdAttribute(MakeOpenTag("t", text)->tag), id) << text;
-    }
-    const std::pair<std::string, std::u16string> words[] = {
-        {"<dialog id=\"A\">", u"dialog"},
-        {"x<a b>", u"a"},
-        {"<open", u"open"},
-    };
-    for (const auto& [text, word] : words) {
-        EXPECT_EQ(GetTagWord(MakeOpenTag("t", text)->tag), word) << text;
     }
 }
 
