@@ -11,26 +11,14 @@ namespace {
 
 using Predicate = bool (*)(const TagDescriptor&);
 
+// The predicates with word lists or rules; a one-word one is IsOpen or IsClose.
 const std::map<std::string, Predicate>& Predicates() {
     static const std::map<std::string, Predicate> all = {
         {"ResourceOpen", IsResourceOpen},
         {"ResourceClose", IsResourceClose},
-        {"DialogsOpen", IsDialogsOpen},
-        {"DialogsClose", IsDialogsClose},
         {"DialogOpen", IsDialogOpen},
-        {"DialogClose", IsDialogClose},
-        {"MenuOpen", IsMenuOpen},
-        {"MenuClose", IsMenuClose},
-        {"MenusOpen", IsMenusOpen},
-        {"MenusClose", IsMenusClose},
-        {"StringOpen", IsStringOpen},
-        {"VersionInfoOpen", IsVersionInfoOpen},
         {"VersionInfoEntryOpen", IsVersionInfoEntryOpen},
-        {"ResourcesOpen", IsResourcesOpen},
-        {"ResourcesClose", IsResourcesClose},
         {"NamedResourceOpen", IsNamedResourceOpen},
-        {"ShortcutOpen", IsShortcutOpen},
-        {"ShortcutClose", IsShortcutClose},
         {"SegmentOpen", IsSegmentOpen},
         {"SegmentClose", IsSegmentClose},
         {"ControlTextOpen", IsControlTextOpen},
@@ -72,20 +60,14 @@ struct Row {
 
 TEST(TagPredicates, EveryPredicateOnEveryKindOfTag) {
     const Row rows[] = {
-        {Kind::Open, "<resources>", {"ResourcesOpen", "Ordered"}},
-        {Kind::Close, "</resources>", {"ResourcesClose", "Ordered"}},
-        {Kind::Open, "<stringtable>", {"ResourceOpen", "StringOpen", "Ordered"}, 3},
+        {Kind::Open, "<stringtable>", {"ResourceOpen", "Ordered"}, 3},
         // "string" is in </stringtable>: it ends a segment too.
         {Kind::Close, "</stringtable>", {"ResourceClose", "SegmentClose", "Ordered"}, 0, 3},
         {Kind::Open,
          "<string id=\"97\">",
-         {"StringOpen", "NamedResourceOpen", "SegmentOpen", "HasId", "Ordered"}},
-        {Kind::Open, "<dialogs>", {"DialogsOpen", "DialogOpen", "ResourceOpen", "Ordered"}, 2},
-        {Kind::Close,
-         "</dialogs>",
-         {"DialogsClose", "DialogClose", "ResourceClose", "Ordered"},
-         0,
-         2},
+         {"NamedResourceOpen", "SegmentOpen", "HasId", "Ordered"}},
+        {Kind::Open, "<dialogs>", {"DialogOpen", "ResourceOpen", "Ordered"}, 2},
+        {Kind::Close, "</dialogs>", {"ResourceClose", "Ordered"}, 0, 2},
         // "item" is in <items>, which is tested for "item" first: a menu's kind.
         {Kind::Open, "<items>", {"Ordered"}, 1},
         {Kind::Open,
@@ -97,16 +79,12 @@ TEST(TagPredicates, EveryPredicateOnEveryKindOfTag) {
          {"ItemClose", "SegmentClose", "ControlTextClose", "Ordered"},
          0,
          1},
-        {Kind::Open, "<menus>", {"MenusOpen", "MenuOpen", "ResourceOpen", "Ordered"}, 1},
-        {Kind::Close, "</menus>", {"MenusClose", "MenuClose", "ResourceClose", "Ordered"}, 0, 1},
+        {Kind::Open, "<menus>", {"ResourceOpen", "Ordered"}, 1},
         {Kind::Open,
          "<versioninfo>",
-         {"VersionInfoOpen", "VersionInfoEntryOpen", "NamedResourceOpen", "ResourceOpen",
-          "Ordered"},
+         {"VersionInfoEntryOpen", "NamedResourceOpen", "ResourceOpen", "Ordered"},
          4},
         {Kind::Open, "<legalcopyright>", {"VersionInfoEntryOpen", "SegmentOpen", "Ordered"}},
-        {Kind::Open, "<shortcut>", {"ShortcutOpen", "Ordered"}},
-        {Kind::Close, "</shortcut>", {"ShortcutClose", "Ordered"}},
         {Kind::Empty, "<separator/>", {"Ordered"}},
         {Kind::Inline, "%10", {"Numbered"}},
         {Kind::Inline, "%1d", {"Ordered"}}, // read from the end, the number starts with d
