@@ -79,61 +79,25 @@ Image WithState(std::uint32_t state, const std::function<void(LexState&)>& chang
     return BuildLexTable({BuildList(main), BuildList(ToyQuoteList())}, keywords);
 }
 
-TEST(LexerScan, FlagsOfTheAcceptingRecord) {
-    struct Case {
-        const char* name;
-        Image image;
-        std::u16string text;
-        std::vector<Seen> expected;
-    };
-    auto keywords =
-        BuildKeywordTable({{60, false, "do", 0}, {61, true, "if", 0}, {62, false, "while", 0x77}});
-    auto keywordWord = [](LexState& s) {
-        s.flags |= 0x200;
-        s.keywordIndex = 0;
-    };
-    // "\n" followed by letters is one lexeme that leaves its newline behind.
-    auto main = ToyMainList();
-    main[10].moves = {{0x61, 0x7A, 11}};
-    main.push_back({63, kFinal | 0x02, 0, 0, 0, {{0x61, 0x7A, 11}}});
-    Image startOfLine = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
-    // A word with a trailing newline gives the newline back.
-    main = ToyMainList();
-    main[3].moves.insert(main[3].moves.begin(), {0x0A, 0x0A, 11});
-    main.push_back({64, kFinal | 0x80, 0, 0, 0, {}});
-    Image endOfLine = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
-
-    const std::vector<Case> cases = {
-        {"user value replaces the token",
-         WithState(2,
-                   [](LexState& s) {
-                       s.flags |= 0x400;
-                       s.userValue = 99;
-                   }),
-         u"12 ab",
-         {{99, "12", 1, 1}, {kWord, "ab", 1, 4}}},
-        // An ignore-case entry lower-cases the lexeme in place before
-        // comparing, even when the lexeme then matches another entry.
-        {"keywords",
-         WithState(3, keywordWord, {keywords}),
-         u"do while dog wh IF Do",
-         {{60, "do", 1, 1},
-          {0x77, "while", 1, 4},
-          {kWord, "dog", 1, 10},
-          {kWord, "wh", 1, 14},
-          {61, "if", 1, 17},
-          {60, "do", 1, 20}}},
-        {"start of line",
-         startOfLine,
-         u"ab\ncd ef",
-         {{kWord, "ab", 1, 1}, {63, "cd", 2, 1}, {kWord, "ef", 2, 4}}},
-        {"end of line",
-         endOfLine,
-         u"ab\ncd",
-         {{64, "ab", 1, 1}, {kNewline, "\n", 1, 1}, {kWord, "cd", 2, 1}}},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(Scan(c.image, c.text), c.expected) << c.name;
+TEST(LexerScan, UserValuesAndKeywords) {
+    Image userValue = WithState(2, [](LexState& s) {
+        s.flags |= 0x400;
+        s.userValue = 99;
+    });
+    EXPECT_EQ(Scan(userValue, u"12 ab"),
+              (std::vector<Seen>{{99, "12", 1, 1}, {kWord, "ab", 1, 4}}));
+    // An ignore-case entry lower-cases the lexeme in place before comparing,
+    // even when the lexeme then matches another entry.
+    Image keywords =
+        WithState(3, [](LexState& s) { s.flags |= 0x200; },
+                  {BuildKeywordTable(
+                      {{60, false, "do", 0}, {61, true, "if", 0}, {62, false, "while", 0x77}})});
+    EXPECT_EQ(Scan(keywords, u"do while dog wh IF Do"), (std::vector<Seen>{{60, "do", 1, 1},
+                                                                           {0x77, "while", 1, 4},
+                                                                           {kWord, "dog", 1, 10},
+                                                                           {kWord, "wh", 1, 14},
+                                                                           {61, "if", 1, 17},
+                                                                           {60, "do", 1, 20}}));
 }
 
 TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {

@@ -43,15 +43,12 @@ TEST(LexTableLoad, DamageRaisesTheTableError) {
         36 + BuildList(ToyMainList()).size() + BuildList(ToyQuoteList()).size();
     const std::vector<Case> cases = {
         {"header magic 0 is accepted", [](Image& i) { PatchWord(i, 4, 0); }, 0},
-        {"list magic 1 is accepted", [](Image& i) { PatchWord(i, kList0, 1); }, 0},
         {"header magic", [](Image& i) { PatchWord(i, 4, 0x53534C59); }, 4},
         {"list magic", [](Image& i) { PatchWord(i, kList0, 2); }, 4},
         {"more lists than stored", [](Image& i) { PatchWord(i, 0, 3); }, 4},
         {"list size below its head", [](Image& i) { PatchWord(i, kList0 + 4, 87); }, 4},
         {"no states", [](Image& i) { PatchWord(i, kList0 + 40, 0); }, 4},
         {"huge state count", [](Image& i) { PatchWord(i, kList0 + 40, 0x40000000); }, 4},
-        {"row offset past the end",
-         [](Image& i) { PatchWord(i, kList0 + WordAt(i, kList0 + 48), 0xFFFFFFFE); }, 4},
         {"row count past the end",
          [](Image& i) {
              std::size_t row = kList0 + WordAt(i, kList0 + WordAt(i, kList0 + 48));
@@ -65,8 +62,6 @@ TEST(LexTableLoad, DamageRaisesTheTableError) {
          },
          4},
         {"keyword table missing", [](Image& i) { PatchWord(i, 8, 2); }, 4},
-        {"keyword count past the end",
-         [keywordAt](Image& i) { PatchWord(i, keywordAt + 4, 0x08000000); }, 4},
         {"keyword text without its end",
          [keywordAt](Image& i) {
              PatchWord(i, keywordAt + 40 + 41 + 17, WordAt(i, keywordAt) - 1);
@@ -81,14 +76,6 @@ TEST(LexTableLoad, DamageRaisesTheTableError) {
         if (c.code) {
             EXPECT_EQ(message, kLexError) << c.name;
         }
-    }
-}
-
-TEST(LexTableLoad, EveryTruncationIsAnInvalidTable) {
-    Image image = LexWithKeywords();
-    for (std::size_t size = 0; size < image.size(); ++size) {
-        Image cut(image.begin(), image.begin() + static_cast<std::ptrdiff_t>(size));
-        ASSERT_EQ(LoadError<SSLexTable>(cut).first, 4) << size;
     }
 }
 
@@ -149,7 +136,12 @@ TEST(YaccTableLoad, DamageRaisesTheReadingError) {
     }
 }
 
-TEST(YaccTableLoad, EveryTruncationFails) {
+TEST(TableLoad, EveryTruncationFails) {
+    Image lex = LexWithKeywords();
+    for (std::size_t size = 0; size < lex.size(); ++size) {
+        Image cut(lex.begin(), lex.begin() + static_cast<std::ptrdiff_t>(size));
+        ASSERT_EQ(LoadError<SSLexTable>(cut).first, 4) << size;
+    }
     for (std::uint32_t magic : {kCyss, 0u}) {
         Image image = BuildYaccTable(GrammarWithLookahead(), magic);
         std::size_t automaton = image.size() - LookaheadSize();
