@@ -107,17 +107,6 @@ TEST(TagPredicates, EveryPredicateOnEveryKindOfTag) {
     }
 }
 
-TEST(TagPredicates, TextAndPlainPiecesAreNoTags) {
-    const auto text = MakeText(u"<dialog id=\"A\">");
-    const CLabelPiece plain;
-    for (const CLabelPiece* piece : {static_cast<const CLabelPiece*>(text.get()), &plain}) {
-        EXPECT_FALSE(IsOpen(*piece, u"dialog"));
-        EXPECT_FALSE(IsDialogOpen(*piece));
-        EXPECT_FALSE(IsOrderedTag(*piece));
-        EXPECT_EQ(GetIdAttribute(*piece), "");
-    }
-}
-
 TEST(TagPredicates, IdAttribute) {
     const std::pair<std::string, std::string> ids[] = {
         {"<dialog id=\"A\">", "A"},
