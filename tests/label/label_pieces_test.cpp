@@ -1,84 +1,130 @@
-#include "label/pieces/label_piece.h"
+#include "label/pieces/tag_predicates.h"
 
 #include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
 
 namespace tervane {
 namespace {
 
-struct Marks {
-    LONG structural, inlineClass, endTag, startTag, inlineTag;
-    bool operator==(const Marks&) const = default;
+using Predicate = bool (*)(const TagDescriptor&);
+
+// The predicates with word lists or rules; a one-word one is IsOpen or IsClose.
+const std::map<std::string, Predicate>& Predicates() {
+    static const std::map<std::string, Predicate> all = {
+        {"ResourceOpen", IsResourceOpen},
+        {"ResourceClose", IsResourceClose},
+        {"DialogOpen", IsDialogOpen},
+        {"VersionInfoEntryOpen", IsVersionInfoEntryOpen},
+        {"NamedResourceOpen", IsNamedResourceOpen},
+        {"SegmentOpen", IsSegmentOpen},
+        {"SegmentClose", IsSegmentClose},
+        {"ControlTextOpen", IsControlTextOpen},
+        {"ControlTextClose", IsControlTextClose},
+        {"ItemOpen", IsItemOpen},
+        {"ItemClose", IsItemClose},
+        {"HasId", HasIdAttribute},
+        {"Separator", IsSeparatorMark},
+        {"Numbered", IsNumberedPlaceholder},
+        {"Fixed", IsFixedInlineTag},
+        {"Ordered", IsOrderedTag},
+    };
+    return all;
+}
+
+enum class Kind { Open, Close, Empty, Inline };
+
+std::unique_ptr<CTagLabelPiece> Make(Kind kind, const std::string& text) {
+    switch (kind) {
+    case Kind::Open:
+        return MakeOpenTag("t", text);
+    case Kind::Close:
+        return MakeCloseTag("t", text);
+    case Kind::Empty:
+        return MakeEmptyTag("t", text);
+    case Kind::Inline:
+        break;
+    }
+    return MakeInlineTag(std::u16string(text.begin(), text.end()));
+}
+
+struct Row {
+    Kind kind;
+    std::string text;
+    std::set<std::string> holds; // every other predicate must be false
+    int kindOfOpen = 0;
+    int kindOfClose = 0;
 };
 
-Marks MarksOf(const TagDescriptor& tag) {
-    return {tag.structural, tag.inlineClass, tag.endTag, tag.startTag, tag.inlineTag};
-}
-
-TEST(LabelPieces, FactoriesSetNamesTextsAndMarks) {
-    struct Case {
-        std::unique_ptr<CTagLabelPiece> piece;
-        std::u16string name;
-        std::u16string tagText;
-        Marks marks;
+TEST(TagPredicates, EveryPredicateOnEveryKindOfTag) {
+    const Row rows[] = {
+        {Kind::Open, "<stringtable>", {"ResourceOpen", "Ordered"}, 3},
+        // "string" is in </stringtable>: it ends a segment too.
+        {Kind::Close, "</stringtable>", {"ResourceClose", "SegmentClose", "Ordered"}, 0, 3},
+        {Kind::Open,
+         "<string id=\"97\">",
+         {"NamedResourceOpen", "SegmentOpen", "HasId", "Ordered"}},
+        {Kind::Open, "<dialogs>", {"DialogOpen", "ResourceOpen", "Ordered"}, 2},
+        {Kind::Close, "</dialogs>", {"ResourceClose", "Ordered"}, 0, 2},
+        // "item" is in <items>, which is tested for "item" first: a menu's kind.
+        {Kind::Open, "<items>", {"Ordered"}, 1},
+        {Kind::Open,
+         "<item id=\"5\">",
+         {"ItemOpen", "SegmentOpen", "SegmentClose", "ControlTextOpen", "HasId", "Ordered"},
+         1},
+        {Kind::Close,
+         "</item>",
+         {"ItemClose", "SegmentClose", "ControlTextClose", "Ordered"},
+         0,
+         1},
+        {Kind::Open, "<menus>", {"ResourceOpen", "Ordered"}, 1},
+        {Kind::Open,
+         "<versioninfo>",
+         {"VersionInfoEntryOpen", "NamedResourceOpen", "ResourceOpen", "Ordered"},
+         4},
+        {Kind::Open, "<legalcopyright>", {"VersionInfoEntryOpen", "SegmentOpen", "Ordered"}},
+        {Kind::Empty, "<separator/>", {"Ordered"}},
+        {Kind::Inline, "%10", {"Numbered"}},
+        {Kind::Inline, "%1d", {"Ordered"}}, // read from the end, the number starts with d
+        {Kind::Inline, "\\n", {"Fixed"}},
+        {Kind::Inline, ",", {"Fixed", "Separator"}},
+        {Kind::Inline, "\\t", {"Ordered"}},
+        {Kind::Inline, " id=\"1\"", {"Ordered"}}, // the blank must come behind the first character
+        {Kind::Open, "x id=\"1\"", {"HasId", "Ordered"}},
     };
-    Case cases[] = {
-        {MakeCloseTag("dialog", "</dialog>"), u"dialog", u"</dialog>", {1, 0, 1, 0, 0}},
-        {MakeEmptyTag("separator", "<separator/>"), u"separator", u"<separator/>", {1, 0, 0, 0, 0}},
-        {MakeInlineTag(u"%1"), u"%1", u"%1", {0, 1, 0, 0, 1}},
-        // Narrow names are widened with the process's code page, UTF-8.
-        {MakeOpenTag("\xC3\xA9t\xC3\xA9", "<menu id=\"\xE2\x82\xAC\">"),
-         u"\u00E9t\u00E9",
-         u"<menu id=\"\u20AC\">",
-         {1, 0, 0, 1, 0}},
-        // A byte that is no UTF-8 becomes the replacement character.
-        {MakeCloseTag("menu", "</m\xFFnu>"), u"menu", u"</m\uFFFDnu>", {1, 0, 1, 0, 0}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.tagText.begin(), c.tagText.end()));
-        EXPECT_EQ(c.piece->tag.name, c.name);
-        EXPECT_EQ(c.piece->tag.tagText, c.tagText);
-        EXPECT_EQ(MarksOf(c.piece->tag), c.marks);
-        EXPECT_EQ(c.piece->range, PieceRange{});
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const auto piece = Make(row.kind, row.text);
+        for (const auto& [name, predicate] : Predicates()) {
+            EXPECT_EQ(predicate(piece->tag), row.holds.count(name) == 1) << name;
+        }
+        for (const auto& name : row.holds)
+            EXPECT_EQ(Predicates().count(name), 1u) << name;
+        EXPECT_EQ(ResourceKindOfOpen(piece->tag), row.kindOfOpen);
+        EXPECT_EQ(ResourceKindOfClose(piece->tag), row.kindOfClose);
     }
 }
 
-TEST(LabelPieces, CopiesKeepTypeAndEveryField) {
-    CLabelPieceList list;
-    auto open = MakeOpenTag("string", "<string id=\"97\">");
-    open->range = {{1, 2}, {3, 4}};
-    auto text = MakeText(u"Save ");
-    text->inSegment = 1;
-    text->range = {{5, 6}, {7, 8}};
-    list.push_back(std::move(open));
-    list.push_back(std::move(text));
-    list.push_back(MakeInlineTag(u"%s"));
-    list.push_back(std::make_unique<CLabelPiece>(PieceRange{{9, 10}, {11, 12}}));
-
-    const CLabelPieceList copy = CloneList(list);
-    ASSERT_EQ(copy.size(), list.size());
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        EXPECT_NE(copy[i].get(), list[i].get());
-        EXPECT_EQ(typeid(*copy[i]), typeid(*list[i]));
-        EXPECT_EQ(copy[i]->range, list[i]->range);
+TEST(TagPredicates, IdAttribute) {
+    const std::pair<std::string, std::string> ids[] = {
+        {"<dialog id=\"A\">", "A"},
+        {"<menu id=\"\xC3\x84rger\">", "\xC3\x84rger"}, // back to narrow text as it came
+        {"<item id=\"5>", ""},
+    };
+    for (const auto& [text, id] : ids) {
+        EXPECT_EQ(GetIdAttribute(MakeOpenTag("t", text)->tag), id) << text;
     }
-    EXPECT_EQ(TextOf(*copy[1])->inSegment, 1);
-    EXPECT_EQ(TagOf(*copy[3]), nullptr);
-    EXPECT_EQ(TextOf(*copy[3]), nullptr);
-
-    // The copy is deep: changing it leaves the source as it was.
-    static_cast<CTextLabelPiece&>(*copy[1]).text = u"Sichern ";
-    EXPECT_EQ(TextOf(*list[1])->text, u"Save ");
 }
 
-TEST(LabelPieces, LabelIsTextAndInlineTagsInOrder) {
-    CLabelPieceList list;
-    list.push_back(MakeOpenTag("string", "<string id=\"97\">"));
-    list.push_back(MakeText(u"Save "));
-    list.push_back(MakeInlineTag(u"%s"));
-    list.push_back(MakeText(u"?"));
-    list.push_back(MakeCloseTag("string", "</string>"));
-    EXPECT_EQ(JoinLabel(list), u"Save %s?");
-    EXPECT_EQ(JoinLabel({}), u"");
+// Narrow names and tag texts are widened with the process's code page, UTF-8.
+TEST(LabelPieces, NarrowNamesAndTagTextsAreWidened) {
+    const auto open = MakeOpenTag("\xC3\xA9t\xC3\xA9", "<menu id=\"\xE2\x82\xAC\">");
+    EXPECT_EQ(open->tag.name, u"\u00E9t\u00E9");
+    EXPECT_EQ(open->tag.tagText, u"<menu id=\"\u20AC\">");
+    // A byte that is no UTF-8 becomes the replacement character.
+    EXPECT_EQ(MakeCloseTag("menu", "</m\xFFnu>")->tag.tagText, u"</m\uFFFDnu>");
 }
 
 } // namespace

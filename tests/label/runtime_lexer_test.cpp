@@ -24,19 +24,15 @@ std::ostream& operator<<(std::ostream& out, const Seen& s) {
     return out << "{" << s.token << " '" << s.text << "' " << s.line << ":" << s.offset << "}";
 }
 
-std::vector<Seen> ScanAll(const SSLexTable& table, SSLexConsumer& consumer) {
+std::vector<Seen> Scan(const Image& image, std::u16string_view text) {
+    SSLexTable table(image, "TOY");
+    SSLexStringConsumer consumer(text);
     SSLex lex(&consumer, &table);
     std::vector<Seen> out;
     while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
         out.push_back(
             {lexeme->parseToken(), lexeme->displayText(), lexeme->line(), lexeme->offset()});
     return out;
-}
-
-std::vector<Seen> Scan(const Image& image, std::u16string_view text) {
-    SSLexTable table(image, "TOY");
-    SSLexStringConsumer consumer(text);
-    return ScanAll(table, consumer);
 }
 
 TEST(LexerScan, TokensPositionsAndPushBack) {
@@ -63,39 +59,17 @@ TEST(LexerScan, TokensPositionsAndPushBack) {
         // nothing: the text behind the last accepting state is read again.
         {"push-back at the end", u"<=", {{kLess, "<", 1, 1}, {kEqual, "=", 1, 2}}},
         {"push-back inside", u"<=<", {{kLess, "<", 1, 1}, {kEqual, "=", 1, 2}, {kLess, "<", 1, 3}}},
-        {"only ignored text", u"   ", {}},
         {"empty text", u"", {}},
+        {"longer than the consumer's own room",
+         std::u16string(500, u'x') + u" 12 " + std::u16string(300, u'y'),
+         {{kWord, std::string(500, 'x'), 1, 1},
+          {kNum, "12", 1, 502},
+          {kWord, std::string(300, 'y'), 1, 505}}},
         {"byte-order mark FEFF", u"\uFEFFab", {{kWord, "ab", 1, 1}}},
         {"byte-order mark FFFE", u"\uFFFEab 1", {{kWord, "ab", 1, 1}, {kNum, "1", 1, 4}}},
-        {"newlines count lines",
-         u"a\n\nb",
-         {{kWord, "a", 1, 1}, {kNewline, "\n", 1, 2}, {kNewline, "\n", 2, 1}, {kWord, "b", 3, 1}}},
-        {"quoted text keeps the second list",
-         u"\"a\"b\"",
-         {{kQuote, "\"", 1, 1},
-          {kText, "a", 1, 2},
-          {kEndQuote, "\"", 1, 3},
-          {kWord, "b", 1, 4},
-          {kQuote, "\"", 1, 5}}},
     };
     for (const Case& c : cases)
         EXPECT_EQ(Scan(ToyLexImage(), c.text), c.expected) << c.name;
-}
-
-TEST(LexerScan, LexemeCarriesItsBytesAndBufferOffset) {
-    SSLexTable table(ToyLexImage(), "TOY");
-    SSLexStringConsumer consumer(u"ab  12");
-    SSLex lex(&consumer, &table);
-    SSRef<SSLexLexeme> first = lex.nextLexeme();
-    SSRef<SSLexLexeme> second = lex.nextLexeme();
-    ASSERT_TRUE(first && second);
-    EXPECT_EQ(first->wideText(), u"ab");
-    EXPECT_EQ(first->text()[4], 0);
-    EXPECT_EQ(first->text()[5], 0);
-    EXPECT_EQ(second->bufferOffset(), 8u);
-    EXPECT_EQ(lex.nextLexeme(), nullptr);
-    // The end stays the end.
-    EXPECT_EQ(lex.nextLexeme(), nullptr);
 }
 
 Image WithState(std::uint32_t state, const std::function<void(LexState&)>& change,
@@ -105,78 +79,25 @@ Image WithState(std::uint32_t state, const std::function<void(LexState&)>& chang
     return BuildLexTable({BuildList(main), BuildList(ToyQuoteList())}, keywords);
 }
 
-TEST(LexerScan, FlagsOfTheAcceptingRecord) {
-    struct Case {
-        const char* name;
-        Image image;
-        std::u16string text;
-        std::vector<Seen> expected;
-    };
-    auto keywords =
-        BuildKeywordTable({{60, false, "do", 0}, {61, true, "if", 0}, {62, false, "while", 0x77}});
-    auto keywordWord = [](LexState& s) {
-        s.flags |= 0x200;
-        s.keywordIndex = 0;
-    };
-    // "\n" followed by letters is one lexeme that leaves its newline behind.
-    auto main = ToyMainList();
-    main[10].moves = {{0x61, 0x7A, 11}};
-    main.push_back({63, kFinal | 0x02, 0, 0, 0, {{0x61, 0x7A, 11}}});
-    Image startOfLine = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
-    // A word with a trailing newline gives the newline back.
-    main = ToyMainList();
-    main[3].moves.insert(main[3].moves.begin(), {0x0A, 0x0A, 11});
-    main.push_back({64, kFinal | 0x80, 0, 0, 0, {}});
-    Image endOfLine = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
-
-    const std::vector<Case> cases = {
-        {"user value replaces the token",
-         WithState(2,
-                   [](LexState& s) {
-                       s.flags |= 0x400;
-                       s.userValue = 99;
-                   }),
-         u"12 ab",
-         {{99, "12", 1, 1}, {kWord, "ab", 1, 4}}},
-        {"keywords",
-         WithState(3, keywordWord, {keywords}),
-         u"do if while dog wh",
-         {{60, "do", 1, 1},
-          {61, "if", 1, 4},
-          {0x77, "while", 1, 7},
-          {kWord, "dog", 1, 13},
-          {kWord, "wh", 1, 17}}},
-        // An ignore-case entry lower-cases the lexeme in place before
-        // comparing, even when the lexeme then matches another entry.
-        {"keyword ignoring case",
-         WithState(3, keywordWord, {keywords}),
-         u"IF Do",
-         {{61, "if", 1, 1}, {60, "do", 1, 4}}},
-        {"start of line",
-         startOfLine,
-         u"ab\ncd ef",
-         {{kWord, "ab", 1, 1}, {63, "cd", 2, 1}, {kWord, "ef", 2, 4}}},
-        {"end of line",
-         endOfLine,
-         u"ab\ncd",
-         {{64, "ab", 1, 1}, {kNewline, "\n", 1, 1}, {kWord, "cd", 2, 1}}},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(Scan(c.image, c.text), c.expected) << c.name;
-}
-
-struct ErrorCase {
-    const char* name;
-    Image image;
-    std::u16string text;
-    std::int32_t code;
-    std::string message;
-};
-
-void ExpectScanError(const ErrorCase& c) {
-    auto [code, message] = Raised([&] { Scan(c.image, c.text); });
-    EXPECT_EQ(code, c.code) << c.name;
-    EXPECT_EQ(message, c.message) << c.name;
+TEST(LexerScan, UserValuesAndKeywords) {
+    Image userValue = WithState(2, [](LexState& s) {
+        s.flags |= 0x400;
+        s.userValue = 99;
+    });
+    EXPECT_EQ(Scan(userValue, u"12 ab"),
+              (std::vector<Seen>{{99, "12", 1, 1}, {kWord, "ab", 1, 4}}));
+    // An ignore-case entry lower-cases the lexeme in place before comparing,
+    // even when the lexeme then matches another entry.
+    Image keywords =
+        WithState(3, [](LexState& s) { s.flags |= 0x200; },
+                  {BuildKeywordTable(
+                      {{60, false, "do", 0}, {61, true, "if", 0}, {62, false, "while", 0x77}})});
+    EXPECT_EQ(Scan(keywords, u"do while dog wh IF Do"), (std::vector<Seen>{{60, "do", 1, 1},
+                                                                           {0x77, "while", 1, 4},
+                                                                           {kWord, "dog", 1, 10},
+                                                                           {kWord, "wh", 1, 14},
+                                                                           {61, "if", 1, 17},
+                                                                           {60, "do", 1, 20}}));
 }
 
 TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {
@@ -185,11 +106,16 @@ TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {
     main[0].moves.insert(main[0].moves.begin() + 3, {0x23, 0x23, 11});
     main.push_back({0, 0, 0, 0, 0, {{0x41, 0x41, 11}}});
     Image deadEnd = BuildLexTable({BuildList(main), BuildList(ToyQuoteList())});
-    const std::vector<ErrorCase> cases = {
+    struct Case {
+        const char* name;
+        Image image;
+        std::u16string text;
+        std::int32_t code;
+        std::string message;
+    };
+    const std::vector<Case> cases = {
         {"no transition from the start", ToyLexImage(), u"ab #x", 5,
          "SSLex0105e: Invalid token, Line 1, Offset 4, #"},
-        {"invalid token on a later line", ToyLexImage(), u"a\n  b?", 5,
-         "SSLex0105e: Invalid token, Line 2, Offset 4, ?"},
         {"bad push index", WithState(4, [](LexState& s) { s.pushIndex = 7; }), u"\"", 6,
          "SSLex0106e: Invalid expression list index, 7"},
         {"pop below the bottom", WithState(9, [](LexState& s) { s.flags |= 0x08; }), u"=", 9,
@@ -215,29 +141,9 @@ TEST(LexerErrors, RaisedWhereTheScanMeetsThem) {
         {"message cut to 127 characters", deadEnd, u"#" + std::u16string(200, u'A'), 5,
          ("SSLex0105e: Invalid token, Line 1, Offset 1, #" + std::string(200, 'A')).substr(0, 127)},
     };
-    for (const ErrorCase& c : cases)
-        ExpectScanError(c);
-}
-
-// A lexer that takes unmatched text as a token of its own goes on behind it.
-class ForgivingLex : public SSLex {
-public:
-    using SSLex::SSLex;
-    SSLexLexeme* invalidToken(SSLexConsumer& consumer) override {
-        SSLexLexeme* lexeme = consumer.errorLexeme();
-        lexeme->setToken(99);
-        return lexeme;
-    }
-};
-
-TEST(LexerErrors, OverriddenInvalidTokenGoesOn) {
-    SSLexTable table(ToyLexImage(), "TOY");
-    SSLexStringConsumer consumer(u"a#b");
-    ForgivingLex lex(&consumer, &table);
-    std::vector<std::string> seen;
-    while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
-        seen.push_back(std::to_string(lexeme->token()) + lexeme->displayText());
-    EXPECT_EQ(seen, (std::vector<std::string>{"51a", "99#", "51b"}));
+    for (const Case& c : cases)
+        EXPECT_EQ(Raised([&] { Scan(c.image, c.text); }), std::make_pair(c.code, c.message))
+            << c.name;
 }
 
 } // namespace

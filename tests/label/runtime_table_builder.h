@@ -9,8 +9,8 @@ namespace tervane::test {
 
 using Image = std::vector<std::uint8_t>;
 
-inline void PutWord(Image& out, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i)
+inline void PutWord(Image& out, std::uint32_t value, int bytes = 4) {
+    for (int i = 0; i < bytes; ++i)
         out.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 inline void PatchWord(Image& out, std::size_t at, std::uint32_t value) {
@@ -166,10 +166,8 @@ inline Image BuildYaccTable(const YaccGrammar& g, std::uint32_t magic = kCyss) {
     const std::uint32_t n = static_cast<std::uint32_t>(g.rows.size());
     Image out;
     PutWord(out, magic);
-    out.push_back(static_cast<std::uint8_t>(g.productions.size()));
-    out.push_back(static_cast<std::uint8_t>(g.productions.size() >> 8));
-    out.push_back(static_cast<std::uint8_t>(g.lookaheads.size()));
-    out.push_back(static_cast<std::uint8_t>(g.lookaheads.size() >> 8));
+    PutWord(out, static_cast<std::uint32_t>(g.productions.size()), 2);
+    PutWord(out, static_cast<std::uint32_t>(g.lookaheads.size()), 2);
     PutWord(out, n);
     PutWord(out, 0); // first row, patched
     PutWord(out, 0); // productions, patched

@@ -36,21 +36,11 @@ inline std::pair<std::int32_t, std::string> Raised(const std::function<void()>& 
 }
 
 inline std::vector<LexState> ToyMainList() {
+    const std::vector<LexState::Move> start = {
+        {0x0A, 0x0A, 10}, {0x20, 0x20, 1}, {0x22, 0x22, 4}, {0x30, 0x39, 2},    {0x3C, 0x3C, 5},
+        {0x3D, 0x3D, 9},  {0x41, 0x5A, 3}, {0x61, 0x7A, 3}, {kStart, kStart, 6}};
     return {
-        /*0*/ {0,
-               0,
-               0,
-               0,
-               0,
-               {{0x0A, 0x0A, 10},
-                {0x20, 0x20, 1},
-                {0x22, 0x22, 4},
-                {0x30, 0x39, 2},
-                {0x3C, 0x3C, 5},
-                {0x3D, 0x3D, 9},
-                {0x41, 0x5A, 3},
-                {0x61, 0x7A, 3},
-                {kStart, kStart, 6}}},
+        /*0*/ {0, 0, 0, 0, 0, start},
         /*1*/ {50, kFinal | kIgnore, 0, 0, 0, {{0x20, 0x20, 1}}},
         /*2*/ {kNum, kFinal, 0, 0, 0, {{0x30, 0x39, 2}}},
         /*3*/ {kWord, kFinal, 0, 0, 0, {{0x41, 0x5A, 3}, {0x61, 0x7A, 3}}},

@@ -55,26 +55,9 @@ void ExpectSameAsSearches(std::u16string_view text) {
 }
 
 TEST(TagWords, AsPlainSearchesFindThem) {
-    const std::u16string_view texts[] = {
-        u"",
-        u"<dialog id=\"IDD_ABOUT\">",
-        u"<radiobutton x=\"14\" y=\"34\" width=\"90\" height=\"10\" id=\"102\">",
-        u"<items>",
-        u"<item>",
-        u"<item id=\"201\">",
-        u"<menu id=\"IDR_MENU\">",
-        u"<separator/>",
-        u"menu menu",
-        u"item/item",
-        u"xmenu",
-        u"/items/item id",
-        u"<checkbox style=\"ES_NUMBER\" hidden=\"yes\">",
-        u"<\u00e9dit/caption\u20ac>",
-    };
-    for (std::u16string_view text : texts)
-        ExpectSameAsSearches(text);
     // Texts glued from pieces of the words, so that words overlap, break off
     // at the end and stand behind slashes in every way.
+    ExpectSameAsSearches(u"");
     const std::u16string_view fragments[] = {
         u"/",     u"<",     u">",       u" ",     u"id",        u"item",   u"s",
         u"menu",  u"me",    u"nu",      u"box",   u"combo",     u"list",   u"group",
