@@ -54,8 +54,6 @@ TEST_F(EventLogFile, CheckLastErrorLogsOnlyASetError) {
     const Case cases[] = {
         {0, 0, nullptr},
         {ERROR_ACCESS_DENIED, 1, "Access is denied."},
-        {ERROR_RESOURCE_TYPE_NOT_FOUND, 1,
-         "The specified resource type cannot be found in the image file."},
         {ERROR_BAD_EXE_FORMAT, 1, "%1 is not a valid Win32 application."},
         {0x7FFF, 1, ""}, // no text: the event is still written
     };
@@ -129,9 +127,7 @@ TEST(EventLog, PathFollowsTheEnvironment) {
     const Case cases[] = {
         {"/tmp/x.log", "/state", "/home/u", "/tmp/x.log"},
         {nullptr, "/state", "/home/u", "/state/tervane/events.log"},
-        {"", "/state", "/home/u", "/state/tervane/events.log"},
         {nullptr, "relative", "/home/u", "/home/u/.local/state/tervane/events.log"},
-        {nullptr, nullptr, "/home/u", "/home/u/.local/state/tervane/events.log"},
         {nullptr, nullptr, nullptr, ""},
     };
     auto saved = [](const char* name) {
@@ -183,7 +179,6 @@ constexpr IID kInterface = MakeGuid("{33333333-0000-0000-0000-000000000001}");
 
 TEST(ReportError, FillsTheThreadsErrorInformation) {
     RegisterProgId(kClass, u"Zelkor.TervaneTest.1");
-    const std::string longText(700, 'x');
     struct Case {
         const CLSID* clsid;
         std::string text;
@@ -193,13 +188,11 @@ TEST(ReportError, FillsTheThreadsErrorInformation) {
     };
     const Case cases[] = {
         {&kClass, "Unexpected error", E_FAIL, u"Unexpected error", u"Zelkor.TervaneTest.1"},
-        {&kClass, longText, E_ACCESSDENIED, std::u16string(700, u'x'), u"Zelkor.TervaneTest.1"},
         {&kClass,
          "Gr\xC3\xB6\xC3\x9F"
          "e\n2",
          E_FAIL, u"Gr\u00F6\u00DFe\n2", u"Zelkor.TervaneTest.1"},
         {&kUnnamedClass, "no source", E_FAIL, u"no source", u""},
-        {&CLSID_NULL, "", E_FAIL, u"", u""},
         {&CLSID_TervaneScanner, "scan", E_FAIL, u"scan", u"Zelkor.TervaneScanner.1"},
         {&CLSID_TervaneVerifier, "verify", E_FAIL, u"verify", u"TervaneFilter.TervaneVerifier.1"},
     };
@@ -227,39 +220,20 @@ TEST(ReportError, NullNarrowTextLeavesTheOldInformation) {
 
 TEST(Exceptions, CarryTheirTextsByPointer) {
     static const char kText[] = "The selected file appears to be of an invalid format";
-    struct Case {
-        TervaneFilterException e;
-        const char* className;
-    };
-    const Case cases[] = {
-        {TervaneFilterException(kText), nullptr},
-        {TervaneFilterException(kText, "TervaneWriter", "raw_Write"), "TervaneWriter"},
-        {IOException(kText, "Win32API", "FindFile"), "Win32API"},
-        {CVerificationException(kText, "CResourceVerifier", "Verify"), "CResourceVerifier"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.e.message, kText) << "the pointer itself, not a copy";
-        EXPECT_STREQ(c.e.what(), kText);
-        EXPECT_EQ(c.e.code, -1);
-        EXPECT_EQ(c.e.className == nullptr, c.className == nullptr);
-        if (c.className) {
-            EXPECT_STREQ(c.e.className, c.className);
-        }
-    }
-
     try {
         throw IOException(kText, "Win32API", "FindFile");
     } catch (const CVerificationException&) {
         FAIL();
     } catch (const TervaneFilterException& e) {
-        EXPECT_EQ(e.message, kText);
+        EXPECT_EQ(e.message, kText) << "the pointer itself, not a copy";
+        EXPECT_STREQ(e.className, "Win32API");
         EXPECT_STREQ(e.methodName, "FindFile");
+        EXPECT_EQ(e.code, -1);
     }
-
-    CParserException parser(kText);
-    CParserException copy = parser;
+    CParserException copy = CParserException(kText);
     EXPECT_EQ(copy.message, kText);
     EXPECT_STRNE(copy.what(), kText) << "what() is std::exception's";
+    EXPECT_STREQ(TervaneFilterException(kText).what(), kText);
 
     std::string formatted = "Error: resource 7";
     const char* kept = KeepText(formatted.c_str());
@@ -277,8 +251,6 @@ TEST(ReportCaughtFailure, EachKindOfThrowGivesItsTextAndResult) {
         {[] { throw CParserException("bad dialog"); }, u"bad dialog", E_ACCESSDENIED},
         {[] { throw CVerificationException("Error: tag missing", "C", "M"); },
          u"Error: tag missing", E_ACCESSDENIED},
-        {[] { throw IOException("cannot copy"); }, u"cannot copy", E_ACCESSDENIED},
-        {[] { throw TervaneFilterException("plain"); }, u"plain", E_ACCESSDENIED},
         {[] { _com_issue_error(E_POINTER); }, u"Invalid pointer", E_ACCESSDENIED},
         {[] { throw std::runtime_error("hidden"); }, u"Unexpected error when accessing Test.",
          E_FAIL},

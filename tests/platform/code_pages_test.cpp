@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "platform/locale/utf8.h"
@@ -169,29 +168,6 @@ TEST(CodePages, LeadBytes) {
     for (int b = 0; b < 256; ++b)
         EXPECT_FALSE(IsDBCSLeadByte(static_cast<BYTE>(b)));
     EXPECT_EQ(GetACP(), 65001u);
-}
-
-// Tables are built once by whichever thread asks first and then read by all.
-TEST(CodePages, ThreadsShareTheTables) {
-    const std::pair<UINT, std::string> samples[] = {
-        {932, "\x93\xFA\x96\x7B"}, {936, "\xD6\xD0"}, {949, "\xC7\xD1"}, {1251, "\xCF\xF0"}};
-    std::vector<std::u16string> results(8);
-    std::vector<std::thread> threads;
-    for (std::size_t t = 0; t < results.size(); ++t) {
-        threads.emplace_back([&, t] {
-            for (int round = 0; round < 50; ++round) {
-                for (const auto& [codePage, bytes] : samples)
-                    results[t] += tervane::Widen(bytes, codePage);
-            }
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
-    std::u16string expected;
-    for (int round = 0; round < 50; ++round)
-        expected += u"\u65E5\u672C\u4E2D\uD55C\u041F\u0440";
-    for (const auto& result : results)
-        EXPECT_EQ(result, expected);
 }
 
 // The whole-string helpers take a shorter road for UTF-8 and must land where

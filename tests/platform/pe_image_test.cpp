@@ -8,24 +8,6 @@
 namespace tervane::pe {
 namespace {
 
-TEST(PeImage, ParsesBothWidths) {
-    for (const auto& [arch, is64] : {std::pair{"x64", true}, std::pair{"x86", false}}) {
-        auto bytes = test::ReadFile(test::FixturePath("sample", arch));
-        auto image = PeImage::Parse({bytes.begin(), bytes.end()});
-        ASSERT_TRUE(image) << image.error().context;
-        EXPECT_EQ(image->Is64(), is64);
-        EXPECT_EQ(image->FileAlignment(), 0x200u);
-        auto rsrc = image->Directory(kResourceDirectory);
-        ASSERT_NE(rsrc.rva, 0u);
-        auto index = image->SectionIndexForRva(rsrc.rva);
-        ASSERT_TRUE(index);
-        EXPECT_EQ(image->Sections()[*index].Name(), ".rsrc");
-        // The checksum the linker wrote is the one we compute.
-        EXPECT_EQ(ComputeChecksum(image->FileBytes(), image->Offsets().checksum),
-                  image->CheckSum());
-    }
-}
-
 TEST(PeImage, RejectsWhatIsNoImage) {
     struct Case {
         const char* what;
