@@ -111,38 +111,6 @@ public:
     ComPtr<IUnknown> inner_;
 };
 
-TEST(Component, AggregatedObjectDelegatesToTheOuterIdentity) {
-    {
-        Outer outer;
-        ASSERT_TRUE(outer.inner_);
-        EXPECT_EQ(g_alive, 1);
-        EXPECT_EQ(Count(outer.inner_.get()), 1u) << "the outer holds the only inner reference";
-
-        ComPtr<IBeta> beta;
-        ASSERT_EQ(QueryInterfaceAs(&outer, beta.Receive()), S_OK);
-        EXPECT_EQ(outer.refs_, 2u) << "references through the inner go to the outer";
-        EXPECT_EQ(Count(outer.inner_.get()), 1u);
-        EXPECT_EQ(Identity(beta.get()), static_cast<IUnknown*>(&outer));
-        auto* widget =
-            static_cast<Widget*>(static_cast<DispatchWithoutTypeInfo<IBeta>*>(beta.get()));
-        EXPECT_EQ(widget->ControllingUnknown(), static_cast<IUnknown*>(&outer));
-
-        // The inner's interfaces ask the outer, which doesn't give IAlpha out.
-        ComPtr<IAlpha> alpha;
-        EXPECT_EQ(beta.As(alpha), E_NOINTERFACE);
-
-        // The non-delegating IUnknown answers as the plain form would, with
-        // its own identity.
-        ComPtr<IAlpha> direct;
-        ASSERT_EQ(outer.inner_->QueryInterface(IAlpha::iid, direct.ReceiveVoid()), S_OK);
-        EXPECT_EQ(Identity(direct.get()), static_cast<IUnknown*>(&outer));
-        direct.Reset();
-        beta.Reset();
-        EXPECT_EQ(outer.refs_, 1u);
-    }
-    EXPECT_EQ(g_alive, 0);
-}
-
 TEST(Component, FactoryRefusesAggregationForOtherInterfaces) {
     Outer outer;
     struct Case {
