@@ -98,42 +98,6 @@ TEST_F(EventLogFile, MissingFoldersAreMade) {
     EXPECT_NE(Slurp(nested).find("into a new folder\n"), std::string::npos);
 }
 
-TEST(EventLog, PathFollowsTheEnvironment) {
-    struct Case {
-        const char* override;
-        const char* state;
-        const char* home;
-        const char* path;
-    };
-    const Case cases[] = {
-        {"/tmp/x.log", "/state", "/home/u", "/tmp/x.log"},
-        {nullptr, "/state", "/home/u", "/state/tervane/events.log"},
-        {nullptr, "relative", "/home/u", "/home/u/.local/state/tervane/events.log"},
-        {nullptr, nullptr, nullptr, ""},
-    };
-    auto saved = [](const char* name) {
-        const char* v = std::getenv(name);
-        return v ? std::optional<std::string>(v) : std::nullopt;
-    };
-    auto set = [](const char* name, const char* value) {
-        if (value)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-    };
-    auto savedState = saved("XDG_STATE_HOME");
-    auto savedHome = saved("HOME");
-    for (const Case& c : cases) {
-        set(kEventLogVariable, c.override);
-        set("XDG_STATE_HOME", c.state);
-        set("HOME", c.home);
-        EXPECT_EQ(EventLogPath(), c.path);
-    }
-    unsetenv(kEventLogVariable);
-    set("XDG_STATE_HOME", savedState ? savedState->c_str() : nullptr);
-    set("HOME", savedHome ? savedHome->c_str() : nullptr);
-}
-
 struct Reported {
     std::u16string description;
     std::u16string source;

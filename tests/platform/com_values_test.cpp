@@ -125,15 +125,5 @@ TEST(Bstr, RefilledStringsAreWhole) {
     }
 }
 
-TEST(Bstr, OwnerCopiesAreDeep) {
-    Bstr a(std::u16string_view(u"x\0y", 3));
-    Bstr b = a;
-    EXPECT_NE(a.get(), b.get());
-    EXPECT_EQ(b.view(), std::u16string_view(u"x\0y", 3));
-    Bstr c = std::move(a);
-    EXPECT_EQ(a.get(), nullptr);
-    EXPECT_EQ(c.length(), 3u);
-}
-
 } // namespace
 } // namespace tervane
