@@ -57,26 +57,4 @@ TEST(LocaleInfo, NeutralAliasesAndUnknownIdentifiers) {
     EXPECT_EQ(Ask(0x0411, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_NOUSEROVERRIDE), "932");
 }
 
-TEST(LocaleInfo, BufferSizes) {
-    // The value 1252 needs 5 chars with its NUL.
-    struct Case {
-        int size;
-        int result;
-        DWORD error;
-    };
-    const Case cases[] = {{0, 5, 0}, {4, 0, ERROR_INSUFFICIENT_BUFFER}, {5, 5, 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.size);
-        char buffer[8] = "zzzzzzz";
-        SetLastError(0);
-        EXPECT_EQ(
-            GetLocaleInfoA(0x0409, LOCALE_IDEFAULTANSICODEPAGE, c.size ? buffer : nullptr, c.size),
-            c.result);
-        EXPECT_EQ(GetLastError(), c.error);
-        if (c.result > 0 && c.size > 0) {
-            EXPECT_STREQ(buffer, "1252");
-        }
-    }
-}
-
 } // namespace
