@@ -11,33 +11,30 @@
 
 namespace {
 
-std::u16string ToWide(const std::string& text, UINT codePage, DWORD flags = 0) {
+std::u16string ToWide(const std::string& text, UINT codePage) {
     char16_t buffer[64];
     SetLastError(0);
-    const int n = MultiByteToWideChar(codePage, flags, text.data(), static_cast<int>(text.size()),
-                                      buffer, 64);
+    const int n =
+        MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), buffer, 64);
     return std::u16string(buffer, static_cast<std::size_t>(n));
 }
 
-std::string Hex(std::u16string_view text) {
+// Bytes as two hex digits, UTF-16 units as four, space-separated.
+template <typename Char> std::string Hex(std::basic_string_view<Char> text) {
     std::string out;
     char unit[8];
-    for (const char16_t c : text) {
-        std::snprintf(unit, sizeof unit, "%s%04x", out.empty() ? "" : " ", unsigned{c});
+    for (const Char c : text) {
+        std::snprintf(unit, sizeof unit, sizeof(Char) == 1 ? "%s%02x" : "%s%04x",
+                      out.empty() ? "" : " ", unsigned(std::make_unsigned_t<Char>(c)));
         out += unit;
     }
     return out;
 }
-
 std::string Hex(std::string_view text) {
-    std::string out;
-    char unit[8];
-    for (const char c : text) {
-        std::snprintf(unit, sizeof unit, "%s%02x", out.empty() ? "" : " ",
-                      unsigned{static_cast<unsigned char>(c)});
-        out += unit;
-    }
-    return out;
+    return Hex<char>(text);
+}
+std::string Hex(std::u16string_view text) {
+    return Hex<char16_t>(text);
 }
 
 // Expected values as Windows gives them.

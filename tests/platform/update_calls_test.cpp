@@ -14,6 +14,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "platform/byte_reader.h"
 #include "platform/files/file_bytes.h"
 #include "platform/files/file_calls.h"
 #include "platform/pe/pe_image.h"
@@ -212,14 +213,11 @@ std::vector<unsigned char> WithCertificate(std::vector<unsigned char> bytes, std
         bytes.push_back(0);
     std::size_t at = bytes.size();
     std::vector<unsigned char> certificate(size, 0xCE);
-    certificate[0] = static_cast<unsigned char>(size);
-    certificate[1] = static_cast<unsigned char>(size >> 8);
+    StoreU32LE(certificate.data(), static_cast<std::uint32_t>(size));
     bytes.insert(bytes.end(), certificate.begin(), certificate.end());
     std::size_t entry = image->Offsets().dataDirectories + 4 * 8;
-    for (int i = 0; i < 4; ++i) {
-        bytes[entry + i] = static_cast<unsigned char>(at >> (8 * i));
-        bytes[entry + 4 + i] = static_cast<unsigned char>(size >> (8 * i));
-    }
+    StoreU32LE(&bytes[entry], static_cast<std::uint32_t>(at));
+    StoreU32LE(&bytes[entry + 4], static_cast<std::uint32_t>(size));
     return bytes;
 }
 
@@ -259,8 +257,7 @@ TEST(UpdateCalls, HeadersWithoutRoomForASectionFailCleanly) {
     std::uint32_t tableEnd = static_cast<std::uint32_t>(
         image->Offsets().sectionTable + image->Sections().size() * pe::kSectionHeaderSize);
     std::size_t field = image->Offsets().optionalHeader + 60;
-    for (int i = 0; i < 4; ++i)
-        bytes[field + i] = static_cast<unsigned char>(tableEnd >> (8 * i));
+    StoreU32LE(&bytes[field], tableEnd);
     WriteFile(path, bytes);
 
     HANDLE h = BeginUpdateResourceA(path.c_str(), FALSE);
