@@ -68,10 +68,6 @@ std::string TypeText(const std::string& type) {
     return upper;
 }
 
-ResName Name(const std::string& text) {
-    return ResName(text);
-}
-
 // Fields that an update may change, as (offset, length) in the headers.
 std::vector<std::pair<std::size_t, std::size_t>> MutableHeaderFields(const pe::PeImage& image) {
     const pe::HeaderOffsets& at = image.Offsets();
@@ -162,7 +158,7 @@ TEST_P(UpdateLayoutTest, EveryCaseGivesTheExpectedResourcesAndKeepsTheRest) {
             ASSERT_NE(h, nullptr) << GetLastError();
             first = false;
             const void* data = op.data.empty() ? nullptr : op.data.data();
-            ASSERT_TRUE(UpdateResourceA(h, Name(op.type), Name(op.name), op.language, data,
+            ASSERT_TRUE(UpdateResourceA(h, ResName(op.type), ResName(op.name), op.language, data,
                                         static_cast<DWORD>(op.data.size())));
             ASSERT_TRUE(EndUpdateResourceA(h, FALSE)) << GetLastError();
             std::string key =
