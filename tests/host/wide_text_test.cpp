@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "host/wide_text.h"
 
@@ -42,23 +40,6 @@ TEST(WideText, CopiesShareAndOutliveTheOriginal) {
     EXPECT_EQ(moved.view(), u"<string id=\"17\">");
     EXPECT_TRUE(copy.empty()); // NOLINT: a moved-from text is empty
     EXPECT_FALSE(WideText(u"abc").SharesWith(WideText(u"abc")));
-}
-
-// Copies released on other threads free the block once (the sanitizer build
-// sees a double free or a leak).
-TEST(WideText, CopiesReleasedOnManyThreads) {
-    const WideText text(u"shared between threads");
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([copy = text]() mutable {
-            for (int j = 0; j < 1000; ++j) {
-                WideText again = copy;
-                copy = again;
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(text.view(), u"shared between threads");
 }
 
 } // namespace
