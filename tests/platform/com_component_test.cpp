@@ -179,37 +179,5 @@ TEST(Component, PooledObjectsComeBackClearedAndHoldTheModuleWhileAlive) {
         << "taken from the pool, not made anew";
 }
 
-// A class registered again after a revocation is served again, although it
-// was found (and remembered) before; other contexts and revoked classes are
-// not found.
-TEST(Component, CoCreateInstanceFollowsRegistrationsAndRevocations) {
-    const CLSID clsid = MakeGuid("{11111111-0000-0000-0000-0000000000C2}");
-    auto valueOf = [&](HRESULT expected) {
-        ComPtr<IAlpha> alpha;
-        EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_ALL, IAlpha::iid, alpha.ReceiveVoid()),
-                  expected);
-        LONG value = -1;
-        if (alpha)
-            alpha->Value(&value);
-        return value;
-    };
-    ComPtr<IClassFactory> widgets;
-    ASSERT_EQ(CreateClassFactory<Widget>(widgets.Receive()), S_OK);
-    DWORD cookie = 0;
-    ASSERT_EQ(CoRegisterClassObject(clsid, widgets.get(), CLSCTX_INPROC_SERVER, 0, &cookie), S_OK);
-    EXPECT_EQ(valueOf(S_OK), 7);
-    void* object = &cookie;
-    EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_LOCAL_SERVER, IID_IUnknown, &object),
-              REGDB_E_CLASSNOTREG);
-    EXPECT_EQ(object, nullptr);
-    ASSERT_EQ(CoRevokeClassObject(cookie), S_OK);
-    EXPECT_EQ(CoRevokeClassObject(cookie), CO_E_OBJNOTREG);
-    EXPECT_EQ(valueOf(REGDB_E_CLASSNOTREG), -1);
-
-    ASSERT_EQ(CoRegisterClassObject(clsid, widgets.get(), CLSCTX_INPROC_SERVER, 0, &cookie), S_OK);
-    EXPECT_EQ(valueOf(S_OK), 7);
-    ASSERT_EQ(CoRevokeClassObject(cookie), S_OK);
-}
-
 } // namespace
 } // namespace tervane
