@@ -54,8 +54,6 @@ TEST_F(EventLogFile, CheckLastErrorLogsOnlyASetError) {
     const Case cases[] = {
         {0, 0, nullptr},
         {ERROR_ACCESS_DENIED, 1, "Access is denied."},
-        {ERROR_RESOURCE_TYPE_NOT_FOUND, 1,
-         "The specified resource type cannot be found in the image file."},
         {ERROR_BAD_EXE_FORMAT, 1, "%1 is not a valid Win32 application."},
         {0x7FFF, 1, ""}, // no text: the event is still written
     };
@@ -76,16 +74,9 @@ TEST_F(EventLogFile, CheckLastErrorLogsOnlyASetError) {
         EXPECT_EQ(added.find('\r'), std::string::npos);
         EXPECT_EQ(added.back(), '\n');
     }
-}
-
-TEST_F(EventLogFile, StaleErrorCountsAndAnUnwritableLogChangesNothing) {
-    SetLastError(ERROR_FILE_NOT_FOUND);
-    SetLastError(GetLastError()); // a successful call that doesn't clear it
-    EXPECT_EQ(CheckLastError("Win32API::FindFile"), 1);
-
     setenv(kEventLogVariable, "/proc/tervane-no-such-dir/events.log", 1);
     SetLastError(ERROR_ACCESS_DENIED);
-    EXPECT_EQ(CheckLastError("Win32API::UpdateResource"), 1);
+    EXPECT_EQ(CheckLastError("Win32API::UpdateResource"), 1) << "an unwritable log changes nothing";
 }
 
 TEST_F(EventLogFile, LogEventHonoursTheLevelAndKeepsOneEventPerLine) {
@@ -105,56 +96,6 @@ TEST_F(EventLogFile, MissingFoldersAreMade) {
     setenv(kEventLogVariable, nested.c_str(), 1);
     LogEvent(EVENTLOG_ERROR_TYPE, "into a new folder");
     EXPECT_NE(Slurp(nested).find("into a new folder\n"), std::string::npos);
-}
-
-TEST(EventLog, HandlesAreCheckedAndServersRefused) {
-    EXPECT_EQ(RegisterEventSourceA("otherhost", "TervaneFilter"), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-    HANDLE log = RegisterEventSourceA(nullptr, "TervaneFilter");
-    ASSERT_NE(log, nullptr);
-    EXPECT_TRUE(DeregisterEventSource(log));
-    const char* strings[] = {"late"};
-    EXPECT_FALSE(ReportEventA(log, EVENTLOG_ERROR_TYPE, 0, 0, nullptr, 1, 0, strings, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_FALSE(DeregisterEventSource(log));
-}
-
-TEST(EventLog, PathFollowsTheEnvironment) {
-    struct Case {
-        const char* override;
-        const char* state;
-        const char* home;
-        const char* path;
-    };
-    const Case cases[] = {
-        {"/tmp/x.log", "/state", "/home/u", "/tmp/x.log"},
-        {nullptr, "/state", "/home/u", "/state/tervane/events.log"},
-        {"", "/state", "/home/u", "/state/tervane/events.log"},
-        {nullptr, "relative", "/home/u", "/home/u/.local/state/tervane/events.log"},
-        {nullptr, nullptr, "/home/u", "/home/u/.local/state/tervane/events.log"},
-        {nullptr, nullptr, nullptr, ""},
-    };
-    auto saved = [](const char* name) {
-        const char* v = std::getenv(name);
-        return v ? std::optional<std::string>(v) : std::nullopt;
-    };
-    auto set = [](const char* name, const char* value) {
-        if (value)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-    };
-    auto savedState = saved("XDG_STATE_HOME");
-    auto savedHome = saved("HOME");
-    for (const Case& c : cases) {
-        set(kEventLogVariable, c.override);
-        set("XDG_STATE_HOME", c.state);
-        set("HOME", c.home);
-        EXPECT_EQ(EventLogPath(), c.path);
-    }
-    unsetenv(kEventLogVariable);
-    set("XDG_STATE_HOME", savedState ? savedState->c_str() : nullptr);
-    set("HOME", savedHome ? savedHome->c_str() : nullptr);
 }
 
 struct Reported {
@@ -183,7 +124,6 @@ constexpr IID kInterface = MakeGuid("{33333333-0000-0000-0000-000000000001}");
 
 TEST(ReportError, FillsTheThreadsErrorInformation) {
     RegisterProgId(kClass, u"Zelkor.TervaneTest.1");
-    const std::string longText(700, 'x');
     struct Case {
         const CLSID* clsid;
         std::string text;
@@ -193,13 +133,9 @@ TEST(ReportError, FillsTheThreadsErrorInformation) {
     };
     const Case cases[] = {
         {&kClass, "Unexpected error", E_FAIL, u"Unexpected error", u"Zelkor.TervaneTest.1"},
-        {&kClass, longText, E_ACCESSDENIED, std::u16string(700, u'x'), u"Zelkor.TervaneTest.1"},
-        {&kClass,
-         "Gr\xC3\xB6\xC3\x9F"
-         "e\n2",
-         E_FAIL, u"Gr\u00F6\u00DFe\n2", u"Zelkor.TervaneTest.1"},
+        {&kClass, "Gr\xC3\xB6\xC3\x9F\x65\n2", E_FAIL, u"Gr\u00F6\u00DFe\n2",
+         u"Zelkor.TervaneTest.1"},
         {&kUnnamedClass, "no source", E_FAIL, u"no source", u""},
-        {&CLSID_NULL, "", E_FAIL, u"", u""},
         {&CLSID_TervaneScanner, "scan", E_FAIL, u"scan", u"Zelkor.TervaneScanner.1"},
         {&CLSID_TervaneVerifier, "verify", E_FAIL, u"verify", u"TervaneFilter.TervaneVerifier.1"},
     };
@@ -225,46 +161,13 @@ TEST(ReportError, NullNarrowTextLeavesTheOldInformation) {
     EXPECT_EQ(reported->description, u"earlier");
 }
 
-TEST(Exceptions, CarryTheirTextsByPointer) {
-    static const char kText[] = "The selected file appears to be of an invalid format";
-    struct Case {
-        TervaneFilterException e;
-        const char* className;
-    };
-    const Case cases[] = {
-        {TervaneFilterException(kText), nullptr},
-        {TervaneFilterException(kText, "TervaneWriter", "raw_Write"), "TervaneWriter"},
-        {IOException(kText, "Win32API", "FindFile"), "Win32API"},
-        {CVerificationException(kText, "CResourceVerifier", "Verify"), "CResourceVerifier"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.e.message, kText) << "the pointer itself, not a copy";
-        EXPECT_STREQ(c.e.what(), kText);
-        EXPECT_EQ(c.e.code, -1);
-        EXPECT_EQ(c.e.className == nullptr, c.className == nullptr);
-        if (c.className) {
-            EXPECT_STREQ(c.e.className, c.className);
-        }
-    }
-
-    try {
-        throw IOException(kText, "Win32API", "FindFile");
-    } catch (const CVerificationException&) {
-        FAIL();
-    } catch (const TervaneFilterException& e) {
-        EXPECT_EQ(e.message, kText);
-        EXPECT_STREQ(e.methodName, "FindFile");
-    }
-
-    CParserException parser(kText);
-    CParserException copy = parser;
-    EXPECT_EQ(copy.message, kText);
-    EXPECT_STRNE(copy.what(), kText) << "what() is std::exception's";
-
+TEST(Exceptions, KeptTextsOutliveTheirSource) {
     std::string formatted = "Error: resource 7";
     const char* kept = KeepText(formatted.c_str());
     formatted.assign(100, '?');
     EXPECT_STREQ(kept, "Error: resource 7");
+    static const char kText[] = "The selected file appears to be of an invalid format";
+    EXPECT_EQ(IOException(kText, "Win32API", "FindFile").message, kText) << "the pointer itself";
 }
 
 TEST(ReportCaughtFailure, EachKindOfThrowGivesItsTextAndResult) {
@@ -277,8 +180,6 @@ TEST(ReportCaughtFailure, EachKindOfThrowGivesItsTextAndResult) {
         {[] { throw CParserException("bad dialog"); }, u"bad dialog", E_ACCESSDENIED},
         {[] { throw CVerificationException("Error: tag missing", "C", "M"); },
          u"Error: tag missing", E_ACCESSDENIED},
-        {[] { throw IOException("cannot copy"); }, u"cannot copy", E_ACCESSDENIED},
-        {[] { throw TervaneFilterException("plain"); }, u"plain", E_ACCESSDENIED},
         {[] { _com_issue_error(E_POINTER); }, u"Invalid pointer", E_ACCESSDENIED},
         {[] { throw std::runtime_error("hidden"); }, u"Unexpected error when accessing Test.",
          E_FAIL},

@@ -8,47 +8,16 @@
 namespace tervane::pe {
 namespace {
 
-TEST(PeImage, ParsesBothWidths) {
-    for (const auto& [arch, is64] : {std::pair{"x64", true}, std::pair{"x86", false}}) {
-        auto bytes = test::ReadFile(test::FixturePath("sample", arch));
-        auto image = PeImage::Parse({bytes.begin(), bytes.end()});
-        ASSERT_TRUE(image) << image.error().context;
-        EXPECT_EQ(image->Is64(), is64);
-        EXPECT_EQ(image->FileAlignment(), 0x200u);
-        auto rsrc = image->Directory(kResourceDirectory);
-        ASSERT_NE(rsrc.rva, 0u);
-        auto index = image->SectionIndexForRva(rsrc.rva);
-        ASSERT_TRUE(index);
-        EXPECT_EQ(image->Sections()[*index].Name(), ".rsrc");
-        // The checksum the linker wrote is the one we compute.
-        EXPECT_EQ(ComputeChecksum(image->FileBytes(), image->Offsets().checksum),
-                  image->CheckSum());
-    }
-}
-
+// Truncated files are the resource reader's tests; these are whole but wrong.
 TEST(PeImage, RejectsWhatIsNoImage) {
-    struct Case {
-        const char* what;
-        std::vector<std::uint8_t> bytes;
-        DWORD code;
-    };
-    auto good = test::ReadFile(test::FixturePath("sample", "x64"));
-    std::vector<std::uint8_t> noPe(good.begin(), good.end());
-    noPe[LoadU32LE(&noPe[0x3C])] = 'X';
-    std::vector<std::uint8_t> farLfanew(good.begin(), good.end());
-    StoreU32LE(&farLfanew[0x3C], 0xFFFFFFF0u);
-    std::vector<std::uint8_t> badMagic(good.begin(), good.end());
-    badMagic[LoadU32LE(&badMagic[0x3C]) + 24] = 0x99;
-    const Case cases[] = {
-        {"MZ only", {'M', 'Z'}, ERROR_BAD_EXE_FORMAT},
-        {"no PE signature", noPe, ERROR_BAD_EXE_FORMAT},
-        {"e_lfanew past the end", farLfanew, ERROR_BAD_EXE_FORMAT},
-        {"unknown magic", badMagic, ERROR_BAD_EXE_FORMAT},
-    };
-    for (const Case& c : cases) {
-        auto image = PeImage::Parse(c.bytes);
-        ASSERT_FALSE(image) << c.what;
-        EXPECT_EQ(image.error().code, c.code) << c.what;
+    const auto good = test::ReadFile(test::FixturePath("sample", "x64"));
+    // Offsets from e_lfanew: the PE signature, the optional header's magic.
+    for (const std::uint32_t at : {0u, 24u}) {
+        std::vector<std::uint8_t> bytes(good.begin(), good.end());
+        bytes[LoadU32LE(&bytes[0x3C]) + at] ^= 0xFF;
+        auto image = PeImage::Parse(bytes);
+        ASSERT_FALSE(image) << at;
+        EXPECT_EQ(image.error().code, DWORD{ERROR_BAD_EXE_FORMAT}) << at;
     }
 }
 

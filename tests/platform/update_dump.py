@@ -1,8 +1,7 @@
-"""Dumps a PE file's resources with pefile, as an independent reader for the
-updater's tests. One record a line, tab-separated: R type name language
-code-page data-hex (in stored order; "#5" for a number); E for a directory out
-of the order that the loader's binary searches need; C checksum valid (0/1);
-O appended data in hex; S security directory."""
+"""Dumps a PE file's resources with pefile, one record a line, tab-separated:
+R type name language code-page data-hex (stored order, "#5" for a number);
+E a directory out of the loader's order, unaligned data or a header not 4.0
+with time stamp 0; C checksum valid (0/1); O appended data; S security."""
 import sys
 
 import pefile
@@ -17,8 +16,6 @@ def key(entry):
         return ("name", entry.name.decode("utf-8"))
     return ("id", entry.id)
 
-
-headers = []  # directories whose header is not version 4.0 with time stamp 0
 
 
 def check_order(directory, where, errors):
@@ -39,7 +36,7 @@ def check_order(directory, where, errors):
         errors.append(f"{where}: numbers not ascending")
     if directory.struct.MajorVersion != 4 or directory.struct.MinorVersion != 0 \
             or directory.struct.TimeDateStamp != 0:
-        headers.append(where)
+        errors.append(f"{where}: header not 4.0 with time stamp 0")
 
 
 def main():
@@ -60,7 +57,6 @@ def main():
                     out["resources"].append(
                         f"R\t{text(key(t))}\t{text(key(n))}\t{lang.id}\t{d.CodePage}\t{data.hex()}")
     lines = out["resources"] + [f"E\t{e}" for e in out["order_errors"]]
-    lines.append(f"V\t{len(headers)}")
     checksum = pe.OPTIONAL_HEADER.CheckSum
     lines.append(f"C\t{int(checksum == 0 or checksum == pe.generate_checksum())}")
     lines.append(f"O\t{(pe.get_overlay() or b'').hex()}")

@@ -65,31 +65,20 @@ Dump DumpResources(const std::string& path) {
         Run(DebianPython() + " " + TERVANE_SOURCE_DIR + "/tests/platform/update_dump.py " + path);
     Dump dump;
     std::istringstream lines(text);
-    std::string line;
-    while (std::getline(lines, line)) {
+    for (std::string line; std::getline(lines, line);) {
         if (line.size() < 2 || line[1] != '\t')
             throw std::runtime_error("unexpected dump line: " + line);
-        std::string rest = line.substr(2);
-        switch (line[0]) {
-        case 'R':
+        const std::string rest = line.substr(2);
+        if (line[0] == 'R')
             dump.resources.push_back(rest);
-            break;
-        case 'E':
+        else if (line[0] == 'E')
             dump.orderErrors.push_back(rest);
-            break;
-        case 'V':
-            dump.headersNot40 = std::stoi(rest);
-            break;
-        case 'C':
+        else if (line[0] == 'C')
             dump.checksumOk = rest == "1";
-            break;
-        case 'O':
+        else if (line[0] == 'O')
             dump.overlayHex = rest;
-            break;
-        case 'S':
+        else if (line[0] == 'S')
             dump.security = rest;
-            break;
-        }
     }
     return dump;
 }

@@ -22,8 +22,7 @@ std::string BuildLayout(Layout layout, const std::string& arch, const std::strin
 struct Dump {
     // "type\tname\tlanguage\tcode page\tdata hex", by the file's stored order.
     std::vector<std::string> resources;
-    std::vector<std::string> orderErrors;
-    int headersNot40 = -1;
+    std::vector<std::string> orderErrors; // the loader's order, alignment, headers
     bool checksumOk = false;
     std::string overlayHex;
     std::string security;
