@@ -1,0 +1,321 @@
+#include <gtest/gtest.h>
+#include <regex>
+
+#include "frame/diagnostics/exceptions.h"
+#include "model/dialog_controls.h"
+#include "model/dialog_item.h"
+#include "model/dialog_resource.h"
+#include "model/dialog_template.h"
+#include "model/dlginit_table.h"
+#include "tests/model/dialog_template_builder.h"
+
+namespace tervane {
+namespace {
+
+using test::NameOrOrdinal;
+using test::TemplateControl;
+using test::TemplateDialog;
+
+constexpr DWORD kVisible = 0x50000000;
+
+// Pieces spelt out, tags without place and size: the golden documents show those.
+std::string Spell(const CLabelPieceList& pieces) {
+    static const std::regex place(" x=\"-?\\d+\" y=\"-?\\d+\" width=\"-?\\d+\" height=\"-?\\d+\"");
+    return std::regex_replace(test::Spell(pieces), place, "");
+}
+
+TemplateControl Control(WORD classOrdinal, DWORD style, std::int16_t x, std::int16_t y,
+                        std::int16_t cx, std::int16_t cy, WORD id, std::u16string title) {
+    return {style,
+            x,
+            y,
+            cx,
+            cy,
+            id,
+            NameOrOrdinal::Number(classOrdinal),
+            NameOrOrdinal::Name(std::move(title)),
+            {}};
+}
+TemplateControl Label(std::int16_t x, std::int16_t y, WORD id, std::u16string title) {
+    return Control(0x82, kVisible, x, y, 40, 8, id, std::move(title));
+}
+TemplateControl Box(std::int16_t x, std::int16_t y, std::int16_t cx, std::int16_t cy,
+                    std::u16string title) {
+    return Control(0x80, kVisible | 7, x, y, cx, cy, 1, std::move(title));
+}
+
+CDialogItem Parse(const TemplateDialog& dialog, const std::string& identifier = " 7 ") {
+    auto bytes = test::BuildTemplate(dialog);
+    CDialogItem item;
+    item.ParseDialog(bytes, identifier, 0x409);
+    return item;
+}
+
+// The fixtures show the usual button types; these are told by their bits too.
+TEST(DialogControls, KindsAndStyleMarks) {
+    struct Case {
+        WORD classOrdinal;
+        DWORD style;
+        const char* kind;
+        const char* marks;
+    };
+    const Case cases[] = {
+        {0x80, 5, "button", ""},
+        {0x80, 6, "checkbox", ""},
+        {0x80, 12, "radiobutton", ""},
+        {0x80, 15, "groupbox", ""},
+        {0x80, 0x5001200A, "checkbox", ""}, // only the low byte tells the kind
+        {0x81, 0x0010, "edit", " style=\"ES_LOWERCASE\""},
+        {0x85, 0x6000, "combobox", " style=\"CBS_UPPERCASE CBS_LOWERCASE\""},
+        {0x82, 0x2000, "label", ""}, // an edit's bit on another class gives nothing
+        {0x85, 0x0080, "combobox", ""},
+    };
+    for (const Case& c : cases) {
+        EXPECT_STREQ(GetControlKind(c.classOrdinal, c.style), c.kind) << c.style;
+        EXPECT_EQ(GetStyleMarks(c.classOrdinal, c.style), c.marks) << c.style;
+    }
+}
+
+TEST(DialogItem, TextAnalysis) {
+    struct Case {
+        std::u16string text;
+        const char* marks;
+        bool isCaption;
+        const char* spelt;
+    };
+    const Case cases[] = {
+        {u"&Print", "", true, "[&][Print]"},
+        {u"&Print", "", false, "{&}[Print]"},
+        {u"A&B", " style=\"SS_NOPREFIX\"", false, "[A][&][B]"},
+        {u"A&&B", " style=\"SS_NOPREFIX\"", false, "[A&&B]"},
+        {u"50% off", "", false, "[50]{% o}[ff]"},
+        {u"Save &As\\%1", "", false, "[Save ]{&}[As\\]{%1}"},
+    };
+    for (const Case& c : cases) {
+        CDialogItem item;
+        item.AnalyseDialogText(c.text, c.marks, c.isCaption);
+        EXPECT_EQ(Spell(item.pieces), c.spelt) << c.spelt;
+    }
+}
+
+TEST(DialogItem, WhatADialogGives) {
+    struct Case {
+        const char* what;
+        std::vector<TemplateControl> controls;
+        const char* spelt;
+    };
+    TemplateControl numberedBox = Box(0, 0, 100, 100, u"");
+    numberedBox.title = NameOrOrdinal::Number(5);
+
+    const Case cases[] = {
+        {"the corner of a box is inside, one unit beyond is not",
+         {Box(0, 0, 100, 50, u""), Label(100, 50, 2, u"in"), Label(101, 50, 3, u"right"),
+          Label(100, 51, 4, u"below")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><items><label id=\"2\">[in]</label></items>"
+         "</groupbox><label id=\"3\">[right]</label><label id=\"4\">[below]</label></items>"
+         "</dialog>"},
+        {"a box whose title is a number gives its content to its level",
+         {numberedBox, Label(10, 10, 2, u"A")},
+         "<dialog id=\"7\"><items><label id=\"2\">[A]</label></items></dialog>"},
+        // The exchanges put Q before P, so Q lies before the box and is not in it.
+        {"a label on the spot of a box, by the exchanges",
+         {Box(0, 10, 100, 100, u"Box"), Label(0, 10, 2, u"Q"), Label(0, 0, 3, u"R")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[Box]</caption></groupbox>"
+         "<label id=\"2\">[Q]</label><label id=\"3\">[R]</label></items></dialog>"},
+    };
+    for (const Case& c : cases) {
+        TemplateDialog dialog;
+        dialog.controls = c.controls;
+        for (bool extended : {false, true}) {
+            dialog.extended = extended;
+            EXPECT_EQ(Spell(Parse(dialog).pieces), c.spelt) << c.what;
+        }
+    }
+}
+
+TEST(DialogItem, TitlesAreCutTo256) {
+    TemplateDialog dialog;
+    dialog.title = std::u16string(300, u'a');
+    dialog.controls = {Label(0, 0, 1, std::u16string(257, u'b'))};
+    EXPECT_EQ(Spell(Parse(dialog).pieces), "<dialog id=\"7\"><caption>[" + std::string(256, 'a') +
+                                               "]</caption><items><label id=\"1\">[" +
+                                               std::string(256, 'b') +
+                                               "]</label></items></dialog>");
+}
+
+TEST(DialogItem, ExchangeSortsKeepTheirOrder) {
+    CDialogItem item;
+    auto at = [](std::int16_t x, std::int16_t y, WORD tab) {
+        DialogControl c;
+        c.x = x;
+        c.y = y;
+        c.tabIndex = tab;
+        return c;
+    };
+    auto order = [&item] {
+        std::vector<WORD> tabs;
+        for (const auto& c : item.controls)
+            tabs.push_back(c.tabIndex);
+        return tabs;
+    };
+    item.controls = {at(0, 1, 0), at(0, 1, 1), at(0, 0, 2), at(-5, 0, 3)};
+    item.SortByPosition();
+    EXPECT_EQ(order(), (std::vector<WORD>{3, 2, 0, 1}));
+    // Here the exchanges turn two controls at one spot round: a stable sort
+    // would give 2, 0, 1.
+    item.controls = {at(0, 1, 0), at(0, 1, 1), at(0, 0, 2)};
+    item.SortByPosition();
+    EXPECT_EQ(order(), (std::vector<WORD>{2, 1, 0}));
+}
+
+// A list's strings are read in the code page of its init data's language.
+TEST(DialogItem, ListsFilledFromInitDataInItsCodePage) {
+    test::Bytes records;
+    records.U16(402).U16(0x180).U32(4).U8(0xCF).U8(0xF0).U8(0xE8).U8(0).U16(0);
+    auto data = std::make_unique<CDlgInitData>();
+    data->Parse(records.bytes, records.bytes.size());
+    data->language = 0x419;
+    CDlgInitTable::GetInstance().Store("8", std::move(data));
+    TemplateDialog dialog;
+    dialog.controls = {Control(0x83, kVisible, 0, 0, 9, 9, 402, u"")};
+    EXPECT_EQ(Spell(Parse(dialog, "8").pieces),
+              "<dialog id=\"8\"><items><listbox id=\"402\"><item>[\u041f\u0440\u0438]</item>"
+              "</listbox></items></dialog>");
+    EXPECT_EQ(Spell(Parse(dialog, "9").pieces), "");
+    CDlgInitTable::GetInstance().Clear();
+}
+
+// Each form of header and of control record ends on the byte where the
+// next record starts: the controls behind it read back whole.
+TEST(DialogTemplate, EachFormReadsUpToTheNextRecord) {
+    struct Case {
+        const char* what;
+        std::uint32_t style;
+        bool extended;
+        std::optional<NameOrOrdinal> menu;
+        std::optional<NameOrOrdinal> windowClass;
+        WORD menuOrdinal;
+    };
+    const Case cases[] = {
+        {"font by DS_FIXEDSYS alone", 0x08, false, {}, {}, 0},
+        {"font in the extended form", 0x40, true, NameOrOrdinal::Name(u"M"), {}, 0},
+        {"menu and class by number", 0, false, NameOrOrdinal::Number(7),
+         NameOrOrdinal::Number(0x8002), 7},
+        // Only 0xFFFF0001 marks the extended form; anything else is a style.
+        {"0xFFFF0002", 0xFFFF0002, false, {}, {}, 0},
+    };
+    TemplateControl icon;
+    icon.title = NameOrOrdinal::Number(42);
+    TemplateControl named;
+    named.windowClass = NameOrOrdinal::Name(u"SysLink");
+    named.title = NameOrOrdinal::Name(u"link");
+    TemplateControl data;
+    data.creationData = {1, 2, 3};
+    data.title = NameOrOrdinal::Name(u"x");
+    for (const Case& c : cases) {
+        TemplateDialog dialog;
+        dialog.style = c.style;
+        dialog.extended = c.extended;
+        dialog.fontBlock = (c.style & 0x48) != 0;
+        dialog.menu = c.menu;
+        dialog.windowClass = c.windowClass;
+        dialog.title = u"T";
+        dialog.controls = {icon, named, data};
+        auto bytes = test::BuildTemplate(dialog);
+        CDialogTemplateReader reader;
+        DialogHeader header = reader.ReadHeader(bytes);
+        EXPECT_EQ(header.isExtended, c.extended ? 1u : 0u) << c.what;
+        EXPECT_EQ(header.menuOrdinal, c.menuOrdinal) << c.what;
+        EXPECT_EQ(header.title, u"T") << c.what;
+        EXPECT_EQ(header.weight, c.extended ? 700 : 0) << c.what;
+        const DialogControl first = reader.ReadControl();
+        EXPECT_EQ(first.titleOrdinal, 42) << c.what;
+        EXPECT_EQ(first.idHigh, c.extended ? 0xABCD : 0) << c.what;
+        EXPECT_EQ(reader.ReadControl().title, u"link") << c.what;
+        const DialogControl third = reader.ReadControl();
+        EXPECT_EQ(third.creationData.size(), 3u) << c.what;
+        EXPECT_EQ(third.title, u"x") << c.what;
+    }
+}
+
+// Every template cut short ends in the corrupted-document exception, also
+// where the resource's size is smaller than the bytes at hand; so do a count
+// that promises more controls than there are and one beyond the limit.
+TEST(DialogTemplate, ShortAndOverlongTemplatesAreCorrupted) {
+    TemplateDialog dialog;
+    dialog.extended = true;
+    dialog.style = 0x40;
+    dialog.fontBlock = true;
+    dialog.title = u"Title";
+    dialog.menu = NameOrOrdinal::Name(u"M");
+    TemplateControl control;
+    control.title = NameOrOrdinal::Name(u"Label");
+    control.creationData = {9, 9};
+    dialog.controls = {control, control};
+    auto execute = [](const std::vector<std::uint8_t>& bytes, std::size_t size) {
+        CDialogResource resource;
+        resource.identifierText = "1";
+        resource.size = static_cast<DWORD>(size);
+        CDialogCommand().Execute(bytes, &resource);
+        return resource.dialogs.size();
+    };
+    const auto bytes = test::BuildTemplate(dialog);
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        std::vector<std::uint8_t> cut(bytes.begin(), bytes.begin() + static_cast<long>(size));
+        EXPECT_THROW(execute(cut, bytes.size()), CParserException) << size;
+        EXPECT_THROW(execute(bytes, size), CParserException) << size;
+    }
+    EXPECT_EQ(execute(bytes, bytes.size()), 1u);
+    dialog.itemCount = 3;
+    auto more = test::BuildTemplate(dialog);
+    EXPECT_THROW(execute(more, more.size()), CParserException);
+
+    dialog = TemplateDialog{};
+    dialog.title = u"Many";
+    for (std::size_t count : {kMaxDialogControls, kMaxDialogControls + 1}) {
+        dialog.controls.assign(count, Label(0, 0, 1, u""));
+        auto many = test::BuildTemplate(dialog);
+        if (count > kMaxDialogControls)
+            EXPECT_THROW(execute(many, many.size()), CParserException);
+        else
+            EXPECT_EQ(execute(many, many.size()), 1u);
+    }
+}
+
+// A translated stream as the writer gathers it, white space included.
+TEST(DialogResource, ExtractAndMergeByPosition) {
+    CLabelPieceList stream;
+    stream.push_back(MakeOpenTag("dialogs", "<dialogs>"));
+    for (const char* id : {"1", "2"}) {
+        stream.push_back(MakeText(u"\t\t"));
+        stream.push_back(MakeOpenTag("dialog", std::string("<dialog id=\"") + id + "\">"));
+        stream.push_back(std::make_unique<CLabelPiece>());
+        stream.push_back(MakeText(std::u16string(u"T") + char16_t(*id)));
+        stream.push_back(MakeCloseTag("dialog", "</dialog>"));
+    }
+    stream.push_back(MakeCloseTag("dialogs", "</dialogs>"));
+    CDialogResource first;
+    first.ExtractPieces(stream);
+    ASSERT_EQ(first.dialogs.size(), 1u);
+    EXPECT_EQ(Spell(first.dialogs[0]->pieces), "[\t\t]<dialog id=\"1\">[T1]");
+    // The group's tag stays at the head, the next dialog behind it.
+    ASSERT_EQ(stream.size(), 7u);
+    EXPECT_EQ(TagOf(*stream[2])->tagText, u"<dialog id=\"2\">");
+
+    TemplateDialog dialog;
+    dialog.title = u"Source";
+    auto bytes = test::BuildTemplate(dialog);
+    CDialogResource source;
+    source.size = static_cast<DWORD>(bytes.size());
+    CDialogCommand().Execute(bytes, &source);
+    CDialogResource empty;
+    source.MergePieces(empty);
+    EXPECT_EQ(Spell(source.dialogs[0]->pieces),
+              "<dialog id=\"\"><caption>[Source]</caption></dialog>");
+    source.MergePieces(first);
+    EXPECT_EQ(Spell(source.dialogs[0]->pieces), "[\t\t]<dialog id=\"1\">[T1]");
+    EXPECT_EQ(source.dialogs[0]->header.title, u"Source");
+}
+
+} // namespace
+} // namespace tervane
