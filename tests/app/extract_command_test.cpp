@@ -124,20 +124,28 @@ TEST(ExtractDialogs, TracesOfTheReader) {
     }
 }
 
+// One line of the events; text is in its JSON-escaped form.
+std::string Tag(const std::string& text, const std::string& name, int start, int end,
+                int inlineTag = 0) {
+    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
+           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
+           ", \"inline\": " + std::to_string(inlineTag) + "}";
+}
+
+std::string Text(const std::string& text) {
+    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
+}
+
 // What the plain document does not show: a caption's hotkey mark is text,
 // a button's an inline tag.
 TEST(ExtractDialogs, EventsOfACaptionAndAButton) {
-    auto tag = [](const std::string& text, const std::string& name, int start, int end) {
-        return test::TagEvent(text, name, start, end, 0);
-    };
-    const auto text = test::TextEvent;
     const std::vector<std::string> caption = {
-        tag("<caption>", "caption", 1, 0),  text("Print "), text("&"), text("Setup"),
-        tag("</caption>", "caption", 0, 1), text("\\n")};
-    const std::vector<std::string> button = {test::TagEvent("&", "&", 0, 0, 1), text("Help"),
-                                             tag("</button>", "button", 0, 1), text("\\n")};
+        Tag("<caption>", "caption", 1, 0),  Text("Print "), Text("&"), Text("Setup"),
+        Tag("</caption>", "caption", 0, 1), Text("\\n")};
+    const std::vector<std::string> button = {Tag("&", "&", 0, 0, 1), Text("Help"),
+                                             Tag("</button>", "button", 0, 1), Text("\\n")};
     const std::string help =
-        tag(R"(<button x=\"130\" y=\"40\" width=\"50\" height=\"14\" id=\"9\">)", "button", 1, 0);
+        Tag(R"(<button x=\"130\" y=\"40\" width=\"50\" height=\"14\" id=\"9\">)", "button", 1, 0);
     for (const auto& image : test::FixtureImages("fwd_dialogs")) {
         std::vector<std::string> lines = Lines(Extract("--events", image).out);
         auto at = std::search(lines.begin(), lines.end(), caption.begin(), caption.end());

@@ -31,15 +31,4 @@ std::vector<std::string> Lines(const std::string& text) {
     return lines;
 }
 
-std::string TagEvent(const std::string& text, const std::string& name, int start, int end,
-                     int inlineTag) {
-    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
-           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-           ", \"inline\": " + std::to_string(inlineTag) + "}";
-}
-
-std::string TextEvent(const std::string& text) {
-    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
-}
-
 } // namespace tervane::test

@@ -16,9 +16,4 @@ ExtractRun Extract(const std::string& options, const std::string& path, bool wit
 
 std::vector<std::string> Lines(const std::string& text);
 
-// One line of `tervane extract --events`; text is in its JSON-escaped form.
-std::string TagEvent(const std::string& text, const std::string& name, int start, int end,
-                     int inlineTag);
-std::string TextEvent(const std::string& text);
-
 } // namespace tervane::test

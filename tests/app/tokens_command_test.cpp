@@ -29,8 +29,6 @@ TEST(TokensCommand, PrintsOneJsonObjectPerToken) {
          "{\"type\": 3, \"text\": \"&\"}\n{\"type\": 1, \"text\": \"Open\"}\n"
          "{\"type\": 5, \"text\": \"\\\\t\"}\n{\"type\": 1, \"text\": \"Ctrl\"}\n"
          "{\"type\": 3, \"text\": \"+\"}\n{\"type\": 1, \"text\": \"O\"}\n"},
-        {"tokens --kind dialog '\xC3\xA9t\xC3\xA9'",
-         "{\"type\": 1, \"text\": \"\xC3\xA9t\xC3\xA9\"}\n"},
     };
     for (const Case& c : cases) {
         int status = -1;
