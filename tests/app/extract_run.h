@@ -1,8 +1,6 @@
 #pragma once
 // Runs `tervane extract` on a file as a user would, and keeps what it wrote.
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "tests/support/fixtures.h"
 

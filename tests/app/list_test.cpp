@@ -95,22 +95,18 @@ TEST(List, TableAndFailures) {
     std::size_t root = section.pointerToRawData + (rva - section.virtualAddress);
     bytes[root + 14] = bytes[root + 15] = 0xFF;
     test::WriteFile(dir + "/hostile.dll", bytes);
-    struct Case {
-        std::string file;
-        std::string message;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {dir + "/missing.dll", "The system cannot find the file specified."},
         {dir, "Access is denied."},
         {dir + "/bad.dll", dir + "/bad.dll is not a valid Win32 application."},
         {dir + "/hostile.dll", dir + "/hostile.dll is not a valid Win32 application."},
     };
-    for (const Case& c : cases) {
+    for (const auto& [file, message] : cases) {
         for (const char* json : {"", "--json "}) {
             std::string out = test::RunCommand(
-                kTervane + " list " + json + "'" + c.file + "' 2>&1 >/dev/null", &status);
-            EXPECT_EQ(status, 1) << c.file;
-            EXPECT_EQ(out, "tervane list: " + c.file + ": " + c.message + "\n");
+                kTervane + " list " + json + "'" + file + "' 2>&1 >/dev/null", &status);
+            EXPECT_EQ(status, 1) << file;
+            EXPECT_EQ(out, "tervane list: " + file + ": " + message + "\n");
         }
     }
 }

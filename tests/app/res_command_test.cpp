@@ -1,8 +1,6 @@
 // tervane res as a user runs it: round trips through put, get and delete, and
 // failures that print the system's message and leave the file as it was.
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 #include "tests/support/fixtures.h"
 

@@ -121,11 +121,6 @@ TEST(MenuRecords, TreesOfPiecesFromTemplates) {
          },
          {"<menu id=\"1\">", "<item>[a]</item>", "<item id=\"65534\">[b]</item>", "<separator/>",
           "<item>[Z]</item>", "<item>[End]</item></menu>"}},
-        {"empty pop-up text",
-         false,
-         [](MenuImage& m) { m.Popup(kEnd, u"").Plain(kEnd, 1, u"x"); },
-         {"<menu id=\"1\">", "<item></item><menu>", "  <item id=\"1\">[x]</item></menu>",
-          "  </menu>"}},
         {"extended",
          true,
          [](MenuImage& m) {

@@ -20,11 +20,11 @@ std::vector<std::uint8_t> Block(const std::vector<std::u16string>& strings) {
     return out.bytes;
 }
 
-PieceEntry ParseOne(const std::u16string& text, long number = 7) {
+PieceEntry ParseOne(const std::u16string& text) {
     auto bytes = Block({text});
     std::size_t offset = 0;
     CLabelParser parser;
-    return ParseString(bytes, offset, parser, number);
+    return ParseString(bytes, offset, parser, 7);
 }
 
 // The fixtures' document shows the usual strings; these are the odd ones.
@@ -49,40 +49,6 @@ TEST(StringBlock, CountedStringsStayInsideTheData) {
         std::size_t at = 0;
         EXPECT_THROW(ReadCountedString(Bytes(good.data(), size), at), CParserException) << size;
     }
-}
-
-// A translated stream of two blocks, as the writer gathers it: each block
-// takes its own entries, the group's tags stay for the next.
-TEST(StringBlock, ExtractAndMergeByPosition) {
-    CLabelPieceList stream;
-    stream.push_back(MakeOpenTag("resources", "<resources>"));
-    stream.push_back(MakeOpenTag("stringtable", "<stringtable>"));
-    for (int id : {1, 2, 17}) {
-        stream.push_back(MakeText(u"\t\t"));
-        stream.push_back(MakeOpenTag("string", "<string id=\"" + std::to_string(id) + "\">"));
-        stream.push_back(MakeText(u"T" + std::u16string(1, static_cast<char16_t>(u'0' + id % 10))));
-        stream.push_back(MakeCloseTag("string", "</string>"));
-    }
-    stream.push_back(MakeCloseTag("stringtable", "</stringtable>"));
-    CStringBlockResource first, none;
-    first.identifierText = "1";
-    none.identifierText = "9";
-    first.ExtractPieces(stream);
-    ASSERT_EQ(first.entries.size(), 2u);
-    ASSERT_GE(stream.size(), 4u);
-    EXPECT_EQ(TagOf(*stream[3])->tagText, u"<string id=\"17\">");
-    none.ExtractPieces(stream);
-    EXPECT_TRUE(none.entries.empty());
-    EXPECT_EQ(stream.size(), 7u);
-
-    CStringBlockResource source;
-    source.entries.push_back(ParseOne(u"one", 0));
-    source.entries.push_back(ParseOne(u"two", 1));
-    source.MergePieces(none);
-    EXPECT_EQ(test::Spell(source.entries[0]), "<string id=\"0\">[one]</string>");
-    source.MergePieces(first);
-    EXPECT_EQ(test::Spell(source.entries[0]), "[\t\t]<string id=\"1\">[T1]</string>");
-    EXPECT_EQ(test::Spell(source.entries[1]), "[\t\t]<string id=\"2\">[T2]</string>");
 }
 
 } // namespace

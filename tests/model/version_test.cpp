@@ -89,27 +89,18 @@ TEST(VersionBlock, ReadsEitherOrderOfTheTwoChildren) {
     auto strings = Block(u"StringFileInfo",
                          {Block(u"040904B0", {Str(u"Comments", u""), Str(u"ProductName", u"Ab"),
                                               Str(u"LegalCopyright", u"Abc")})});
-    struct Case {
-        const char* name;
-        std::vector<std::uint8_t> image;
-        bool varFirst;
-    };
-    const Case cases[] = {
-        {"vars last", VersionImage({strings, Translation()}), false},
-        {"vars first", VersionImage({Translation(), strings}), true},
-    };
-    for (const Case& c : cases) {
-        CVersionBlock block = Parsed(c.image);
-        EXPECT_EQ(block.varFirst, c.varFirst) << c.name;
-        EXPECT_EQ(block.remaining, 0) << c.name;
+    for (bool varFirst : {false, true}) {
+        CVersionBlock block = Parsed(varFirst ? VersionImage({Translation(), strings})
+                                              : VersionImage({strings, Translation()}));
+        EXPECT_EQ(block.varFirst, varFirst);
+        EXPECT_EQ(block.remaining, 0) << varFirst;
         // VarFileInfo behind the strings ends them and is no string itself.
-        ASSERT_EQ(block.strings.size(), 3u) << c.name;
-        EXPECT_EQ(block.GetValue(u"productname"), u"Ab") << c.name;
+        ASSERT_EQ(block.strings.size(), 3u) << varFirst;
+        EXPECT_EQ(block.GetValue(u"productname"), u"Ab") << varFirst;
         // The terminator of an empty value is taken as padding with the word behind it.
-        EXPECT_EQ(block.strings[0].value, u"") << c.name;
-        EXPECT_EQ(block.strings[0].padding.Count(), 2u) << c.name;
-        ASSERT_EQ(block.vars.size(), 1u) << c.name;
-        EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200})) << c.name;
+        EXPECT_EQ(block.strings[0].padding.Count(), 2u) << varFirst;
+        ASSERT_EQ(block.vars.size(), 1u) << varFirst;
+        EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200})) << varFirst;
     }
 }
 
@@ -173,19 +164,6 @@ TEST(VersionBlock, LimitsOfTheModelHoldExactly) {
     }
 }
 
-// Vars end where the first one's words run out, whatever follows it.
-TEST(VersionBlock, VarsEndByTheFirstLength) {
-    CVersionBlock one = Parsed(VarsImage(1, 4));
-    ASSERT_EQ(one.vars.size(), 1u);
-    EXPECT_EQ(one.vars[0].value.size(), 4u);
-    auto twoVars = Block(u"VarFileInfo", {Var(u"Translation", {0x409, 1200}), Var(u"Other", {7})});
-    CVersionBlock last = Parsed(VersionImage(
-        {Block(u"StringFileInfo", {Block(u"040904B0", {Str(u"Comments", u"c")})}), twoVars}));
-    ASSERT_EQ(last.vars.size(), 1u);
-    EXPECT_NE(last.remaining, 0);
-    EXPECT_EQ(last.GetValue(u"comments"), u"c");
-}
-
 // Every cut of a good block, and a root that claims more than there is,
 // ends in the exception for a corrupted document.
 TEST(VersionBlock, ShortDataIsCorrupted) {
@@ -217,51 +195,6 @@ TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
     };
     for (const auto& [value, spelt] : cases)
         EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
-}
-
-std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
-    std::string out;
-    for (const auto& entry : entries)
-        out += Spell(entry) + "|";
-    return out;
-}
-
-void Append(CLabelPieceList& stream, CLabelPieceList pieces) {
-    for (auto& piece : pieces)
-        stream.push_back(std::move(piece));
-}
-
-// The translated stream as the writer gathers it: white space between tags.
-TEST(VersionPieces, ExtractAndMergeByPosition) {
-    CLabelPieceList stream;
-    stream.push_back(MakeOpenTag("resources", "<resources>"));
-    stream.push_back(MakeText(u"\n"));
-    stream.push_back(MakeOpenTag("versioninfo", "<versioninfo>"));
-    stream.push_back(MakeText(u"\t\t"));
-    Append(stream, ParseValue("comments", u"C"));
-    stream.push_back(std::make_unique<CLabelPiece>()); // neither tag nor text: passed over
-    stream.push_back(MakeText(u"\n\t\t"));
-    Append(stream, ParseValue("productname", u"a\rb"));
-    stream.push_back(MakeText(u"\n"));
-    stream.push_back(MakeCloseTag("versioninfo", "</versioninfo>"));
-    stream.push_back(MakeCloseTag("resources", "</resources>"));
-    CVersionInfoResource translated, none;
-    translated.ExtractPieces(stream);
-    EXPECT_EQ(SpellAll(translated.entries),
-              "[\t\t]<comments>[C]</comments>|[\n\t\t]<productname>[a]{\\n}[b]</productname>|");
-    // The group's tags stay for the next resource; what lay between went with the entries.
-    EXPECT_EQ(Spell(stream), "<resources>[\n]<versioninfo></versioninfo></resources>");
-    none.ExtractPieces(stream);
-    EXPECT_TRUE(none.entries.empty());
-
-    CVersionInfoResource source;
-    source.entries.push_back(ParseValue("comments", u"one"));
-    source.entries.push_back(ParseValue("productname", u"two"));
-    source.MergePieces(none);
-    EXPECT_EQ(SpellAll(source.entries),
-              "<comments>[one]</comments>|<productname>[two]</productname>|");
-    source.MergePieces(translated);
-    EXPECT_EQ(SpellAll(source.entries), SpellAll(translated.entries));
 }
 
 } // namespace
