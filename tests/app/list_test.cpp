@@ -1,6 +1,5 @@
-// `tervane list` against python3-pefile, an independent reader of the
-// resource directory, on every fixture, on real files and on names no
-// resource compiler writes.
+// `tervane list` against python3-pefile, an independent reader of the resource
+// directory, on every fixture, on real files and on names no compiler writes.
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>

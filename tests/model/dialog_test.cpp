@@ -180,8 +180,10 @@ TEST(DialogItem, WhatADialogGives) {
     }
 }
 
+// Titles are cut to 256; only 0xFFFF0001 marks the extended form, anything else is a style.
 TEST(DialogItem, TitlesAreCutTo256) {
     TemplateDialog dialog;
+    dialog.style = 0xFFFF0002;
     dialog.title = std::u16string(300, u'a');
     dialog.controls = {Label(0, 0, 1, std::u16string(257, u'b'))};
     EXPECT_EQ(Spell(Parse(dialog).pieces), "<dialog id=\"7\"><caption>[" + std::string(256, 'a') +
