@@ -40,21 +40,9 @@ class Reader:
     def __init__(self, data):
         self.data, self.at = data, 0
 
-    def u8(self):
-        self.at += 1
-        return self.data[self.at - 1]
-
     def u16(self):
         self.at += 2
         return struct.unpack_from('<H', self.data, self.at - 2)[0]
-
-    def s16(self):
-        self.at += 2
-        return struct.unpack_from('<h', self.data, self.at - 2)[0]
-
-    def u32(self):
-        self.at += 4
-        return struct.unpack_from('<I', self.data, self.at - 4)[0]
 
     def wide(self):
         end = self.at
@@ -82,36 +70,21 @@ class Reader:
 def dialog_texts(data):
     r = Reader(data)
     extended = struct.unpack_from('<I', data, 0)[0] == 0xFFFF0001
-    if extended:
-        r.at = 8
-        r.u32()
-        style = r.u32()
-    else:
-        style = r.u32()
-        r.u32()
+    style = struct.unpack_from('<I', data, 12 if extended else 0)[0]
+    r.at = 16 if extended else 8
     count = r.u16()
-    for _ in range(4):
-        r.s16()
+    r.at += 8
     r.name_or_ordinal()  # menu
     r.name_or_ordinal()  # class
     title = r.wide() if struct.unpack_from('<H', data, r.at)[0] else (r.u16() and None)
     if style & 0x48:
         r.u16()
-        if extended:
-            r.u16(), r.u8(), r.u8()
+        r.at += 4 if extended else 0
         r.wide()
     r.align()
     texts = [escaped(title[:256])] if title else []
     for _ in range(count):
-        if extended:
-            r.u32(), r.u32(), r.u32()
-        else:
-            r.u32(), r.u32()
-        for _ in range(4):
-            r.s16()
-        r.u16()
-        if extended:
-            r.u16()
+        r.at += 24 if extended else 18
         class_name, class_ordinal = r.name_or_ordinal()
         if struct.unpack_from('<H', data, r.at)[0] == 0xFFFF:
             r.at += 4
@@ -136,12 +109,12 @@ def menu_texts(data):
 
         def level():
             while True:
-                r.u32(), r.u32(), r.u32()
+                r.at += 12
                 flags = r.u16()
                 texts.append(r.wide())
                 r.align()
                 if flags & 1:
-                    r.u32()
+                    r.at += 4
                     level()
                 if flags & 0x80:
                     return

@@ -1,24 +1,39 @@
 #pragma once
 // Runs `tervane extract` on a file as a user would, and keeps what it wrote.
-#include <string>
-#include <vector>
+#include <sstream>
+
+#include "tests/support/fixtures.h"
 
 namespace tervane::test {
 
 struct ExtractRun {
-    std::string out;   // standard output
-    std::string err;   // standard error
-    std::string trace; // the trace file, with withTrace
+    std::string out, err, trace; // standard output and error, the trace file with withTrace
     int status = -1;
 };
 
-ExtractRun Extract(const std::string& options, const std::string& path, bool withTrace = false);
+inline ExtractRun Extract(const std::string& options, const std::string& path,
+                          bool withTrace = false) {
+    const std::string dir = TempDir();
+    ExtractRun run;
+    std::string command = std::string(TERVANE_BINARY_DIR) + "/tervane extract " + options;
+    if (withTrace)
+        command += " --trace " + dir + "/trace";
+    run.out = RunCommand(command + " '" + path + "' 2>" + dir + "/err", &run.status);
+    auto err = ReadFile(dir + "/err");
+    run.err.assign(err.begin(), err.end());
+    if (withTrace) {
+        auto trace = ReadFile(dir + "/trace");
+        run.trace.assign(trace.begin(), trace.end());
+    }
+    return run;
+}
 
-std::vector<std::string> Lines(const std::string& text);
-
-// One line of `tervane extract --events`; text is in its JSON-escaped form.
-std::string TagEvent(const std::string& text, const std::string& name, int start, int end,
-                     int inlineTag);
-std::string TextEvent(const std::string& text);
+inline std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
 
 } // namespace tervane::test

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
@@ -85,19 +86,14 @@ const char* const kLayoutEvents[] = {
 
 TEST(LayoutDocument, OneOfEachKindEventByEvent) {
     for (const auto& image : test::FixtureImages("fwd_layout")) {
-        int status = -1;
-        std::string out = test::RunCommand(
-            std::string(TERVANE_BINARY_DIR) + "/tervane extract --events '" + image + "'", &status);
-        EXPECT_EQ(status, 0) << image;
+        test::ExtractRun run = test::Extract("--events", image);
+        EXPECT_EQ(run.status, 0) << image;
         // Progress between the visits is the driver's business: leave it out
         // but for the first.
         std::vector<std::string> lines;
-        std::size_t start = 0;
-        for (std::size_t end; (end = out.find('\n', start)) != std::string::npos; start = end + 1) {
-            std::string line = out.substr(start, end - start);
+        for (const std::string& line : test::Lines(run.out))
             if (line.find("\"Progress\"") == std::string::npos || lines.size() == 1)
                 lines.push_back(line);
-        }
         ASSERT_GE(lines.size(), 2u) << image;
         EXPECT_EQ(lines.back(), R"({"event": "EndOfInput"})") << image;
         lines.pop_back();

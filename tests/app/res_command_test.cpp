@@ -1,8 +1,6 @@
 // tervane res as a user runs it: round trips through put, get and delete, and
 // failures that print the system's message and leave the file as it was.
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 #include "tests/support/fixtures.h"
 
@@ -39,8 +37,6 @@ TEST(ResCommand, PutGetDeleteRoundTripOnBothArchitectures) {
         Outcome got = Res("get " + file + " --type blob --name NOTE --lang 1031");
         EXPECT_EQ(got.status, 0);
         EXPECT_EQ(got.out, Text(ReadFile(dir + "/data.bin")));
-        ASSERT_EQ(Res("get " + file + key + " -o " + dir + "/out.bin").status, 0);
-        EXPECT_EQ(ReadFile(dir + "/out.bin"), ReadFile(dir + "/data.bin"));
 
         // An existing resource is replaced, numbers as the type and name: the
         // German string block goes over the English one.
@@ -78,16 +74,11 @@ TEST(ResCommand, FailuresReportTheSystemMessageAndLeaveTheFileAlone) {
         std::string message;
     } cases[] = {
         {"get " + dir + "/missing.dll" + key, 1, "The system cannot find the file specified."},
-        {"put " + file + key + " --data " + dir + "/missing.bin", 1,
-         "The system cannot find the file specified."},
         {"delete " + dir + "/text.dll" + key, 1, "is not a valid Win32 application."},
         {"delete " + file + " --type 6 --name 1 --lang 0x40c", 1,
          "The specified resource language ID cannot be found in the image file."},
-        {"delete " + file + " --type 6 --name 99 --lang 0x409", 1,
-         "The specified resource name cannot be found in the image file."},
         {"get " + file + " --type 6 --name 1", 2, "--type, --name and --lang are required"},
         {"get " + file + " --type 6 --name 70000 --lang 0", 2, "bad name"},
-        {"get " + file + " --type 6 --name 1 --lang 0xZZ", 2, "bad language"},
         {"rename " + file + key, 2, "unknown action"},
     };
     for (const Case& c : cases) {

@@ -10,40 +10,25 @@ namespace tervane {
 namespace {
 
 using ByteList = std::vector<std::uint8_t>;
+using namespace std::string_literals;
 
-// One record: control id, message 0x403, the data's length, length high, the data.
-ByteList Record(WORD control, const std::string& data, WORD lengthHigh = 0) {
+// Records of control id, message 0x403, the data's length, length high and
+// the data, then the end word.
+ByteList Records(const std::vector<std::pair<WORD, std::string>>& records, WORD lengthHigh = 0) {
     test::Bytes out;
-    out.U16(control).U16(0x403).U16(static_cast<WORD>(data.size())).U16(lengthHigh);
-    out.bytes.insert(out.bytes.end(), data.begin(), data.end());
-    return out.bytes;
-}
-
-ByteList Join(const std::vector<ByteList>& parts) {
-    ByteList out;
-    for (const ByteList& part : parts)
-        out.insert(out.end(), part.begin(), part.end());
-    return out;
-}
-
-const ByteList kEnd = {0, 0};
-
-CDlgInitData Parsed(const ByteList& bytes) {
-    CDlgInitData data;
-    data.Parse(bytes, bytes.size());
-    return data;
-}
-
-TEST(DlgInitTable, TinyResourcesHoldNoRecord) {
-    const ByteList cases[] = {{}, {0x34}, {0x34, 0x12}};
-    for (const ByteList& bytes : cases) {
-        CDlgInitData data = Parsed(bytes);
-        EXPECT_EQ(data.recordCount, 0) << bytes.size();
-        EXPECT_TRUE(data.records.empty()) << bytes.size();
-        EXPECT_EQ(data.endWord, bytes.size() == 2 ? 0x1234 : 0) << bytes.size();
-        data.Rebuild();
-        EXPECT_EQ(data.buffer, kEnd) << bytes.size();
+    for (const auto& [control, data] : records) {
+        out.U16(control).U16(0x403).U16(static_cast<WORD>(data.size())).U16(lengthHigh);
+        out.bytes.insert(out.bytes.end(), data.begin(), data.end());
     }
+    return out.U16(0).bytes;
+}
+
+void Execute(const ByteList& bytes, WORD language = 0x409) {
+    CDlgInitResource resource;
+    resource.identifierText = "100";
+    resource.language = language;
+    resource.size = static_cast<DWORD>(bytes.size());
+    CDlgInitCommand().Execute(bytes, &resource);
 }
 
 // What Rebuild writes, after the given translations have been set.
@@ -54,44 +39,28 @@ TEST(DlgInitTable, RebuildOrdersByControlAndKeepsSourceBytes) {
         std::map<WORD, NarrowTextList> translated;
         ByteList rebuilt;
     };
-    using namespace std::string_literals;
     const Case cases[] = {
-        {"ascending control ids",
-         Join({Record(1002, "B\0"s), Record(1001, "A\0"s), kEnd}),
+        {"a word or less holds no record", {0x34, 0x12}, {}, Records({})},
+        {"ascending control ids, a later run replacing an earlier one",
+         Records({{1001, "a\0"s}, {1002, "b\0"s}, {1001, "c\0"s}, {1001, "d\0"s}}),
          {},
-         Join({Record(1001, "A\0"s), Record(1002, "B\0"s), kEnd})},
-        {"a later run replaces an earlier one",
-         Join({Record(1001, "a\0"s), Record(1002, "b\0"s), Record(1001, "c\0"s),
-               Record(1001, "d\0"s), kEnd}),
-         {},
-         Join({Record(1001, "c\0"s), Record(1001, "d\0"s), Record(1002, "b\0"s), kEnd})},
-        {"unchanged but for the zero byte",
-         Join({Record(1001, "One\0"s, 7), kEnd}),
+         Records({{1001, "c\0"s}, {1001, "d\0"s}, {1002, "b\0"s}})},
+        {"unchanged but for the zero byte, length high cleared",
+         Records({{1001, "One\0"s}}, 7),
          {{1001, {"One"}}},
-         Join({Record(1001, "One\0"s), kEnd})},
-        {"unchanged with the zero byte",
-         Join({Record(1001, "One\0\0"s), kEnd}),
-         {{1001, {"One\0\0"s}}},
-         Join({Record(1001, "One\0\0"s), kEnd})},
-        {"an empty translation keeps the source",
-         Join({Record(1001, "One\0"s), kEnd}),
-         {{1001, {""}}},
-         Join({Record(1001, "One\0"s), kEnd})},
+         Records({{1001, "One\0"s}})},
         {"translated texts by position",
-         Join({Record(1001, "One\0"s), Record(1001, "Two\0"s), kEnd}),
+         Records({{1001, "One\0"s}, {1001, "Two\0"s}}),
          {{1001, {"Eins", "Zwei"}}},
-         Join({Record(1001, "Eins\0"s), Record(1001, "Zwei\0"s), kEnd})},
+         Records({{1001, "Eins\0"s}, {1001, "Zwei\0"s}})},
         {"binary data of another control go back as they came",
-         Join({Record(7, "\x01\x00\xFF"s, 3), Record(1001, "x\0"s), kEnd}),
+         Records({{7, "\x01\x00\xFF"s}, {1001, "x\0"s}}),
          {{1001, {"y"}}},
-         Join({Record(7, "\x01\x00\xFF"s), Record(1001, "y\0"s), kEnd})},
-        {"a list for a control without records writes nothing",
-         Join({Record(1001, "x\0"s), kEnd}),
-         {{1005, {"new"}}},
-         Join({Record(1001, "x\0"s), kEnd})},
+         Records({{7, "\x01\x00\xFF"s}, {1001, "y\0"s}})},
     };
     for (const Case& c : cases) {
-        CDlgInitData data = Parsed(c.source);
+        CDlgInitData data;
+        data.Parse(c.source, c.source.size());
         for (const auto& [control, list] : c.translated)
             data.SetStrings(control, list);
         data.Rebuild();
@@ -100,22 +69,17 @@ TEST(DlgInitTable, RebuildOrdersByControlAndKeepsSourceBytes) {
 }
 
 TEST(DlgInitTable, RecordPastTheEndIsCorrupted) {
-    using namespace std::string_literals;
-    ByteList good = Join({Record(1001, "One\0"s), kEnd});
+    const ByteList good = Records({{1001, "One\0"s}});
+    ByteList second(good.begin(), good.end() - 2);
+    second.insert(second.end(), {0x01, 0x02, 0x03});
     const ByteList cases[] = {
-        ByteList(good.begin(), good.begin() + 3),           // a header cut short
-        ByteList(good.begin(), good.begin() + 10),          // data cut short
-        Join({Record(1001, "One\0"s), {0x01, 0x02, 0x03}}), // a second header cut short
+        ByteList(good.begin(), good.begin() + 3),  // a header cut short
+        ByteList(good.begin(), good.begin() + 10), // data cut short
+        second,                                    // a second header cut short
     };
+    CDlgInitTable::GetInstance().Clear();
     for (const ByteList& bytes : cases) {
-        CDlgInitData data;
-        EXPECT_THROW(data.Parse(bytes, bytes.size()), CParserException) << bytes.size();
-
-        CDlgInitTable::GetInstance().Clear();
-        CDlgInitResource resource;
-        resource.identifierText = "100";
-        resource.size = static_cast<DWORD>(bytes.size());
-        EXPECT_THROW(CDlgInitCommand().Execute(bytes, &resource), CParserException);
+        EXPECT_THROW(Execute(bytes), CParserException) << bytes.size();
         EXPECT_EQ(CDlgInitTable::GetInstance().Find("100"), nullptr);
     }
     // The size of the resource bounds the reading, not the bytes behind it.
@@ -124,31 +88,18 @@ TEST(DlgInitTable, RecordPastTheEndIsCorrupted) {
 }
 
 TEST(DlgInitTable, TableByIdentifier) {
-    using namespace std::string_literals;
     CDlgInitTable& table = CDlgInitTable::GetInstance();
     table.Clear();
-    table.language = 0;
     // Without an entry: nothing to give, nothing to take.
-    EXPECT_TRUE(table.GetItems("100", 1001).empty());
     table.SetItems("100", 1001, {"x"});
-    EXPECT_EQ(table.Find("100"), nullptr);
+    EXPECT_TRUE(table.GetItems("100", 1001).empty());
     EXPECT_TRUE(table.Empty());
-
-    for (WORD language : {0x409, 0x407}) {
-        ByteList bytes = Join({Record(1001, language == 0x409 ? "en\0"s : "de\0"s), kEnd});
-        CDlgInitResource resource;
-        resource.identifierText = "100";
-        resource.language = language;
-        resource.size = static_cast<DWORD>(bytes.size());
-        EXPECT_EQ(CDlgInitCommand().Execute(bytes, &resource), &resource);
-    }
-    // The second resource of an identifier took the place of the first.
+    // The second resource of an identifier takes the place of the first.
+    Execute(Records({{1001, "en\0"s}}), 0x409);
+    Execute(Records({{1001, "de\0"s}}), 0x407);
     EXPECT_EQ(table.GetItems("100", 1001), NarrowTextList{"de\0"s});
     EXPECT_EQ(table.language, 0x407);
-    table.SetItems("100", 1001, {"neu"});
-    EXPECT_EQ(table.GetItems("100", 1001), NarrowTextList{"neu"});
     table.Clear();
-    EXPECT_EQ(table.Find("100"), nullptr);
 }
 
 } // namespace

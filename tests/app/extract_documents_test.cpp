@@ -1,4 +1,4 @@
-#include <algorithm>
+// Whole documents of `tervane extract`, one fixture a behaviour, on both widths.
 #include <gtest/gtest.h>
 
 #include "tests/app/extract_run.h"
@@ -7,9 +7,78 @@
 namespace tervane {
 namespace {
 
-using test::ExtractRun;
-using test::Lines;
-const auto Text = test::TextEvent;
+const char* const kStringsDocument = "<resources>\n"
+                                     "\t<stringtable>\n"
+                                     "\t\t<string id=\"1\">Speichern %s?</string>\n"
+                                     "\t\t<string id=\"1\">Save %s?</string>\n"
+                                     "\t\t<string id=\"2\"> </string>\n"
+                                     "\t\t<string id=\"3\">100% of %d</string>\n"
+                                     "\t\t<string id=\"4\">a&b</string>\n"
+                                     "\t\t<string id=\"5\">back\\slash</string>\n"
+                                     "\t\t<string id=\"6\">Line one\\r\\nLine two</string>\n"
+                                     "\t\t<string id=\"37\">Thirty-seven</string>\n"
+                                     "\t</stringtable>\n"
+                                     "</resources>\n";
+
+// Pop-ups nested four deep step the indentation up and back one tab at a
+// time; the menu's own tag stands one tab in.
+const char* const kMenusDocument = "<resources>\n"
+                                   "\t<menus>\n"
+                                   "\t<menu id=\"101\">\n"
+                                   "\t\t<item>&File</item>\n"
+                                   "\t\t<menu>\n"
+                                   "\t\t\t<item id=\"100\">&Open...<shortcut>Ctrl+O</shortcut>"
+                                   "</item>\n"
+                                   "\t\t\t<separator/>\n"
+                                   "\t\t\t<item>&Recent</item>\n"
+                                   "\t\t\t<menu>\n"
+                                   "\t\t\t\t<item>&More</item>\n"
+                                   "\t\t\t\t<menu>\n"
+                                   "\t\t\t\t\t<item>&Deep</item>\n"
+                                   "\t\t\t\t\t<menu>\n"
+                                   "\t\t\t\t\t\t<item id=\"110\">A&B 100%</item>\n"
+                                   "\t\t\t\t\t</menu>\n"
+                                   "\t\t\t\t</menu>\n"
+                                   "\t\t\t</menu>\n"
+                                   "\t\t\t<item>E&xit<shortcut>Alt+F4</shortcut></item>\n"
+                                   "\t\t</menu>\n"
+                                   "\t\t<item id=\"200\">&Help</item>\n"
+                                   "\t</menu>\n"
+                                   "\t<menu id=\"102\">\n"
+                                   "\t\t<item id=\"300\">&Edit</item>\n"
+                                   "\t\t<menu>\n"
+                                   "\t\t\t<item id=\"301\">Cu&t<shortcut>Ctrl+Shift+X</shortcut>"
+                                   "</item>\n"
+                                   "\t\t\t<separator/>\n"
+                                   "\t\t\t<item id=\"65534\">Back\\slash</item>\n"
+                                   "\t\t</menu>\n"
+                                   "\t</menu>\n"
+                                   "\t<menu id=\"103\">\n"
+                                   "\t\t<item>File</item>\n"
+                                   "\t\t<menu>\n"
+                                   "\t\t\t<item id=\"100\">Exit</item>\n"
+                                   "\t\t</menu>\n"
+                                   "\t</menu>\n"
+                                   "\t</menus>\n"
+                                   "</resources>\n";
+
+// German before English by language; the block without any of the five
+// values is last, gives nothing, and closes the document.
+const char* const kVersionDocument =
+    "<resources>\n"
+    "\t<stringtable>\n"
+    "\t\t<string id=\"1\">Hello</string>\n"
+    "\t</stringtable>\n"
+    "\t<versioninfo>\n"
+    "\t\t<comments>Kommentar</comments>\n"
+    "\t\t<productname>Tervane EN</productname>\n"
+    "\t\t<legaltrademarks>TM</legaltrademarks>\n"
+    "\t\t<comments>C:\\path\\n</comments>\n"
+    "\t\t<legalcopyright>(c) Zelkor\\n\\rAll rights reserved</legalcopyright>\n"
+    "\t\t<productversion>1.2</productversion>\n"
+    "\t\t<productname>Tervane 100% & more</productname>\n"
+    "\t</versioninfo>\n"
+    "</resources>\n";
 
 const char* const kDialogsDocument =
     "<resources>\n"
@@ -102,57 +171,28 @@ const char* const kDialogsDocument =
     "\t</dialogs>\n"
     "</resources>\n";
 
-TEST(ExtractDialogs, WholeDocument) {
+TEST(Extract, WholeDocuments) {
     struct Case {
         const char* fixture;
         const char* document;
     };
     const Case cases[] = {
+        {"fwd_strings", kStringsDocument},
+        // A named block counts as block zero.
+        {"fwd_edges", "<resources>\n\t<stringtable>\n\t\t<string id=\"-16\">Hi</string>\n"
+                      "\t</stringtable>\n</resources>\n"},
+        {"fwd_menus", kMenusDocument},
+        {"fwd_version", kVersionDocument},
         {"fwd_dialogs", kDialogsDocument},
         {"fwd_dialogs_skipped", "<resources>\n\t<stringtable>\n\t\t<string id=\"1\">Only</string>\n"
                                 "\t</stringtable>\n</resources>\n"},
     };
     for (const Case& c : cases) {
         for (const auto& image : test::FixtureImages(c.fixture)) {
-            ExtractRun run = test::Extract("", image, true);
-            EXPECT_EQ(run.status, 0) << image;
+            test::ExtractRun run = test::Extract("", image);
+            EXPECT_EQ(run.status, 0) << run.err;
             EXPECT_EQ(run.out, c.document) << image;
         }
-    }
-}
-
-TEST(ExtractDialogs, TracesOfTheReader) {
-    for (const auto& image : test::FixtureImages("fwd_dialogs")) {
-        ExtractRun run = test::Extract("", image, true);
-        for (const char* text :
-             {"DS_SETFONT is set", "-----Dialog id = 104 has been skipped-----\n",
-              "!!!!!Dialog id = 107 has been skipped, there is no translatable contents.!!!!!\n"})
-            EXPECT_NE(run.trace.find(text), std::string::npos) << text;
-        EXPECT_EQ(run.out.find("DS_SETFONT"), std::string::npos);
-    }
-}
-
-std::string Tag(const std::string& text, const std::string& name, int start, int end) {
-    return test::TagEvent(text, name, start, end, 0);
-}
-
-// What the plain document does not show: which marks are inline tags and
-// which are text.
-TEST(ExtractDialogs, EventsOfACaptionAndAButton) {
-    const std::vector<std::string> caption = {
-        Tag("<caption>", "caption", 1, 0),  Text("Print "), Text("&"), Text("Setup"),
-        Tag("</caption>", "caption", 0, 1), Text("\\n")};
-    const std::vector<std::string> button = {test::TagEvent("&", "&", 0, 0, 1), Text("Help"),
-                                             Tag("</button>", "button", 0, 1), Text("\\n")};
-    const std::string help =
-        Tag(R"(<button x=\"130\" y=\"40\" width=\"50\" height=\"14\" id=\"9\">)", "button", 1, 0);
-    for (const auto& image : test::FixtureImages("fwd_dialogs")) {
-        std::vector<std::string> lines = Lines(test::Extract("--events", image).out);
-        auto at = std::search(lines.begin(), lines.end(), caption.begin(), caption.end());
-        EXPECT_NE(at, lines.end()) << image;
-        at = std::find(lines.begin(), lines.end(), help);
-        ASSERT_GE(lines.end() - at, 5) << image;
-        EXPECT_EQ(std::vector<std::string>(at + 1, at + 5), button) << image;
     }
 }
 

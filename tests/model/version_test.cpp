@@ -1,15 +1,79 @@
 #include "model/version_block.h"
+#include "model/version_pieces.h"
 
 #include <gtest/gtest.h>
 
 #include "frame/diagnostics/exceptions.h"
 #include "model/version_info_resource.h"
-#include "tests/model/version_image.h"
+#include "tests/model/test_images.h"
+
+// VS_VERSIONINFO images built in code the way a resource compiler lays them
+// out: each node's key and value start on a 4-byte boundary, and its length
+// runs to the end of its last child, without the padding behind it.
+namespace tervane::test {
+
+struct VersionNode {
+    std::u16string key;
+    std::uint16_t type = 1;
+    std::uint16_t valueLength = 0;
+    Bytes value;
+    std::vector<VersionNode> children;
+};
+
+inline void Write(const VersionNode& node, Bytes& out) {
+    out.Align();
+    const std::size_t start = out.bytes.size();
+    out.U16(0).U16(node.valueLength).U16(node.type).Text(node.key);
+    if (!node.value.bytes.empty())
+        out.Align();
+    out.bytes.insert(out.bytes.end(), node.value.bytes.begin(), node.value.bytes.end());
+    for (const VersionNode& child : node.children)
+        Write(child, out);
+    const std::size_t length = out.bytes.size() - start;
+    out.bytes[start] = static_cast<std::uint8_t>(length);
+    out.bytes[start + 1] = static_cast<std::uint8_t>(length >> 8);
+}
+
+// A String node as a compiler writes it: the value with its terminator.
+inline VersionNode Str(std::u16string key, std::u16string value) {
+    VersionNode node{std::move(key), 1, static_cast<std::uint16_t>(value.size() + 1), {}, {}};
+    node.value.Text(value);
+    return node;
+}
+
+inline VersionNode Block(std::u16string key, std::vector<VersionNode> children) {
+    return VersionNode{std::move(key), 1, 0, {}, std::move(children)};
+}
+
+inline VersionNode Var(std::u16string key, const std::vector<std::uint16_t>& words) {
+    VersionNode node{std::move(key), 0, static_cast<std::uint16_t>(words.size() * 2), {}, {}};
+    for (std::uint16_t word : words)
+        node.value.U16(word);
+    return node;
+}
+
+inline VersionNode Translation() {
+    return Block(u"VarFileInfo", {Var(u"Translation", {0x409, 1200})});
+}
+
+// The root with its fixed information and the given children.
+inline std::vector<std::uint8_t> VersionImage(std::vector<VersionNode> children) {
+    VersionNode root{u"VS_VERSION_INFO", 0, 52, {}, std::move(children)};
+    for (std::uint32_t value : {0xFEEF04BDu, 0x10000u, 0x10002u, 0x30004u})
+        root.value.U32(value);
+    root.value.bytes.resize(52);
+    Bytes out;
+    Write(root, out);
+    return out.bytes;
+}
+
+} // namespace tervane::test
 
 namespace tervane {
 namespace {
 
 using test::Block;
+using test::Spell;
 using test::Str;
 using test::Translation;
 using test::Var;
@@ -21,62 +85,23 @@ CVersionBlock Parsed(const std::vector<std::uint8_t>& image) {
     return block;
 }
 
-TEST(VersionBlock, KeysNormaliseByFirstNameContained) {
-    const std::pair<std::u16string, std::u16string> cases[] = {
-        {u"My Comments", u"comments"},
-        {u"LEGALCOPYRIGHT", u"legalcopyright"},
-        // productname comes before productversion, comments before both.
-        {u"ProductNameProductVersion", u"productname"},
-        {u"ProductVersion Comments", u"comments"},
-        {u"PrivateBuild", u"PrivateBuild"},
-        {u"", u""},
-    };
-    for (const auto& [key, normalised] : cases)
-        EXPECT_EQ(NormaliseVersionKey(key), normalised) << Narrow(key);
-}
-
 TEST(VersionBlock, ReadsEitherOrderOfTheTwoChildren) {
     auto strings = Block(u"StringFileInfo",
                          {Block(u"040904B0", {Str(u"Comments", u""), Str(u"ProductName", u"Ab"),
                                               Str(u"LegalCopyright", u"Abc")})});
-    struct Case {
-        const char* name;
-        std::vector<std::uint8_t> image;
-        bool varFirst;
-    };
-    const Case cases[] = {
-        {"vars last", VersionImage({strings, Translation()}), false},
-        {"vars first", VersionImage({Translation(), strings}), true},
-    };
-    for (const Case& c : cases) {
-        CVersionBlock block = Parsed(c.image);
-        EXPECT_EQ(block.varFirst, c.varFirst) << c.name;
-        EXPECT_EQ(block.remaining, 0) << c.name;
+    for (bool varFirst : {false, true}) {
+        CVersionBlock block = Parsed(varFirst ? VersionImage({Translation(), strings})
+                                              : VersionImage({strings, Translation()}));
+        EXPECT_EQ(block.varFirst, varFirst);
+        EXPECT_EQ(block.remaining, 0) << varFirst;
         // VarFileInfo behind the strings ends them and is no string itself.
-        ASSERT_EQ(block.strings.size(), 3u) << c.name;
-        EXPECT_EQ(block.GetValue(u"productname"), u"Ab") << c.name;
-        EXPECT_EQ(block.GetValue(u"legalcopyright"), u"Abc") << c.name;
+        ASSERT_EQ(block.strings.size(), 3u) << varFirst;
+        EXPECT_EQ(block.GetValue(u"productname"), u"Ab") << varFirst;
         // The terminator of an empty value is taken as padding with the word behind it.
-        EXPECT_EQ(block.strings[0].value, u"") << c.name;
-        EXPECT_EQ(block.strings[0].padding.Count(), 2u) << c.name;
-        EXPECT_EQ(block.strings[1].padding.Count(), 1u) << c.name;
-        ASSERT_EQ(block.vars.size(), 1u) << c.name;
-        EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200})) << c.name;
-        EXPECT_EQ(block.vars[0].padding.Count(), 1u) << c.name;
+        EXPECT_EQ(block.strings[0].padding.Count(), 2u) << varFirst;
+        ASSERT_EQ(block.vars.size(), 1u) << varFirst;
+        EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200})) << varFirst;
     }
-}
-
-TEST(VersionBlock, FurtherTablesHeadersAreEntries) {
-    auto image = VersionImage(
-        {Translation(),
-         Block(u"StringFileInfo",
-               {Block(u"040704E4", {Str(u"ProductName", u"DE"), Str(u"Comments", u"Hallo")}),
-                Block(u"040904B0", {Str(u"ProductName", u"EN"), Str(u"PrivateBuild", u"p")})})});
-    CVersionBlock block = Parsed(image);
-    // The second table's header is one more entry, with an empty value.
-    ASSERT_EQ(block.strings.size(), 5u);
-    EXPECT_EQ(block.strings[2].key, u"040904B0");
-    EXPECT_EQ(block.strings[2].value, u"");
 }
 
 // Zero words behind the root, as an aligned resource size leaves them, are
@@ -139,19 +164,6 @@ TEST(VersionBlock, LimitsOfTheModelHoldExactly) {
     }
 }
 
-// Vars end where the first one's words run out, whatever follows it.
-TEST(VersionBlock, VarsEndByTheFirstLength) {
-    CVersionBlock one = Parsed(VarsImage(1, 4));
-    ASSERT_EQ(one.vars.size(), 1u);
-    EXPECT_EQ(one.vars[0].value.size(), 4u);
-    auto twoVars = Block(u"VarFileInfo", {Var(u"Translation", {0x409, 1200}), Var(u"Other", {7})});
-    CVersionBlock last = Parsed(VersionImage(
-        {Block(u"StringFileInfo", {Block(u"040904B0", {Str(u"Comments", u"c")})}), twoVars}));
-    ASSERT_EQ(last.vars.size(), 1u);
-    EXPECT_NE(last.remaining, 0);
-    EXPECT_EQ(last.GetValue(u"comments"), u"c");
-}
-
 // Every cut of a good block, and a root that claims more than there is,
 // ends in the exception for a corrupted document.
 TEST(VersionBlock, ShortDataIsCorrupted) {
@@ -173,6 +185,16 @@ TEST(VersionBlock, ShortDataIsCorrupted) {
     CVersionInfoResource resource;
     resource.size = static_cast<DWORD>(longer.size());
     EXPECT_THROW(CVersionInfoCommand().Execute(longer, &resource), CParserException);
+}
+
+TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
+    const std::pair<std::u16string, std::string> cases[] = {
+        {u"", "<comments></comments>"},
+        // Line feed is the \r mark.
+        {u"x\n\n", "<comments>[x]{\\r}{\\r}</comments>"},
+    };
+    for (const auto& [value, spelt] : cases)
+        EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
 }
 
 } // namespace
