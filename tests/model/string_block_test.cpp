@@ -51,5 +51,32 @@ TEST(StringBlock, CountedStringsStayInsideTheData) {
     }
 }
 
+// A translated stream of two blocks: block 1 holds strings 0 to 15.
+TEST(StringBlock, ExtractPiecesTakesOnlyItsOwnBlock) {
+    CLabelPieceList stream;
+    stream.push_back(MakeOpenTag("stringtable", "<stringtable>"));
+    for (int id : {1, 2, 17}) {
+        stream.push_back(MakeText(u"\t\t"));
+        stream.push_back(MakeOpenTag("string", "<string id=\"" + std::to_string(id) + "\">"));
+        stream.push_back(MakeText(u"T"));
+        stream.push_back(MakeCloseTag("string", "</string>"));
+    }
+    stream.push_back(MakeCloseTag("stringtable", "</stringtable>"));
+    auto take = [&](const char* block) {
+        CStringBlockResource resource;
+        resource.identifierText = block;
+        resource.ExtractPieces(stream);
+        std::string out;
+        for (const auto& entry : resource.entries)
+            out += test::Spell(entry) + "|";
+        return out;
+    };
+    EXPECT_EQ(take("1"),
+              "[\t\t]<string id=\"1\">[T]</string>|[\t\t]<string id=\"2\">[T]</string>|");
+    EXPECT_EQ(take("9"), "");
+    EXPECT_EQ(take("2"), "[\t\t]<string id=\"17\">[T]</string>|");
+    EXPECT_EQ(test::Spell(stream), "<stringtable></stringtable>");
+}
+
 } // namespace
 } // namespace tervane

@@ -197,5 +197,45 @@ TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
         EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
 }
 
+std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
+    std::string out;
+    for (const auto& entry : entries)
+        out += Spell(entry) + "|";
+    return out;
+}
+
+// The translated stream as the writer gathers it, cut where the input ends.
+TEST(VersionPieces, ExtractPiecesTakesEntriesUpToTheGroupsEnd) {
+    auto gather = [](bool closed) {
+        CLabelPieceList stream;
+        stream.push_back(MakeOpenTag("versioninfo", "<versioninfo>"));
+        stream.push_back(MakeText(u"\t\t"));
+        for (auto& piece : ParseValue("comments", u"C"))
+            stream.push_back(std::move(piece));
+        stream.push_back(MakeText(u"\n\t\t"));
+        stream.push_back(MakeOpenTag("productname", "<productname>"));
+        stream.push_back(MakeText(u"a"));
+        if (closed) {
+            stream.push_back(MakeCloseTag("productname", "</productname>"));
+            stream.push_back(MakeCloseTag("versioninfo", "</versioninfo>"));
+        }
+        return stream;
+    };
+    CLabelPieceList stream = gather(true);
+    CVersionInfoResource resource;
+    resource.ExtractPieces(stream);
+    EXPECT_EQ(SpellAll(resource.entries),
+              "[\t\t]<comments>[C]</comments>|[\n\t\t]<productname>[a]</productname>|");
+    // The group's tags stay for the next resource.
+    EXPECT_EQ(Spell(stream), "<versioninfo></versioninfo>");
+
+    // Without the group's end an open entry stays in the stream.
+    stream = gather(false);
+    CVersionInfoResource cut;
+    cut.ExtractPieces(stream);
+    EXPECT_EQ(SpellAll(cut.entries), "[\t\t]<comments>[C]</comments>|");
+    EXPECT_EQ(Spell(stream), "<versioninfo>[\n\t\t]<productname>[a]");
+}
+
 } // namespace
 } // namespace tervane
