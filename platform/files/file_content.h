@@ -2,7 +2,8 @@
 // The bytes of a file for as long as the value lives: a read-only mapping of
 // a large regular file, or bytes in memory. A module loaded as data reads its
 // headers and its resources only, so mapping spares reading the code of a
-// large image; the bytes never change while the value lives.
+// large image. As with any mapped reader, a file that another process cuts
+// short while it is mapped faults on the lost pages; files are not locked.
 #include <cstddef>
 #include <cstdint>
 #include <string>
