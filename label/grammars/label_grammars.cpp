@@ -42,21 +42,17 @@ const char* DialogResLexClass::tokenName(std::uint32_t token) {
 }
 
 std::u16string LabelYaccClass::symbolText(std::int32_t index) {
-    SSYaccStackElement* element = elementFromProduction(index);
-    if (!element || !element->lexeme)
-        return {};
-    return std::u16string(element->lexeme->wideText());
+    return std::u16string(elementText(index));
 }
 
 void LabelYaccClass::add(std::uint32_t type, std::int32_t index) {
-    SSYaccStackElement* element = elementFromProduction(index);
+    const std::u16string_view text = elementText(index);
     // Built in place: no temporary record and no string moved.
     LabelToken* token = nextToken();
     if (!token)
         return;
     token->type = type;
-    if (element && element->lexeme)
-        token->text.assign(element->lexeme->wideText());
+    token->text.assign(text);
 }
 
 void LabelYaccClass::add(std::uint32_t type, std::u16string text) {
@@ -86,7 +82,7 @@ SSYaccStackElement* StringResYaccClass::reduce(std::uint32_t production, std::ui
         add(label_token::kSpecial, 0);
         break;
     }
-    return stackElement();
+    return blankElement();
 }
 
 SSYaccStackElement* MenuResYaccClass::stackElement() {
@@ -124,7 +120,7 @@ SSYaccStackElement* MenuResYaccClass::reduce(std::uint32_t production, std::uint
         add(label_token::kMark, 1);
         break;
     }
-    return stackElement();
+    return blankElement();
 }
 
 // The first and the last character never separate, and the character behind
@@ -178,7 +174,7 @@ SSYaccStackElement* DialogResYaccClass::reduce(std::uint32_t production, std::ui
         add(label_token::kSpecial, 0);
         break;
     }
-    return stackElement();
+    return blankElement();
 }
 
 } // namespace tervane

@@ -12,19 +12,25 @@ namespace tervane {
 
 class StringResLexClass : public SSLex {
 public:
-    using SSLex::SSLex;
+    StringResLexClass(SSLexConsumer* consumer, const SSLexTable* table) : SSLex(consumer, table) {
+        setViews(true);
+    }
     const char* tokenName(std::uint32_t token) override;
 };
 
 class MenuResLexClass : public SSLex {
 public:
-    using SSLex::SSLex;
+    MenuResLexClass(SSLexConsumer* consumer, const SSLexTable* table) : SSLex(consumer, table) {
+        setViews(true);
+    }
     const char* tokenName(std::uint32_t token) override;
 };
 
 class DialogResLexClass : public SSLex {
 public:
-    using SSLex::SSLex;
+    DialogResLexClass(SSLexConsumer* consumer, const SSLexTable* table) : SSLex(consumer, table) {
+        setViews(true);
+    }
     const char* tokenName(std::uint32_t token) override;
 };
 
@@ -35,7 +41,9 @@ class DialogResParseStackElement : public SSYaccStackElement {};
 // Base of the three parsers: holds the caller's list.
 class LabelYaccClass : public SSYacc {
 public:
-    LabelYaccClass(SSLex* lex, const SSYaccTable* table) : SSYacc(lex, table) {}
+    LabelYaccClass(SSLex* lex, const SSYaccTable* table) : SSYacc(lex, table) {
+        setLazyElements(true);
+    }
     // Where reductions put their tokens: at the end of a list, or written
     // over the kept records of a reused one.
     void setTokens(LabelTokenList* tokens) {

@@ -24,6 +24,18 @@ void SSLex::reset() {
 }
 
 SSLexLexeme* SSLex::nextLexeme() {
+    SSLexToken token;
+    if (!nextToken(token))
+        return nullptr;
+    SSLexLexeme* lexeme = token.lexeme();
+    // Handed on with the count it had before the token took it.
+    lexeme->addRef();
+    token.clear();
+    lexeme->release(false);
+    return lexeme;
+}
+
+bool SSLex::nextToken(SSLexToken& out) {
     if (!table_ || !consumer_ || !currentList_)
         raise(ss_error::kMissingTableOrConsumer, "SSLex0107e: Table or consumer missing, required");
     SSLexConsumer& consumer = *consumer_;
@@ -102,7 +114,7 @@ SSLexLexeme* SSLex::nextLexeme() {
         consumer.adjust(acceptedMark, false);
         consumer.adjust(contextMark_, true);
         if (!read)
-            return nullptr;
+            return false;
 
         if ((accepted.flags & SSLexFinalState::endOfLine) && acceptedMark.lineDelta > 0) {
             std::uint32_t width = consumer.characterWidth();
@@ -126,8 +138,10 @@ SSLexLexeme* SSLex::nextLexeme() {
                 continue;
         } else if (!accepts) {
             lexeme = invalidToken(consumer);
-            if (lexeme)
-                return lexeme;
+            if (lexeme) {
+                out.setObject(lexeme);
+                return true;
+            }
             consumer.resync();
             continue;
         } else {
@@ -136,20 +150,30 @@ SSLexLexeme* SSLex::nextLexeme() {
             if ((accepted.flags & SSLexFinalState::startOfLine) && consumer.lexemeLine() != 0 &&
                 consumer.lexemeOffset() != 0)
                 consumer.skipLeadingNewline(acceptedMark);
+            if (views_ && !(accepted.flags & SSLexFinalState::keyword)) {
+                // What the default completeLexeme would copy, left where it is.
+                const std::uint32_t start = consumer.lexemeStart();
+                const std::uint32_t stop = acceptedMark.index < start ? start : acceptedMark.index;
+                out.setView(&consumer, accepted.token, start, stop - start,
+                            consumer.type() != SSLexConsumer::kWide, consumer.lexemeLine(),
+                            consumer.lexemeOffset(), consumer.bufferBase() + start);
+                consumer.flushTo(acceptedMark);
+                ++lexemeCount_;
+                if (accepted.flags & SSLexFinalState::setUserValue)
+                    out.setUserValue(accepted.userValue);
+                return true;
+            }
             lexeme = completeLexeme(consumer, accepted.token, acceptedMark);
             if (!lexeme)
                 continue;
         }
+        out.setObject(lexeme);
         ++lexemeCount_;
         if (accepted.flags & SSLexFinalState::setUserValue)
             lexeme->setUserValue(accepted.userValue);
-        if (accepted.flags & SSLexFinalState::keyword) {
-            // Held while the lookup may raise, so that an error frees it.
-            SSRef<SSLexLexeme> held = lexeme;
+        if (accepted.flags & SSLexFinalState::keyword)
             keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
-            return held.detach();
-        }
-        return lexeme;
+        return true;
     }
 }
 

@@ -7,6 +7,7 @@
 #include "label/runtime/ss_lex_consumer.h"
 #include "label/runtime/ss_lex_lexeme.h"
 #include "label/runtime/ss_lex_table.h"
+#include "label/runtime/ss_lex_token.h"
 #include "label/runtime/ss_lifo.h"
 
 namespace tervane {
@@ -20,6 +21,8 @@ public:
 
     // The next lexeme with count 0, or null at the end of the input.
     SSLexLexeme* nextLexeme();
+    // The same as a value; false at the end of the input.
+    bool nextToken(SSLexToken& out);
     void setConsumer(SSLexConsumer* consumer) { consumer_ = consumer; }
     // Back to the state of a new lexer on the same consumer and table.
     void reset();
@@ -42,6 +45,11 @@ public:
     const SSLexExpressionList* currentList() const { return currentList_; }
     const SSLexMark& contextMark() const { return contextMark_; }
 
+protected:
+    // For lexers whose completeLexeme is the default: nextToken leaves the
+    // text of a lexeme in the consumer instead of copying it into an object.
+    void setViews(bool views) { views_ = views; }
+
 private:
     void changeLists(const SSLexFinalState& accepted);
 
@@ -52,6 +60,7 @@ private:
     const SSLexExpressionList* currentList_ = nullptr;
     SSLifo<const SSLexExpressionList*, 32> listStack_{32, 32};
     SSLexMark contextMark_;
+    bool views_ = false;
 };
 
 } // namespace tervane

@@ -184,6 +184,8 @@ public:
     std::uint32_t offset() const { return offset_; }
     std::uint32_t shift() const { return shift_; }
     std::uint32_t bufferBase() const { return bufferBase_; }
+    // The buffer moves when a refill grows it: hold offsets, not addresses.
+    const std::uint8_t* bufferData() const { return buffer_.data(); }
     bool nativeOrder() const { return nativeOrder_; }
     bool firstReadPending() const { return firstRead_ != 0; }
     // Bytes of one character of this consumer's text.

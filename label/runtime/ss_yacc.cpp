@@ -16,7 +16,7 @@ constexpr std::uint64_t kStepsWithoutShift = 4096;
 
 } // namespace
 
-void SSYaccLookaheadQueue::add(SSLexLexeme* lexeme) {
+void SSYaccLookaheadQueue::add(const SSLexToken& token) {
     if (tail_ == capacity_) {
         if (head_ > 0) {
             for (std::uint32_t i = 0; i < count_; ++i)
@@ -24,9 +24,9 @@ void SSYaccLookaheadQueue::add(SSLexLexeme* lexeme) {
             head_ = 0;
             tail_ = count_;
         } else {
-            std::unique_ptr<SSRef<SSLexLexeme>[]> items;
+            std::unique_ptr<SSLexToken[]> items;
             try {
-                items.reset(new SSRef<SSLexLexeme>[capacity_ + kQueueGrowth]);
+                items.reset(new SSLexToken[capacity_ + kQueueGrowth]);
             } catch (const std::bad_alloc&) {
                 throw SSExceptionOutOfStorage();
             }
@@ -36,11 +36,11 @@ void SSYaccLookaheadQueue::add(SSLexLexeme* lexeme) {
             capacity_ += kQueueGrowth;
         }
     }
-    items_[tail_++] = lexeme;
+    items_[tail_++] = token;
     ++count_;
 }
 
-SSRef<SSLexLexeme> SSYaccLookaheadQueue::take() {
+SSLexToken SSYaccLookaheadQueue::take() {
     if (count_ == 0)
         return {};
     --count_;
@@ -49,19 +49,19 @@ SSRef<SSLexLexeme> SSYaccLookaheadQueue::take() {
 
 void SSYaccLookaheadQueue::clear() {
     for (std::uint32_t i = 0; i < count_; ++i)
-        items_[head_ + i] = nullptr;
+        items_[head_ + i].clear();
     head_ = tail_ = count_ = 0;
 }
 
-SSLexLexeme* SSYaccLookaheadQueue::at(std::uint32_t position) const {
-    return position < count_ ? items_[head_ + position].get() : nullptr;
+const SSLexToken* SSYaccLookaheadQueue::at(std::uint32_t position) const {
+    return position < count_ ? &items_[head_ + position] : nullptr;
 }
 
 SSYacc::SSYacc(SSLex* lex, const SSYaccTable* table) : lex_(lex), table_(table) {
     static constexpr std::uint8_t kEof[] = {'e', 0, 'o', 0, 'f', 0};
     eofLexeme_ = SSLexLexeme::create(kEof, sizeof kEof, false, SSYaccTable::kEofToken, 0xFFFFFFFF,
                                      0xFFFFFFFF, 0);
-    stack_.push(SSMakeCounted<SSYaccStackElement>());
+    stack_.push(0);
     pool_ = SSYaccElementPool::create();
     if (table_) {
         const SSYaccTable::Data& data = table_->data();
@@ -83,7 +83,7 @@ void SSYacc::reset() {
     abort_ = false;
     state_ = 0;
     shiftsSinceError_ = 0;
-    lookahead_ = nullptr;
+    lookahead_.clear();
     eofSeen_ = false;
     production_ = 0;
     conflictLexeme_ = nullptr;
@@ -96,13 +96,16 @@ void SSYacc::reset() {
     current_ = nullptr;
     recoveryHeld_ = nullptr;
     result_ = nullptr;
-    // Any element in state 0 without a lexeme serves as the bottom.
+    // Any entry in state 0 without lexeme or element serves as the bottom.
     if (stack_.count() > 1)
         stack_.pop(stack_.count() - 1);
-    if (stack_.count() == 1 && (stack_.top()->state != 0 || stack_.top()->lexeme))
-        stack_.pop();
+    if (stack_.count() == 1) {
+        const SSYaccStackEntry& bottom = stack_.top();
+        if (bottom.state != 0 || bottom.token.present || bottom.element)
+            stack_.pop();
+    }
     if (stack_.count() == 0)
-        stack_.push(SSMakeCounted<SSYaccStackElement>());
+        stack_.push(0);
 }
 
 int SSYacc::parse() {
@@ -117,13 +120,18 @@ int SSYacc::parse() {
             raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
         switch (action_) {
         case SSYaccAction::shift: {
-            SSYaccStackElement* element = shift(lookahead_.get());
-            if (!element)
-                return 1;
-            element->lexeme = lookahead_;
-            element->state = state_;
-            stack_.emplace(element);
-            current_ = element;
+            if (lazy_) {
+                stack_.push(state_, lookahead_.take(), nullptr);
+                current_ = nullptr;
+            } else {
+                SSYaccStackElement* element = shift(lookahead_.lexeme());
+                if (!element)
+                    return 1;
+                element->lexeme = lookahead_.lexeme();
+                element->state = state_;
+                stack_.push(state_, lookahead_.take(), element);
+                current_ = element;
+            }
             if (!readLookahead(true))
                 return 1;
             ++shiftsSinceError_;
@@ -132,11 +140,15 @@ int SSYacc::parse() {
             break;
         }
         case SSYaccAction::reduce: {
-            SSYaccStackElement* element = production_ < 64 && (plainProductions_ >> production_ & 1)
-                                              ? stackElement()
-                                              : reduce(production_, productionSize_);
-            if (!element)
+            SSYaccStackElement* element = nullptr;
+            if (production_ < 64 && (plainProductions_ >> production_ & 1)) {
+                if (!lazy_ && !(element = stackElement()))
+                    return 1;
+            } else if (!(element = reduce(production_, productionSize_))) {
                 return 1;
+            } else if (element == &blank_) {
+                element = nullptr;
+            }
             if (productionSize_ < stack_.count()) {
                 stack_.pop(productionSize_);
             } else {
@@ -144,12 +156,12 @@ int SSYacc::parse() {
                 // would; the new element is held, so that the failure frees it.
                 SSRef<SSYaccStackElement> held = element;
                 for (std::uint32_t i = 0; i < productionSize_; ++i) {
-                    stack_.top() = nullptr;
+                    stack_.top();
                     stack_.pop();
                 }
                 held.detach();
             }
-            state_ = stack_.top()->state;
+            state_ = stack_.top().state;
             const std::uint32_t target = gotoTarget(state_, lhs_);
             if (target == SSYaccTable::kNoGoto) {
                 SSRef<SSYaccStackElement> held = element;
@@ -157,20 +169,27 @@ int SSYacc::parse() {
                       static_cast<long>(lhs_));
             }
             state_ = target;
-            element->state = state_;
-            stack_.emplace(element);
+            if (element)
+                element->state = state_;
+            if (element)
+                stack_.push(state_, SSLexTokenData(), element);
+            else
+                stack_.push(state_);
             current_ = element;
-            findAction(state_, lookahead_->parseToken());
+            findAction(state_, lookahead_.parseToken());
             break;
         }
         case SSYaccAction::error:
             errorSeen_ = true;
             recoveryHeld_ = current_;
-            if (error(state_, lookahead_.get()))
+            if (error(state_, lookahead_.lexeme()))
                 return 1;
             shiftsSinceError_ = 0;
             break;
         case SSYaccAction::accept:
+            // A lazy parser made no element for the last push, or not yet.
+            if (!current_)
+                current_ = elementOf(stack_.top());
             result_ = current_;
             return wasError() ? 1 : 0;
         case SSYaccAction::lookahead:
@@ -184,26 +203,34 @@ int SSYacc::parse() {
     return 1;
 }
 
+void SSYacc::readToken(SSLexToken& out) {
+    if (lazy_) {
+        if (!lex_)
+            raise(ss_error::kMissingLex, "SSYacc0110e: setLex missing, required");
+        if (lex_->nextToken(out))
+            return;
+    } else if (SSLexLexeme* lexeme = nextLexeme()) {
+        out.setObject(lexeme);
+        return;
+    }
+    eofSeen_ = true;
+    out.setObject(eofLexeme_.get());
+}
+
 bool SSYacc::readLookahead(bool setAction) {
     if (queue_.count()) {
         lookahead_ = queue_.take();
     } else {
         if (eofSeen_)
             raise(ss_error::kReadPastEof, "SSYacc0103e: Attempted read past eof");
-        SSLexLexeme* lexeme = nextLexeme();
-        if (!lexeme) {
-            eofSeen_ = true;
-            lookahead_ = eofLexeme_;
-        } else {
-            lookahead_ = lexeme;
-        }
+        readToken(lookahead_);
     }
-    if (lookaheadRead(lookahead_.get())) {
+    if (!lazy_ && lookaheadRead(lookahead_.lexeme())) {
         abort_ = true;
         return false;
     }
     if (setAction)
-        findAction(state_, lookahead_->parseToken());
+        findAction(state_, lookahead_.parseToken());
     return true;
 }
 
@@ -211,10 +238,10 @@ bool SSYacc::resolveLookahead() {
     const SSLexExpressionList& list = *lookaheadList_;
     queuePosition_ = 0;
     std::uint32_t automaton = 0;
-    SSRef<SSLexLexeme> lexeme = lookahead_;
-    bool eofFed = lookahead_.get() == eofLexeme_.get();
+    SSLexToken token = lookahead_;
+    bool eofFed = lookahead_.object() == eofLexeme_.get();
     for (;;) {
-        std::uint32_t next = list.transition(automaton, lexeme->parseToken());
+        std::uint32_t next = list.transition(automaton, token.parseToken());
         if (next == SSLexExpressionList::kNoState)
             break;
         automaton = next;
@@ -237,26 +264,20 @@ bool SSYacc::resolveLookahead() {
             return true;
         }
         if (queuePosition_ != kNoPosition && queuePosition_ < queue_.count()) {
-            lexeme = queue_.at(queuePosition_++);
+            token = *queue_.at(queuePosition_++);
             continue;
         }
         queuePosition_ = kNoPosition;
         // Behind the end of the input there is no lexeme to feed.
         if (eofFed)
             break;
-        SSLexLexeme* read = nextLexeme();
-        if (!read) {
-            eofSeen_ = true;
-            eofFed = true;
-            lexeme = eofLexeme_;
-        } else {
-            lexeme = read;
-        }
-        queue_.add(lexeme.get());
+        readToken(token);
+        eofFed = eofSeen_;
+        queue_.add(token);
     }
     errorSeen_ = true;
-    conflictLexeme_ = lexeme;
-    return lookaheadError(state_, lookahead_.get(), conflictLexeme_.get()) == 0;
+    conflictLexeme_ = token.lexeme();
+    return lookaheadError(state_, lookahead_.lexeme(), conflictLexeme_.get()) == 0;
 }
 
 SSLexLexeme* SSYacc::nextLexeme() {
@@ -285,7 +306,7 @@ int SSYacc::error(std::uint32_t, SSLexLexeme*) {
     const SSYaccTable& table = *table_;
     SSSetArray sync(64, 64);
     for (std::size_t depth = 0; depth < stack_.count(); ++depth) {
-        const SSYaccRow& row = table.row(stack_.at(depth)->state);
+        const SSYaccRow& row = table.row(stack_.at(depth).state);
         if (row.flags & (SSYaccRow::syncMarked | SSYaccRow::syncAll)) {
             for (std::uint32_t i = 0; i < row.actionCount; ++i) {
                 SSYaccEntry entry = row.action(i);
@@ -301,13 +322,13 @@ int SSYacc::error(std::uint32_t, SSLexLexeme*) {
     }
     if (sync.empty())
         raise(ss_error::kNoValidToken, "SSYacc0105e: Error token failed, no valid token");
-    while (!sync.contains(lookahead_->parseToken())) {
+    while (!sync.contains(lookahead_.parseToken())) {
         if (queue_.count() == 0 && eofSeen_)
             raise(ss_error::kErrorTokenEof, "SSYacc0106e: Error token failed, eof");
         if (!readLookahead(false))
             return 1;
     }
-    std::uint32_t token = lookahead_->parseToken();
+    std::uint32_t token = lookahead_.parseToken();
     for (;;) {
         const SSYaccRow& row = table.row(state_);
         if (row.flags & SSYaccRow::hasError) {
@@ -316,10 +337,13 @@ int SSYacc::error(std::uint32_t, SSLexLexeme*) {
             findAction(row.errorState, token);
             if (action_ != SSYaccAction::error) {
                 SSRef<SSYaccStackElement> element = stackElement();
-                element->lexeme = SSLexLexeme::create(u"%error", SSYaccTable::kErrorToken, 0, 0);
+                SSLexToken errorToken;
+                errorToken.setObject(
+                    SSLexLexeme::create(u"%error", SSYaccTable::kErrorToken, 0, 0));
+                element->lexeme = errorToken.object();
                 element->state = row.errorState;
                 current_ = element.get();
-                stack_.push(element);
+                stack_.push(row.errorState, errorToken.take(), element.get());
                 return 0;
             }
             state_ = before;
@@ -337,16 +361,45 @@ int SSYacc::error(std::uint32_t, SSLexLexeme*) {
             }
         }
         stack_.pop();
-        state_ = stack_.top()->state;
+        state_ = stack_.top().state;
     }
 }
 
-SSYaccStackElement* SSYacc::elementFromProduction(std::int32_t index) {
+SSYaccStackEntry& SSYacc::entryFromProduction(std::int32_t index) {
     std::int64_t depth = std::int64_t{productionSize_} - index - 1;
     if (depth < 0 || static_cast<std::uint64_t>(depth) >= stack_.count())
         raise(ss_error::kInvalidElementIndex,
               "SSYacc0108e: Invalid index on elementFromProduction, %ld", static_cast<long>(index));
-    return stack_.at(static_cast<std::size_t>(depth)).get();
+    return stack_.at(static_cast<std::size_t>(depth));
+}
+
+SSYaccStackElement* SSYacc::elementOf(SSYaccStackEntry& entry) {
+    if (entry.element)
+        return entry.element;
+    SSYaccStackElement* element = stackElement();
+    if (!element)
+        return nullptr;
+    element->addRef();
+    entry.element = element;
+    stack_.holding(entry);
+    element->state = entry.state;
+    if (entry.token.present) {
+        element->lexeme = entry.token.lexeme();
+        stack_.holding(entry);
+    }
+    return element;
+}
+
+SSYaccStackElement* SSYacc::elementFromProduction(std::int32_t index) {
+    return elementOf(entryFromProduction(index));
+}
+
+std::u16string_view SSYacc::elementText(std::int32_t index) {
+    SSYaccStackEntry& entry = entryFromProduction(index);
+    // A made element's lexeme is the one its holders may have changed.
+    if (entry.element)
+        return entry.element->lexeme ? entry.element->lexeme->wideText() : std::u16string_view();
+    return entry.token.wideText();
 }
 
 } // namespace tervane

@@ -4,14 +4,18 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <string_view>
+#include <utility>
 
 #include "label/runtime/ss_exception.h"
 #include "label/runtime/ss_lex.h"
 #include "label/runtime/ss_lex_lexeme.h"
+#include "label/runtime/ss_lex_token.h"
 #include "label/runtime/ss_lifo.h"
 #include "label/runtime/ss_pool.h"
 #include "label/runtime/ss_ref.h"
 #include "label/runtime/ss_yacc_element.h"
+#include "label/runtime/ss_yacc_stack.h"
 #include "label/runtime/ss_yacc_table.h"
 
 namespace tervane {
@@ -19,16 +23,16 @@ namespace tervane {
 // Lexemes read ahead of the parser.
 class SSYaccLookaheadQueue {
 public:
-    void add(SSLexLexeme* lexeme);
-    // The entry at head, or empty when the queue is.
-    SSRef<SSLexLexeme> take();
-    SSLexLexeme* at(std::uint32_t position) const;
+    void add(const SSLexToken& token);
+    // The entry at head, or an empty token when the queue is empty.
+    SSLexToken take();
+    const SSLexToken* at(std::uint32_t position) const;
     std::uint32_t count() const { return count_; }
     // Lets go of every entry; the room stays.
     void clear();
 
 private:
-    std::unique_ptr<SSRef<SSLexLexeme>[]> items_;
+    std::unique_ptr<SSLexToken[]> items_;
     std::uint32_t capacity_ = 0;
     std::uint32_t tail_ = 0;
     std::uint32_t head_ = 0;
@@ -63,6 +67,9 @@ public:
 
     // Inside reduce: the element of right-hand symbol index, 0 the leftmost.
     SSYaccStackElement* elementFromProduction(std::int32_t index);
+    // The text of that symbol's lexeme, empty for a non-terminal, without
+    // making an element for it; valid until the reduction returns.
+    std::u16string_view elementText(std::int32_t index);
 
     void setLex(SSLex* lex) { lex_ = lex; }
     SSLex* lex() const { return lex_; }
@@ -72,7 +79,7 @@ public:
     std::uint32_t productionSize() const { return productionSize_; }
     std::uint32_t lhs() const { return lhs_; }
     bool eofSeen() const { return eofSeen_; }
-    SSLexLexeme* lookahead() const { return lookahead_.get(); }
+    SSLexLexeme* lookahead() { return lookahead_.lexeme(); }
     SSYaccStackElement* result() const { return result_.get(); }
     std::size_t stackDepth() const { return stack_.count(); }
     // Elements given back and not yet handed out again.
@@ -84,12 +91,24 @@ protected:
     // Productions below 64 whose reduce() would do nothing but return
     // stackElement(): the parse makes their element without calling it.
     void setPlainProductions(std::uint64_t mask) { plainProductions_ = mask; }
+    // For parsers whose elements carry nothing but state and lexeme: lexemes
+    // come straight from the lexer as values, shift(), nextLexeme() and
+    // lookaheadRead() are not called, and plain productions make no
+    // element; elementFromProduction() makes one when asked.
+    void setLazyElements(bool lazy) { lazy_ = lazy; }
+    // For reduce() of a lazy parser: stands for an element that carries
+    // nothing, which is made only when asked for.
+    SSYaccStackElement* blankElement() { return &blank_; }
 
 private:
     void findAction(std::uint32_t state, std::uint32_t token);
     std::uint32_t gotoTarget(std::uint32_t state, std::uint32_t symbol) const;
     bool readLookahead(bool setAction);
     bool resolveLookahead();
+    SSYaccStackEntry& entryFromProduction(std::int32_t index);
+    SSYaccStackElement* elementOf(SSYaccStackEntry& entry);
+    // The next lexeme from the lexer, or the end of the input.
+    void readToken(SSLexToken& out);
 
     SSLex* lex_;
     const SSLexExpressionList* lookaheadList_ = nullptr;
@@ -98,19 +117,19 @@ private:
     bool abort_ = false;
     std::uint32_t state_ = 0;
     std::uint32_t shiftsSinceError_ = 0;
-    SSRef<SSLexLexeme> lookahead_;
+    SSLexToken lookahead_;
     bool eofSeen_ = false;
     std::uint32_t production_ = 0;
     SSRef<SSLexLexeme> conflictLexeme_;
     std::uint32_t productionSize_ = 0;
     SSYaccLookaheadQueue queue_;
-    SSLifo<SSRef<SSYaccStackElement>, 64> stack_{64, 64};
+    SSYaccStack stack_;
     SSYaccAction action_ = SSYaccAction::error;
     std::uint32_t queuePosition_ = 0;
     std::uint32_t lhs_ = 0;
     SSRef<SSLexLexeme> eofLexeme_;
-    // The element pushed last; the stack holds it. Recovery may pop it, so
-    // it is held while recovery runs.
+    // The element pushed last, if one was made; the stack holds it. Recovery
+    // may pop it, so it is held while recovery runs.
     SSYaccStackElement* current_ = nullptr;
     SSRef<SSYaccStackElement> recoveryHeld_;
     SSRef<SSYaccStackElement> result_;
@@ -121,6 +140,9 @@ private:
     const std::uint32_t* gotoSlots_ = nullptr;
     const SSYaccProduction* productions_ = nullptr;
     std::uint64_t plainProductions_ = 0;
+    bool lazy_ = false;
+    // Never pushed, and its count never reaches 0.
+    SSYaccStackElement blank_;
 };
 
 // Here, so that the parse loop, which looks one up at every step, inlines it.

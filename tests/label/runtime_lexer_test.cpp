@@ -24,15 +24,23 @@ std::ostream& operator<<(std::ostream& out, const Seen& s) {
     return out << "{" << s.token << " '" << s.text << "' " << s.line << ":" << s.offset << "}";
 }
 
-std::vector<Seen> Scan(const Image& image, std::u16string_view text) {
+template <typename Lex> std::vector<Seen> ScanWith(const Image& image, std::u16string_view text) {
     SSLexTable table(image, "TOY");
     SSLexStringConsumer consumer(text);
-    SSLex lex(&consumer, &table);
+    Lex lex(&consumer, &table);
     std::vector<Seen> out;
     while (SSRef<SSLexLexeme> lexeme = lex.nextLexeme())
         out.push_back(
             {lexeme->parseToken(), lexeme->displayText(), lexeme->line(), lexeme->offset()});
     return out;
+}
+
+// A lexer that leaves its texts in the consumer must see what one that
+// copies them sees.
+std::vector<Seen> Scan(const Image& image, std::u16string_view text) {
+    std::vector<Seen> copied = ScanWith<SSLex>(image, text);
+    EXPECT_EQ(ScanWith<ViewLex>(image, text), copied);
+    return copied;
 }
 
 TEST(LexerScan, TokensPositionsAndPushBack) {

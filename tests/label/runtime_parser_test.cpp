@@ -19,15 +19,25 @@ struct Outcome {
     std::string message;
 };
 
+// How the parser holds its lexemes and elements: made at every step; made
+// when a reduction asks, from lexemes left in the consumer; or never, the
+// reductions reading only texts.
+enum class Holding { objects, lazy, textsOnly };
+constexpr Holding kHoldings[] = {Holding::objects, Holding::lazy, Holding::textsOnly};
+
 Outcome RunToy(const YaccGrammar& grammar, std::u16string_view text, std::uint32_t magic = kCyss,
-               std::optional<int> probe = std::nullopt, std::uint64_t plain = 0) {
+               std::optional<int> probe = std::nullopt, std::uint64_t plain = 0,
+               Holding holding = Holding::objects) {
     SSLexTable lexTable(ToyLexImage(), "TOY");
     SSYaccTable yaccTable(BuildYaccTable(grammar, magic), "TOY");
     SSLexStringConsumer consumer(text);
-    SSLex lex(&consumer, &lexTable);
+    ViewLex lex(&consumer, &lexTable);
     RecordingYacc yacc(&lex, &yaccTable);
     yacc.probe = probe;
     yacc.setPlain(plain);
+    if (holding != Holding::objects)
+        yacc.setLazy();
+    yacc.textsOnly = holding == Holding::textsOnly;
     Outcome out;
     try {
         out.result = yacc.parse();
@@ -102,11 +112,14 @@ TEST(ParserLoop, ReducesInTheOrderOfTheText) {
         {"plain production", ToyGrammar(), u"1 2 3", kCyss, 0, {"1:-,2", "1:-,3"}, 1u << 2},
         {"all plain", ToyGrammar(), u"1 2 3", kCyss, 0, {}, (1u << 1) | (1u << 2)},
     };
-    for (const Case& c : cases) {
-        Outcome out = RunToy(c.grammar, c.text, c.magic, std::nullopt, c.plain);
-        EXPECT_EQ(out.code, 0) << c.name << ": " << out.message;
-        EXPECT_EQ(out.result, c.result) << c.name;
-        EXPECT_EQ(out.reductions, c.reductions) << c.name;
+    for (Holding holding : kHoldings) {
+        SCOPED_TRACE(static_cast<int>(holding));
+        for (const Case& c : cases) {
+            Outcome out = RunToy(c.grammar, c.text, c.magic, std::nullopt, c.plain, holding);
+            EXPECT_EQ(out.code, 0) << c.name << ": " << out.message;
+            EXPECT_EQ(out.result, c.result) << c.name;
+            EXPECT_EQ(out.reductions, c.reductions) << c.name;
+        }
     }
 }
 
@@ -146,10 +159,13 @@ TEST(ParserErrors, RaisedWithTheirCodesAndMessages) {
         // A table that reduces for ever without reading.
         {"endless reduction", loops, u"1", {}, 13, "SSYacc0102e: Parse failed, invalid table"},
     };
-    for (const Case& c : cases) {
-        Outcome out = RunToy(c.grammar, c.text, kCyss, c.probe);
-        EXPECT_EQ(out.code, c.code) << c.name;
-        EXPECT_EQ(out.message, c.message) << c.name;
+    for (Holding holding : kHoldings) {
+        SCOPED_TRACE(static_cast<int>(holding));
+        for (const Case& c : cases) {
+            Outcome out = RunToy(c.grammar, c.text, kCyss, c.probe, 0, holding);
+            EXPECT_EQ(out.code, c.code) << c.name;
+            EXPECT_EQ(out.message, c.message) << c.name;
+        }
     }
 }
 

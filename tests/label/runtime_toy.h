@@ -85,6 +85,14 @@ inline YaccGrammar ToyGrammar() {
     return g;
 }
 
+// A lexer that leaves lexeme texts in the consumer, as the label lexers do.
+class ViewLex : public SSLex {
+public:
+    ViewLex(SSLexConsumer* consumer, const SSLexTable* table) : SSLex(consumer, table) {
+        setViews(true);
+    }
+};
+
 // Records each reduce as "production:text,text" (non-terminals as "-").
 class RecordingYacc : public SSYacc {
 public:
@@ -92,18 +100,26 @@ public:
     std::vector<std::string> reductions;
     std::optional<int> probe; // a symbol index asked for before the others
     void setPlain(std::uint64_t mask) { setPlainProductions(mask); }
+    // Elements made only when asked for, and texts read without them.
+    void setLazy() { setLazyElements(true); }
+    bool textsOnly = false;
 
     SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override {
         if (probe)
             elementFromProduction(*probe);
         std::string entry = std::to_string(production) + ":";
         for (std::uint32_t i = 0; i < size; ++i) {
-            SSYaccStackElement* element = elementFromProduction(static_cast<std::int32_t>(i));
             entry += i ? "," : "";
+            if (textsOnly) {
+                std::u16string_view text = elementText(static_cast<std::int32_t>(i));
+                entry += text.empty() ? "-" : std::string(text.begin(), text.end());
+                continue;
+            }
+            SSYaccStackElement* element = elementFromProduction(static_cast<std::int32_t>(i));
             entry += element->lexeme ? element->lexeme->displayText() : "-";
         }
         reductions.push_back(entry);
-        return stackElement();
+        return textsOnly ? blankElement() : stackElement();
     }
 };
 
