@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 #include "frame/diagnostics/exceptions.h"
@@ -42,22 +43,48 @@ Bytes ReadCountedUnits(Bytes data, std::size_t& offset) {
     return *units;
 }
 
+// A growing buffer of units that is never cleared: its units are written
+// before they are read, so growing it need not fill it.
+class UnitBuffer {
+public:
+    char16_t* Reserve(std::size_t size) {
+        if (size > capacity_) {
+            units_ = std::make_unique_for_overwrite<char16_t[]>(size);
+            capacity_ = size;
+        }
+        return units_.get();
+    }
+
+private:
+    std::unique_ptr<char16_t[]> units_;
+    std::size_t capacity_ = 0;
+};
+
 // The string at offset, moved behind it, with the control characters as the
 // two-character escapes the lexer reads; '&' is plain text in a string
 // table, so a doubled one is a single one. Escaping makes no '&', so the
-// pairs are those of the string itself.
-void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
+// pairs are those of the string itself. The parser reads a null-terminated
+// text, so the escaping stops at a zero unit; a text without one gets a
+// blank at its end, which keeps a conversion at the very end from reaching
+// the end of input. False for a string without units, which has no entry;
+// one that starts with a zero unit has one, made from an empty text.
+bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
+                       std::u16string_view& text) {
     const Bytes units = ReadCountedUnits(data, offset);
-    // Written through a pointer into room for the longest result (every unit
-    // escaped, and the blank that ParseString adds), then cut to size.
     const std::size_t count = units.size() / 2;
-    out.resize(2 * count + 1);
-    char16_t* to = out.data();
+    if (count == 0)
+        return false;
+    // Room for the longest result: every unit escaped, and the blank.
+    char16_t* const start = buffer.Reserve(2 * count + 1);
+    char16_t* to = start;
     const std::uint8_t* from = units.data();
     for (std::size_t i = 0; i < count; ++i) {
         const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
-        char16_t escape = 0;
+        char16_t escape;
         switch (c) {
+        case 0:
+            text = {start, static_cast<std::size_t>(to - start)};
+            return true;
         case u'\\':
             escape = u'\\';
             break;
@@ -76,23 +103,27 @@ void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
         case u'&':
             if (i + 1 < count && LoadU16LE(from + 2 * (i + 1)) == u'&')
                 ++i;
-            break;
-        }
-        if (escape != 0) {
-            *to++ = u'\\';
-            *to++ = escape;
-        } else {
             *to++ = c;
+            continue;
+        default:
+            *to++ = c;
+            continue;
         }
+        *to++ = u'\\';
+        *to++ = escape;
     }
-    out.resize(static_cast<std::size_t>(to - out.data()));
+    *to++ = u' ';
+    text = {start, static_cast<std::size_t>(to - start)};
+    return true;
 }
+
+constexpr WideText kBlank = WideText::Constant(u" ");
 
 // An inline tag, with a blank at its end moved behind it.
 void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
     if (!t.empty() && t.back() == u' ') {
-        entry.push_back(MakeInlineTag(TrimRight(t)));
-        entry.push_back(MakeText(u" "));
+        entry.push_back(MakeInlineTag(TrimRightView(t)));
+        entry.push_back(MakeSharedText(kBlank));
     } else {
         entry.push_back(MakeInlineTag(t));
     }
@@ -102,10 +133,14 @@ void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
 // inline tag in its escaped form, with a blank at either edge moved out of it
 // into a text piece of its own.
 void AppendStringPieces(std::span<const LabelToken> tokens, PieceEntry& entry) {
-    std::u16string text;
+    // Reused from string to string, so that joining allocates nothing.
+    thread_local std::u16string text;
+    text.clear();
     auto flush = [&] {
-        if (!text.empty())
-            entry.push_back(std::make_unique<CTextLabelPiece>(std::exchange(text, {})));
+        if (!text.empty()) {
+            entry.push_back(MakeSharedText(WideText(text)));
+            text.clear();
+        }
     };
     for (const LabelToken& token : tokens) {
         if (token.type == 1) {
@@ -115,9 +150,8 @@ void AppendStringPieces(std::span<const LabelToken> tokens, PieceEntry& entry) {
         flush();
         std::u16string_view t = token.text;
         if (!t.empty() && t.front() == u' ') {
-            std::u16string trimmed = TrimLeft(t);
-            entry.push_back(MakeText(u" "));
-            AppendInlineTag(trimmed, entry);
+            entry.push_back(MakeSharedText(kBlank));
+            AppendInlineTag(TrimLeftView(t), entry);
         } else {
             AppendInlineTag(t, entry);
         }
@@ -153,17 +187,13 @@ std::u16string ReadCountedString(Bytes data, std::size_t& offset) {
 PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, long number) {
     PieceEntry entry;
     // Reused from string to string: its storage outlives the call.
-    thread_local std::u16string text;
-    ReadEscapedString(data, offset, text);
-    if (text.empty())
+    thread_local UnitBuffer buffer;
+    std::u16string_view text;
+    if (!ReadEscapedString(data, offset, buffer, text))
         return entry;
     entry.reserve(8);
     entry.push_back(MakeStructuralTag(kStringName, StringIdTag(number), 0, 1));
 
-    // The blank keeps a conversion at the very end from reaching the end of input.
-    text += u' ';
-    // The parser reads a null-terminated text: what stands behind a NUL is lost.
-    text.resize(std::min(text.size(), text.find(u'\0')));
     // Reused too, so that its records and their texts are not reallocated for every string.
     thread_local LabelTokens tokens;
     tokens.clear();

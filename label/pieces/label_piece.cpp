@@ -76,7 +76,11 @@ std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text) {
 }
 
 std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text) {
-    return std::make_unique<CTextLabelPiece>(std::u16string(text));
+    return std::make_unique<CTextLabelPiece>(WideText(text));
+}
+
+std::unique_ptr<CTextLabelPiece> MakeSharedText(WideText text) {
+    return std::make_unique<CTextLabelPiece>(std::move(text));
 }
 
 std::unique_ptr<CLabelPiece> ClonePiece(const CLabelPiece& piece) {
@@ -99,9 +103,9 @@ std::u16string JoinLabel(const CLabelPieceList& pieces) {
     std::u16string label;
     for (const auto& piece : pieces) {
         if (const CTextLabelPiece* text = TextOf(*piece)) {
-            label += text->text;
+            label += text->text.view();
         } else if (const TagDescriptor* tag = TagOf(*piece); tag != nullptr && tag->inlineTag) {
-            label += tag->tagText;
+            label += tag->tagText.view();
         }
     }
     return label;
