@@ -26,10 +26,77 @@ constexpr StyleMark kStyleMarks[] = {
     {kComboBoxClass, 0x4000, "CBS_LOWERCASE"},
 };
 
-void AppendNumber(std::string& out, long value) {
-    char digits[24];
-    char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    out += std::string_view(digits, static_cast<std::size_t>(end - digits));
+// A tag's text written wide into a buffer on the stack: a control's tag is
+// of a bounded length, whatever the template holds, and all of it is ASCII,
+// which widens unit for unit.
+class TagWriter {
+public:
+    void Add(std::string_view text) {
+        const std::size_t n = std::min(text.size(), kRoom - size_);
+        for (std::size_t i = 0; i < n; ++i)
+            units_[size_ + i] = static_cast<unsigned char>(text[i]);
+        size_ += n;
+    }
+    void Add(char c) {
+        if (size_ < kRoom)
+            units_[size_++] = static_cast<unsigned char>(c);
+    }
+    void AddNumber(long value) {
+        char digits[24];
+        char* const end = digits + sizeof digits;
+        char* at = end;
+        unsigned long magnitude =
+            value < 0 ? 0UL - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
+        do {
+            *--at = static_cast<char>('0' + magnitude % 10);
+            magnitude /= 10;
+        } while (magnitude != 0);
+        if (value < 0)
+            *--at = '-';
+        Add(std::string_view(at, static_cast<std::size_t>(end - at)));
+    }
+    std::u16string_view view() const { return {units_, size_}; }
+    std::string Narrow() const { return std::string(units_, units_ + size_); }
+
+private:
+    // Kind, every style mark, four places, an id and the hidden mark, with room to spare.
+    static constexpr std::size_t kRoom = 256;
+    char16_t units_[kRoom];
+    std::size_t size_ = 0;
+};
+
+void WriteStyleMarks(TagWriter& out, WORD classOrdinal, DWORD style) {
+    bool first = true;
+    for (const StyleMark& mark : kStyleMarks) {
+        if (mark.classOrdinal != classOrdinal || !(style & mark.bit))
+            continue;
+        out.Add(first ? " style=\"" : " ");
+        out.Add(mark.name);
+        first = false;
+    }
+    if (!first)
+        out.Add('"');
+}
+
+void WriteControlTagBody(TagWriter& out, const DialogControl& control, bool withHidden) {
+    out.Add(GetControlKind(control.classOrdinal, control.style));
+    WriteStyleMarks(out, control.classOrdinal, control.style);
+    const std::pair<std::string_view, long> place[] = {{" x=\"", control.x},
+                                                       {" y=\"", control.y},
+                                                       {" width=\"", control.width},
+                                                       {" height=\"", control.height}};
+    for (const auto& [name, value] : place) {
+        out.Add(name);
+        out.AddNumber(value);
+        out.Add('"');
+    }
+    if (control.id != kNoId) {
+        out.Add(" id=\"");
+        out.AddNumber(control.id);
+        out.Add('"');
+    }
+    if (withHidden && !(control.style & kVisible))
+        out.Add(" hidden=\"yes\"");
 }
 
 struct NamedKind {
@@ -84,47 +151,23 @@ const char* GetControlKind(WORD classOrdinal, DWORD style) {
 }
 
 std::string GetStyleMarks(WORD classOrdinal, DWORD style) {
-    std::string marks;
-    for (const StyleMark& mark : kStyleMarks) {
-        if (mark.classOrdinal != classOrdinal || !(style & mark.bit))
-            continue;
-        marks += marks.empty() ? "\"" : " ";
-        marks += mark.name;
-    }
-    return marks.empty() ? marks : " style=" + marks + "\"";
+    TagWriter marks;
+    WriteStyleMarks(marks, classOrdinal, style);
+    return marks.Narrow();
 }
 
 std::string ControlTagBody(const DialogControl& control, bool withHidden) {
-    std::string body;
-    body.reserve(128);
-    body += GetControlKind(control.classOrdinal, control.style);
-    body += GetStyleMarks(control.classOrdinal, control.style);
-    const std::pair<const char*, long> place[] = {{" x=\"", control.x},
-                                                  {" y=\"", control.y},
-                                                  {" width=\"", control.width},
-                                                  {" height=\"", control.height}};
-    for (const auto& [name, value] : place) {
-        body += name;
-        AppendNumber(body, value);
-        body += '"';
-    }
-    if (control.id != kNoId) {
-        body += " id=\"";
-        AppendNumber(body, control.id);
-        body += '"';
-    }
-    if (withHidden && !(control.style & kVisible))
-        body += " hidden=\"yes\"";
-    return body;
+    TagWriter body;
+    WriteControlTagBody(body, control, withHidden);
+    return body.Narrow();
 }
 
-std::u16string ControlStartTag(const DialogControl& control, bool withHidden) {
-    // All of the body is ASCII, which widens unit for unit.
-    const std::string body = ControlTagBody(control, withHidden);
-    std::u16string tag(body.size() + 2, u'<');
-    std::copy(body.begin(), body.end(), tag.begin() + 1);
-    tag.back() = u'>';
-    return tag;
+WideText ControlStartTag(const DialogControl& control, bool withHidden) {
+    TagWriter tag;
+    tag.Add('<');
+    WriteControlTagBody(tag, control, withHidden);
+    tag.Add('>');
+    return WideText(tag.view());
 }
 
 std::string DialogTagBody(const std::string& identifier) {

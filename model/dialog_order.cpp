@@ -1,5 +1,6 @@
 // The order of a dialog's controls in the document.
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "frame/diagnostics/exceptions.h"
@@ -23,27 +24,54 @@ bool LiesIn(const DialogControl& control, const DialogControl& box) {
     return x >= left && x <= left + box.width && y >= top && y <= top + box.height;
 }
 
+// What the sorts compare, with the control's place in its list: the
+// exchanges work on these small records, and the controls move once, to
+// where the records end.
+struct SortKey {
+    int major;
+    int minor;
+    std::size_t at;
+};
+
+void MoveToKeys(ControlList& list, std::span<const SortKey> keys) {
+    ControlList sorted;
+    sorted.reserve(list.size());
+    for (const SortKey& key : keys)
+        sorted.push_back(std::move(list[key.at]));
+    list = std::move(sorted);
+}
+
 } // namespace
 
 void CDialogItem::SortByPosition() {
     if (controls.size() > kMaxDialogControls)
         throw CParserException(kCorruptedDocumentMessage);
-    for (std::size_t i = 0; i + 1 < controls.size(); ++i)
-        for (std::size_t j = i; j < controls.size(); ++j) {
-            const DialogControl& a = controls[i];
-            const DialogControl& b = controls[j];
-            if (a.y > b.y || (a.y == b.y && a.x > b.x))
-                std::swap(controls[i], controls[j]);
+    SortKey keys[kMaxDialogControls];
+    const std::size_t n = controls.size();
+    for (std::size_t i = 0; i < n; ++i)
+        keys[i] = {controls[i].y, controls[i].x, i};
+    for (std::size_t i = 0; i + 1 < n; ++i)
+        for (std::size_t j = i; j < n; ++j) {
+            const SortKey& a = keys[i];
+            const SortKey& b = keys[j];
+            if (a.major > b.major || (a.major == b.major && a.minor > b.minor))
+                std::swap(keys[i], keys[j]);
         }
+    MoveToKeys(controls, std::span(keys, n));
 }
 
 void CDialogItem::SortByTabIndex(ControlList& list, bool includeFirst) {
     if (list.size() > kMaxDialogControls)
         throw CParserException(kCorruptedDocumentMessage);
-    for (std::size_t i = includeFirst ? 0 : 1; i + 1 < list.size(); ++i)
-        for (std::size_t j = i; j < list.size(); ++j)
-            if (list[i].tabIndex > list[j].tabIndex)
-                std::swap(list[i], list[j]);
+    SortKey keys[kMaxDialogControls];
+    const std::size_t n = list.size();
+    for (std::size_t i = 0; i < n; ++i)
+        keys[i] = {list[i].tabIndex, 0, i};
+    for (std::size_t i = includeFirst ? 0 : 1; i + 1 < n; ++i)
+        for (std::size_t j = i; j < n; ++j)
+            if (keys[i].major > keys[j].major)
+                std::swap(keys[i], keys[j]);
+    MoveToKeys(list, std::span(keys, n));
 }
 
 void CDialogItem::PartitionControls(std::size_t start, ControlList& list, bool /*isTop*/) {
@@ -57,9 +85,10 @@ void CDialogItem::PartitionLevel(std::size_t start, ControlList& list, std::size
         throw CParserException(kCorruptedDocumentMessage);
     while (start < list.size()) {
         ControlList inside;
-        ControlList outside(
-            std::make_move_iterator(list.begin()),
-            std::make_move_iterator(list.begin() + static_cast<std::ptrdiff_t>(start)));
+        ControlList outside;
+        outside.reserve(list.size());
+        outside.insert(outside.end(), std::make_move_iterator(list.begin()),
+                       std::make_move_iterator(list.begin() + static_cast<std::ptrdiff_t>(start)));
         std::size_t cursor = start;
         bool found = false;
         // Only the box's place is read once it has moved on: a moved control keeps it.
@@ -78,6 +107,7 @@ void CDialogItem::PartitionLevel(std::size_t start, ControlList& list, std::size
             ++cursor;
             if (IsGroupBox(control)) {
                 box = &control;
+                inside.reserve(list.size() - at);
                 inside.push_back(control);
             }
             outside.push_back(std::move(control));

@@ -49,9 +49,23 @@ WORD CDialogTemplateReader::PeekWord() {
 }
 
 std::u16string CDialogTemplateReader::Text() {
-    std::u16string text;
-    for (WORD unit = Word(); unit != 0; unit = Word())
-        text += static_cast<char16_t>(unit);
+    // Measured first, so that the text is made in one piece.
+    ByteReader ahead = reader_;
+    std::size_t count = 0;
+    for (;;) {
+        auto unit = ahead.ReadU16LE();
+        if (!unit)
+            Corrupted();
+        if (*unit == 0)
+            break;
+        ++count;
+    }
+    auto units = reader_.ReadBytes(count * 2 + 2);
+    if (!units)
+        Corrupted();
+    std::u16string text(count, u'\0');
+    for (std::size_t i = 0; i < count; ++i)
+        text[i] = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
     return text;
 }
 
