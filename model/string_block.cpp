@@ -43,10 +43,16 @@ Bytes ReadCountedUnits(Bytes data, std::size_t& offset) {
     return *units;
 }
 
+// The units under 64 that escaping looks at: the zero, the control
+// characters with escapes, and '&'.
+constexpr std::uint64_t kSpecialBelow64 =
+    1ull << 0 | 1ull << 8 | 1ull << 10 | 1ull << 12 | 1ull << 13 | 1ull << u'&';
+
 // A growing buffer of units that is never cleared: its units are written
 // before they are read, so growing it need not fill it.
 class UnitBuffer {
 public:
+    // Room for size units; what it held before may be lost.
     char16_t* Reserve(std::size_t size) {
         if (size > capacity_) {
             units_ = std::make_unique_for_overwrite<char16_t[]>(size);
@@ -54,6 +60,18 @@ public:
         }
         return units_.get();
     }
+    // Room for more units behind the first kept, which stay.
+    char16_t* Grow(std::size_t kept, std::size_t more) {
+        if (more > capacity_ - kept) {
+            const std::size_t size = std::max(2 * capacity_, kept + more);
+            auto units = std::make_unique_for_overwrite<char16_t[]>(size);
+            std::copy_n(units_.get(), kept, units.get());
+            units_ = std::move(units);
+            capacity_ = size;
+        }
+        return units_.get() + kept;
+    }
+    const char16_t* data() const { return units_.get(); }
 
 private:
     std::unique_ptr<char16_t[]> units_;
@@ -80,14 +98,16 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
     const std::uint8_t* from = units.data();
     for (std::size_t i = 0; i < count; ++i) {
         const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
+        // Most units are none of those below.
+        if (c >= 64 ? c != u'\\' : (kSpecialBelow64 >> c & 1) == 0) {
+            *to++ = c;
+            continue;
+        }
         char16_t escape;
         switch (c) {
         case 0:
             text = {start, static_cast<std::size_t>(to - start)};
             return true;
-        case u'\\':
-            escape = u'\\';
-            break;
         case 13:
             escape = u'r';
             break;
@@ -105,9 +125,9 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
                 ++i;
             *to++ = c;
             continue;
-        default:
-            *to++ = c;
-            continue;
+        default: // the backslash
+            escape = u'\\';
+            break;
         }
         *to++ = u'\\';
         *to++ = escape;
@@ -116,6 +136,32 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
     text = {start, static_cast<std::size_t>(to - start)};
     return true;
 }
+
+// A run of text being joined, kept from string to string so that joining
+// allocates nothing once it has grown.
+class TextRun {
+public:
+    // Appends text with the escapes of a string table's text tokens undone:
+    // a run of backslashes, or of '%', shrinks to half its length, rounded up.
+    void AppendUnescaped(std::u16string_view text) {
+        char16_t* to = buffer_.Grow(size_, text.size());
+        const char16_t* const start = to;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            const char16_t c = text[i];
+            *to++ = c;
+            if ((c == u'\\' || c == u'%') && i + 1 < text.size() && text[i + 1] == c)
+                ++i;
+        }
+        size_ += static_cast<std::size_t>(to - start);
+    }
+    bool empty() const { return size_ == 0; }
+    std::u16string_view view() const { return {buffer_.data(), size_}; }
+    void clear() { size_ = 0; }
+
+private:
+    UnitBuffer buffer_;
+    std::size_t size_ = 0;
+};
 
 constexpr WideText kBlank = WideText::Constant(u" ");
 
@@ -133,18 +179,17 @@ void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
 // inline tag in its escaped form, with a blank at either edge moved out of it
 // into a text piece of its own.
 void AppendStringPieces(std::span<const LabelToken> tokens, PieceEntry& entry) {
-    // Reused from string to string, so that joining allocates nothing.
-    thread_local std::u16string text;
+    thread_local TextRun text;
     text.clear();
     auto flush = [&] {
         if (!text.empty()) {
-            entry.push_back(MakeSharedText(WideText(text)));
+            entry.push_back(MakeSharedText(WideText(text.view())));
             text.clear();
         }
     };
     for (const LabelToken& token : tokens) {
         if (token.type == 1) {
-            AppendUnescapedLabelText(text, token.text, LabelKind::String);
+            text.AppendUnescaped(token.text);
             continue;
         }
         flush();
@@ -191,8 +236,7 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     std::u16string_view text;
     if (!ReadEscapedString(data, offset, buffer, text))
         return entry;
-    entry.reserve(8);
-    entry.push_back(MakeStructuralTag(kStringName, StringIdTag(number), 0, 1));
+    WideText openTag = StringIdTag(number);
 
     // Reused too, so that its records and their texts are not reallocated for every string.
     thread_local LabelTokens tokens;
@@ -201,6 +245,16 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     parser.Parse(text, tokens);
     if (tokens.empty())
         throw CParserException(kCorruptedDocumentMessage);
+    // Room for the most pieces the tokens can give: a run of text one, any
+    // other token three; and the string's tags two.
+    std::size_t most = 2;
+    bool inText = false;
+    for (const LabelToken& token : tokens.view()) {
+        most += token.type == 1 ? !inText : 3;
+        inText = token.type == 1;
+    }
+    entry.reserve(most);
+    entry.push_back(MakeStructuralTag(kStringName, std::move(openTag), 0, 1));
     std::u16string& last = tokens.back().text;
     if (!last.empty())
         last.pop_back();
