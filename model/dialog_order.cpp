@@ -33,12 +33,24 @@ struct SortKey {
     std::size_t at;
 };
 
-void MoveToKeys(ControlList& list, std::span<const SortKey> keys) {
-    ControlList sorted;
-    sorted.reserve(list.size());
-    for (const SortKey& key : keys)
-        sorted.push_back(std::move(list[key.at]));
-    list = std::move(sorted);
+// Each control moves once, along the cycles of the order, through one spare.
+void MoveToKeys(ControlList& list, std::span<SortKey> keys) {
+    for (std::size_t first = 0; first < keys.size(); ++first) {
+        if (keys[first].at == first)
+            continue;
+        DialogControl spare = std::move(list[first]);
+        std::size_t to = first;
+        for (;;) {
+            const std::size_t from = keys[to].at;
+            keys[to].at = to; // in place now
+            if (from == first) {
+                list[to] = std::move(spare);
+                break;
+            }
+            list[to] = std::move(list[from]);
+            to = from;
+        }
+    }
 }
 
 } // namespace
@@ -79,43 +91,39 @@ void CDialogItem::PartitionControls(std::size_t start, ControlList& list, bool /
 }
 
 // Each box found goes on behind it in the same list, which is a loop here;
-// only a box within a box goes one level deeper.
+// only a box within a box goes one level deeper. A box that takes nothing
+// leaves the list as it is.
 void CDialogItem::PartitionLevel(std::size_t start, ControlList& list, std::size_t depth) {
     if (depth > kMaxDialogControls)
         throw CParserException(kCorruptedDocumentMessage);
     while (start < list.size()) {
+        std::size_t boxAt = start;
+        while (boxAt < list.size() && !IsGroupBox(list[boxAt]))
+            ++boxAt;
+        if (boxAt == list.size())
+            break;
+        std::size_t firstInside = boxAt + 1;
+        while (firstInside < list.size() && !LiesIn(list[firstInside], list[boxAt]))
+            ++firstInside;
+        start = boxAt + 1;
+        if (firstInside == list.size())
+            continue;
+
         ControlList inside;
+        inside.reserve(list.size() - boxAt);
+        inside.push_back(list[boxAt]);
+        const DialogControl& box = inside.front();
         ControlList outside;
         outside.reserve(list.size());
-        outside.insert(outside.end(), std::make_move_iterator(list.begin()),
-                       std::make_move_iterator(list.begin() + static_cast<std::ptrdiff_t>(start)));
-        std::size_t cursor = start;
-        bool found = false;
-        // Only the box's place is read once it has moved on: a moved control keeps it.
-        const DialogControl* box = nullptr;
-        for (std::size_t at = start; at < list.size(); ++at) {
+        for (std::size_t at = 0; at < list.size(); ++at) {
             DialogControl& control = list[at];
-            if (box != nullptr) {
-                if (LiesIn(control, *box)) {
-                    inside.push_back(std::move(control));
-                    found = true;
-                } else {
-                    outside.push_back(std::move(control));
-                }
-                continue;
-            }
-            ++cursor;
-            if (IsGroupBox(control)) {
-                box = &control;
-                inside.reserve(list.size() - at);
-                inside.push_back(control);
-            }
-            outside.push_back(std::move(control));
+            if (at > boxAt && LiesIn(control, box))
+                inside.push_back(std::move(control));
+            else
+                outside.push_back(std::move(control));
         }
         list = std::move(outside);
-        if (found)
-            PartitionLevel(1, inside, depth + 1);
-        start = cursor;
+        PartitionLevel(1, inside, depth + 1);
     }
     groupLists.push_back(std::move(list));
 }

@@ -1,8 +1,10 @@
 #include "model/string_block.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -11,6 +13,7 @@
 #include "label/grammars/token_pieces.h"
 #include "label/pieces/tag_predicates.h"
 #include "model/text_util.h"
+#include "model/unit_runs.h"
 
 namespace tervane {
 
@@ -43,10 +46,16 @@ Bytes ReadCountedUnits(Bytes data, std::size_t& offset) {
     return *units;
 }
 
-// The units under 64 that escaping looks at: the zero, the control
-// characters with escapes, and '&'.
-constexpr std::uint64_t kSpecialBelow64 =
-    1ull << 0 | 1ull << 8 | 1ull << 10 | 1ull << 12 | 1ull << 13 | 1ull << u'&';
+// Units stored little-endian, copied as units.
+char16_t* CopyUnits(char16_t* to, const std::uint8_t* from, std::size_t count) {
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(to, from, count * 2);
+        return to + count;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        *to++ = static_cast<char16_t>(LoadU16LE(from + 2 * i));
+    return to;
+}
 
 // A growing buffer of units that is never cleared: its units are written
 // before they are read, so growing it need not fill it.
@@ -96,13 +105,14 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
     char16_t* const start = buffer.Reserve(2 * count + 1);
     char16_t* to = start;
     const std::uint8_t* from = units.data();
-    for (std::size_t i = 0; i < count; ++i) {
+    std::size_t i = 0;
+    for (;;) {
+        const std::size_t plain = PlainEscapeRun(from + 2 * i, count - i);
+        to = CopyUnits(to, from + 2 * i, plain);
+        i += plain;
+        if (i == count)
+            break;
         const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
-        // Most units are none of those below.
-        if (c >= 64 ? c != u'\\' : (kSpecialBelow64 >> c & 1) == 0) {
-            *to++ = c;
-            continue;
-        }
         char16_t escape;
         switch (c) {
         case 0:
@@ -124,6 +134,7 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
             if (i + 1 < count && LoadU16LE(from + 2 * (i + 1)) == u'&')
                 ++i;
             *to++ = c;
+            ++i;
             continue;
         default: // the backslash
             escape = u'\\';
@@ -131,6 +142,7 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
         }
         *to++ = u'\\';
         *to++ = escape;
+        ++i;
     }
     *to++ = u' ';
     text = {start, static_cast<std::size_t>(to - start)};
@@ -146,11 +158,16 @@ public:
     void AppendUnescaped(std::u16string_view text) {
         char16_t* to = buffer_.Grow(size_, text.size());
         const char16_t* const start = to;
-        for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::size_t n = text.size();
+        for (std::size_t i = 0;;) {
+            const std::size_t plain = PlainUnescapeRun(text.data() + i, n - i);
+            to = std::copy_n(text.data() + i, plain, to);
+            i += plain;
+            if (i == n)
+                break;
             const char16_t c = text[i];
             *to++ = c;
-            if ((c == u'\\' || c == u'%') && i + 1 < text.size() && text[i + 1] == c)
-                ++i;
+            i += i + 1 < n && text[i + 1] == c ? 2 : 1;
         }
         size_ += static_cast<std::size_t>(to - start);
     }
