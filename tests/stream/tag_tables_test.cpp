@@ -16,7 +16,8 @@ TEST(TagTables, SuccessorTableIsClosedAndKeepsTheDocumentsOrder) {
     const auto& afterTrademarks = table.at("/legaltrademarks");
     EXPECT_EQ(std::count(afterTrademarks.begin(), afterTrademarks.end(), "comments"), 0);
     EXPECT_EQ(table.count("edit"), 0u);
-    const auto& groups = BuildGroupTable().at("menus");
+    const TagTable groupTable = BuildGroupTable();
+    const auto& groups = groupTable.at("menus");
     EXPECT_EQ(std::count(groups.begin(), groups.end(), "/separator"), 1);
 }
 
