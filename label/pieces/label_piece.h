@@ -55,6 +55,11 @@ class CTagLabelPiece : public CLabelPiece {
 public:
     CTagLabelPiece() = default;
     explicit CTagLabelPiece(TagDescriptor descriptor) : tag(std::move(descriptor)) {}
+    // Filled in place: a descriptor built aside would be moved twice.
+    CTagLabelPiece(WideText name, WideText tagText, LONG structural, LONG inlineClass, LONG endTag,
+                   LONG startTag, LONG inlineTag)
+        : tag{std::move(name), std::move(tagText), structural, inlineClass,
+              endTag,          startTag,           inlineTag} {}
 
     const CTagLabelPiece* AsTag() const override { return this; }
 
