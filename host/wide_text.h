@@ -2,7 +2,8 @@
 // An immutable wide text, shared by counting: copies share one block, and a
 // constant made from a literal shares the literal itself, without a block or
 // a count. Reads are those of a std::u16string_view; the text always ends in
-// a zero unit.
+// a zero unit. Blocks of short texts come from the piece pool, as the pieces
+// that hold them do.
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,8 @@
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include "label/pieces/piece_pool.h"
 
 namespace tervane {
 
@@ -48,7 +51,7 @@ public:
     }
     constexpr ~WideText() {
         if (counted_)
-            Release(data_);
+            Release(data_, size_);
     }
 
     constexpr operator std::u16string_view() const noexcept { return {data_, size_}; }
@@ -88,6 +91,10 @@ private:
     static constexpr std::size_t kUnitsAt = sizeof(Header);
     static_assert(kUnitsAt % alignof(char16_t) == 0);
 
+    static constexpr std::size_t BlockSize(std::size_t size) noexcept {
+        return kUnitsAt + (size + 1) * 2;
+    }
+
     static Header* HeaderOf(const char16_t* units) noexcept {
         return reinterpret_cast<Header*>(
             const_cast<char*>(reinterpret_cast<const char*>(units) - kUnitsAt));
@@ -98,7 +105,7 @@ private:
             return;
         if (text.size() >= UINT32_MAX)
             throw std::length_error("wide text too long");
-        char* block = static_cast<char*>(::operator new(kUnitsAt + (text.size() + 1) * 2));
+        char* block = static_cast<char*>(piece_pool::Allocate(BlockSize(text.size())));
         new (block) Header{1};
         auto* units = reinterpret_cast<char16_t*>(block + kUnitsAt);
         text.copy(units, text.size());
@@ -108,13 +115,13 @@ private:
         counted_ = true;
     }
 
-    static void Release(const char16_t* units) noexcept {
+    static void Release(const char16_t* units, std::size_t size) noexcept {
         Header* header = HeaderOf(units);
         // The last owner needs no atomic write: nobody else can see the block.
         if (header->refs.load(std::memory_order_acquire) == 1 ||
             header->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             header->~Header();
-            ::operator delete(static_cast<void*>(header));
+            piece_pool::Free(header, BlockSize(size));
         }
     }
 

@@ -2,9 +2,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace tervane {
 
@@ -26,10 +31,110 @@ constexpr StyleMark kStyleMarks[] = {
     {kComboBoxClass, 0x4000, "CBS_LOWERCASE"},
 };
 
-void AppendNumber(std::string& out, long value) {
-    char digits[24];
-    char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    out += std::string_view(digits, static_cast<std::size_t>(end - digits));
+// A tag's text written narrow into a buffer on the stack and widened in one
+// pass: a control's tag is of a bounded length, whatever the template holds,
+// and all of it is ASCII, which widens unit for unit.
+class TagWriter {
+public:
+    // Literals are copied by their known size.
+    template <std::size_t N> void Add(const char (&text)[N]) { Put(text, N - 1); }
+    void Add(std::string_view text) { Put(text.data(), text.size()); }
+    void Add(char c) { Put(&c, 1); }
+    // The numbers of a template: at most five digits and a sign.
+    void AddNumber(long value) {
+        if (value < -99999 || value > 99999) {
+            char digits[24];
+            char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+            Put(digits, static_cast<std::size_t>(end - digits));
+            return;
+        }
+        if (kRoom - size_ < 6)
+            return;
+        if (value < 0)
+            chars_[size_++] = '-';
+        unsigned magnitude = static_cast<unsigned>(value < 0 ? -value : value);
+        const std::size_t count = magnitude < 10      ? 1
+                                  : magnitude < 100   ? 2
+                                  : magnitude < 1000  ? 3
+                                  : magnitude < 10000 ? 4
+                                                      : 5;
+        for (std::size_t at = size_ + count; at-- > size_; magnitude /= 10)
+            chars_[at] = static_cast<char>('0' + magnitude % 10);
+        size_ += count;
+    }
+    std::string_view Narrow() const { return {chars_, size_}; }
+    WideText Wide() const {
+        char16_t units[kRoom + kSlack];
+        std::size_t at = 0;
+#if defined(__SSE2__)
+        // Sixteen at a time, into the slack behind the end.
+        const __m128i zero = _mm_setzero_si128();
+        for (; at < size_; at += 16) {
+            const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(chars_ + at));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(units + at),
+                             _mm_unpacklo_epi8(narrow, zero));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(units + at + 8),
+                             _mm_unpackhi_epi8(narrow, zero));
+        }
+#endif
+        for (; at < size_; ++at)
+            units[at] = static_cast<unsigned char>(chars_[at]);
+        return WideText(std::u16string_view(units, size_));
+    }
+
+private:
+    // The room holds the longest tag; a text that would not fit is left out whole.
+    void Put(const char* text, std::size_t n) {
+        if (n > kRoom - size_)
+            return;
+        std::memcpy(chars_ + size_, text, n);
+        size_ += n;
+    }
+
+    // Kind, every style mark, four places, an id and the hidden mark, with room to spare.
+    static constexpr std::size_t kRoom = 256;
+    // Whole blocks of sixteen are widened, the last one reaching behind the end.
+    static constexpr std::size_t kSlack = 16;
+    char chars_[kRoom + kSlack];
+    std::size_t size_ = 0;
+};
+
+void WriteStyleMarks(TagWriter& out, WORD classOrdinal, DWORD style) {
+    // Most controls are of a class without marks.
+    if (classOrdinal != kEditClass && classOrdinal != kStaticClass &&
+        classOrdinal != kComboBoxClass)
+        return;
+    bool first = true;
+    for (const StyleMark& mark : kStyleMarks) {
+        if (mark.classOrdinal != classOrdinal || !(style & mark.bit))
+            continue;
+        out.Add(first ? " style=\"" : " ");
+        out.Add(mark.name);
+        first = false;
+    }
+    if (!first)
+        out.Add('"');
+}
+
+void WriteControlTagBody(TagWriter& out, const DialogControl& control, bool withHidden) {
+    out.Add(GetControlKind(control.classOrdinal, control.style));
+    WriteStyleMarks(out, control.classOrdinal, control.style);
+    out.Add(" x=\"");
+    out.AddNumber(control.x);
+    out.Add("\" y=\"");
+    out.AddNumber(control.y);
+    out.Add("\" width=\"");
+    out.AddNumber(control.width);
+    out.Add("\" height=\"");
+    out.AddNumber(control.height);
+    out.Add('"');
+    if (control.id != kNoId) {
+        out.Add(" id=\"");
+        out.AddNumber(control.id);
+        out.Add('"');
+    }
+    if (withHidden && !(control.style & kVisible))
+        out.Add(" hidden=\"yes\"");
 }
 
 struct NamedKind {
@@ -84,47 +189,23 @@ const char* GetControlKind(WORD classOrdinal, DWORD style) {
 }
 
 std::string GetStyleMarks(WORD classOrdinal, DWORD style) {
-    std::string marks;
-    for (const StyleMark& mark : kStyleMarks) {
-        if (mark.classOrdinal != classOrdinal || !(style & mark.bit))
-            continue;
-        marks += marks.empty() ? "\"" : " ";
-        marks += mark.name;
-    }
-    return marks.empty() ? marks : " style=" + marks + "\"";
+    TagWriter marks;
+    WriteStyleMarks(marks, classOrdinal, style);
+    return std::string(marks.Narrow());
 }
 
 std::string ControlTagBody(const DialogControl& control, bool withHidden) {
-    std::string body;
-    body.reserve(128);
-    body += GetControlKind(control.classOrdinal, control.style);
-    body += GetStyleMarks(control.classOrdinal, control.style);
-    const std::pair<const char*, long> place[] = {{" x=\"", control.x},
-                                                  {" y=\"", control.y},
-                                                  {" width=\"", control.width},
-                                                  {" height=\"", control.height}};
-    for (const auto& [name, value] : place) {
-        body += name;
-        AppendNumber(body, value);
-        body += '"';
-    }
-    if (control.id != kNoId) {
-        body += " id=\"";
-        AppendNumber(body, control.id);
-        body += '"';
-    }
-    if (withHidden && !(control.style & kVisible))
-        body += " hidden=\"yes\"";
-    return body;
+    TagWriter body;
+    WriteControlTagBody(body, control, withHidden);
+    return std::string(body.Narrow());
 }
 
-std::u16string ControlStartTag(const DialogControl& control, bool withHidden) {
-    // All of the body is ASCII, which widens unit for unit.
-    const std::string body = ControlTagBody(control, withHidden);
-    std::u16string tag(body.size() + 2, u'<');
-    std::copy(body.begin(), body.end(), tag.begin() + 1);
-    tag.back() = u'>';
-    return tag;
+WideText ControlStartTag(const DialogControl& control, bool withHidden) {
+    TagWriter tag;
+    tag.Add('<');
+    WriteControlTagBody(tag, control, withHidden);
+    tag.Add('>');
+    return tag.Wide();
 }
 
 std::string DialogTagBody(const std::string& identifier) {

@@ -32,7 +32,7 @@ inline constexpr const char* kNoPrefixMark = "\"SS_NOPREFIX";
 // it is 0xFFFF, and hidden="yes" for an invisible control when asked.
 std::string ControlTagBody(const DialogControl& control, bool withHidden);
 // The whole start tag, "<" body ">", built wide.
-std::u16string ControlStartTag(const DialogControl& control, bool withHidden);
+WideText ControlStartTag(const DialogControl& control, bool withHidden);
 
 // The body of the dialog's start tag: dialog id="IDENTIFIER".
 std::string DialogTagBody(const std::string& identifier);

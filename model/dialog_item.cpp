@@ -55,8 +55,8 @@ void TraceWithIdentifier(const char* format, const std::string& identifier) {
     Trace(buffer.data());
 }
 
-std::u16string TitleText(const OptionalText& title) {
-    return title ? title->substr(0, kMaxTitleLength) : std::u16string();
+std::u16string_view TitleText(const OptionalText& title) {
+    return title ? std::u16string_view(*title).substr(0, kMaxTitleLength) : std::u16string_view();
 }
 
 constexpr WideText kDialogName = WideText::Constant(u"dialog");
@@ -114,7 +114,7 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
 
     CDialogTemplateReader reader;
     header = reader.ReadHeader(data);
-    const std::u16string title = TitleText(header.title);
+    const std::u16string_view title = TitleText(header.title);
 
     if (header.itemCount == 0) {
         if (title.empty()) {
@@ -157,6 +157,8 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
 
 void CDialogItem::ReadAndEmitControls(CDialogTemplateReader& reader) {
     controls.clear();
+    controls.reserve(header.itemCount);
+    emittedControls.reserve(emittedControls.size() + header.itemCount);
     for (WORD place = 0; place < header.itemCount; ++place) {
         DialogControl control = reader.ReadControl();
         control.tabIndex = place;
@@ -214,7 +216,7 @@ void CDialogItem::EmitControl(const DialogControl& control) {
     const char* kind = GetControlKind(control.classOrdinal, control.style);
     if (Contains(kind, "unknown"))
         return;
-    const std::u16string title = TitleText(control.title);
+    const std::u16string_view title = TitleText(control.title);
     const std::string marks = GetStyleMarks(control.classOrdinal, control.style);
     const ControlKindTags& tags = GetControlKindTags(kind);
 

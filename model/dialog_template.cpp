@@ -49,9 +49,23 @@ WORD CDialogTemplateReader::PeekWord() {
 }
 
 std::u16string CDialogTemplateReader::Text() {
-    std::u16string text;
-    for (WORD unit = Word(); unit != 0; unit = Word())
-        text += static_cast<char16_t>(unit);
+    // Measured first, so that the text is made in one piece.
+    ByteReader ahead = reader_;
+    std::size_t count = 0;
+    for (;;) {
+        auto unit = ahead.ReadU16LE();
+        if (!unit)
+            Corrupted();
+        if (*unit == 0)
+            break;
+        ++count;
+    }
+    auto units = reader_.ReadBytes(count * 2 + 2);
+    if (!units)
+        Corrupted();
+    std::u16string text(count, u'\0');
+    for (std::size_t i = 0; i < count; ++i)
+        text[i] = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
     return text;
 }
 
@@ -123,21 +137,28 @@ DialogHeader CDialogTemplateReader::ReadHeader(Bytes data) {
 
 DialogControl CDialogTemplateReader::ReadControl() {
     DialogControl control;
+    // The fields before the class come in one read, at fixed places.
+    auto fixed = reader_.ReadBytes(isExtended ? 24 : 18);
+    if (!fixed)
+        Corrupted();
+    const std::uint8_t* field = fixed->data();
     if (isExtended) {
-        control.helpId = Dword();
-        control.extendedStyle = Dword();
-        control.style = Dword();
+        control.helpId = LoadU32LE(field);
+        control.extendedStyle = LoadU32LE(field + 4);
+        control.style = LoadU32LE(field + 8);
+        field += 12;
     } else {
-        control.style = Dword();
-        control.extendedStyle = Dword();
+        control.style = LoadU32LE(field);
+        control.extendedStyle = LoadU32LE(field + 4);
+        field += 8;
     }
-    control.x = static_cast<std::int16_t>(Word());
-    control.y = static_cast<std::int16_t>(Word());
-    control.width = static_cast<std::int16_t>(Word());
-    control.height = static_cast<std::int16_t>(Word());
-    control.id = Word();
+    control.x = static_cast<std::int16_t>(LoadU16LE(field));
+    control.y = static_cast<std::int16_t>(LoadU16LE(field + 2));
+    control.width = static_cast<std::int16_t>(LoadU16LE(field + 4));
+    control.height = static_cast<std::int16_t>(LoadU16LE(field + 6));
+    control.id = LoadU16LE(field + 8);
     if (isExtended)
-        control.idHigh = Word();
+        control.idHigh = LoadU16LE(field + 10);
 
     if (PeekWord() == kOrdinalMark) {
         Word();

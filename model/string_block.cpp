@@ -1,8 +1,11 @@
 #include "model/string_block.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
+#include <memory>
 #include <utility>
 
 #include "frame/diagnostics/exceptions.h"
@@ -10,6 +13,7 @@
 #include "label/grammars/token_pieces.h"
 #include "label/pieces/tag_predicates.h"
 #include "model/text_util.h"
+#include "model/unit_runs.h"
 
 namespace tervane {
 
@@ -42,25 +46,78 @@ Bytes ReadCountedUnits(Bytes data, std::size_t& offset) {
     return *units;
 }
 
+// Units stored little-endian, copied as units.
+char16_t* CopyUnits(char16_t* to, const std::uint8_t* from, std::size_t count) {
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(to, from, count * 2);
+        return to + count;
+    }
+    for (std::size_t i = 0; i < count; ++i)
+        *to++ = static_cast<char16_t>(LoadU16LE(from + 2 * i));
+    return to;
+}
+
+// A growing buffer of units that is never cleared: its units are written
+// before they are read, so growing it need not fill it.
+class UnitBuffer {
+public:
+    // Room for size units; what it held before may be lost.
+    char16_t* Reserve(std::size_t size) {
+        if (size > capacity_) {
+            units_ = std::make_unique_for_overwrite<char16_t[]>(size);
+            capacity_ = size;
+        }
+        return units_.get();
+    }
+    // Room for more units behind the first kept, which stay.
+    char16_t* Grow(std::size_t kept, std::size_t more) {
+        if (more > capacity_ - kept) {
+            const std::size_t size = std::max(2 * capacity_, kept + more);
+            auto units = std::make_unique_for_overwrite<char16_t[]>(size);
+            std::copy_n(units_.get(), kept, units.get());
+            units_ = std::move(units);
+            capacity_ = size;
+        }
+        return units_.get() + kept;
+    }
+    const char16_t* data() const { return units_.get(); }
+
+private:
+    std::unique_ptr<char16_t[]> units_;
+    std::size_t capacity_ = 0;
+};
+
 // The string at offset, moved behind it, with the control characters as the
 // two-character escapes the lexer reads; '&' is plain text in a string
 // table, so a doubled one is a single one. Escaping makes no '&', so the
-// pairs are those of the string itself.
-void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
+// pairs are those of the string itself. The parser reads a null-terminated
+// text, so the escaping stops at a zero unit; a text without one gets a
+// blank at its end, which keeps a conversion at the very end from reaching
+// the end of input. False for a string without units, which has no entry;
+// one that starts with a zero unit has one, made from an empty text.
+bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
+                       std::u16string_view& text) {
     const Bytes units = ReadCountedUnits(data, offset);
-    // Written through a pointer into room for the longest result (every unit
-    // escaped, and the blank that ParseString adds), then cut to size.
     const std::size_t count = units.size() / 2;
-    out.resize(2 * count + 1);
-    char16_t* to = out.data();
+    if (count == 0)
+        return false;
+    // Room for the longest result: every unit escaped, and the blank.
+    char16_t* const start = buffer.Reserve(2 * count + 1);
+    char16_t* to = start;
     const std::uint8_t* from = units.data();
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
-        char16_t escape = 0;
-        switch (c) {
-        case u'\\':
-            escape = u'\\';
+    std::size_t i = 0;
+    for (;;) {
+        const std::size_t plain = PlainEscapeRun(from + 2 * i, count - i);
+        to = CopyUnits(to, from + 2 * i, plain);
+        i += plain;
+        if (i == count)
             break;
+        const auto c = static_cast<char16_t>(LoadU16LE(from + 2 * i));
+        char16_t escape;
+        switch (c) {
+        case 0:
+            text = {start, static_cast<std::size_t>(to - start)};
+            return true;
         case 13:
             escape = u'r';
             break;
@@ -76,23 +133,60 @@ void ReadEscapedString(Bytes data, std::size_t& offset, std::u16string& out) {
         case u'&':
             if (i + 1 < count && LoadU16LE(from + 2 * (i + 1)) == u'&')
                 ++i;
+            *to++ = c;
+            ++i;
+            continue;
+        default: // the backslash
+            escape = u'\\';
             break;
         }
-        if (escape != 0) {
-            *to++ = u'\\';
-            *to++ = escape;
-        } else {
-            *to++ = c;
-        }
+        *to++ = u'\\';
+        *to++ = escape;
+        ++i;
     }
-    out.resize(static_cast<std::size_t>(to - out.data()));
+    *to++ = u' ';
+    text = {start, static_cast<std::size_t>(to - start)};
+    return true;
 }
+
+// A run of text being joined, kept from string to string so that joining
+// allocates nothing once it has grown.
+class TextRun {
+public:
+    // Appends text with the escapes of a string table's text tokens undone:
+    // a run of backslashes, or of '%', shrinks to half its length, rounded up.
+    void AppendUnescaped(std::u16string_view text) {
+        char16_t* to = buffer_.Grow(size_, text.size());
+        const char16_t* const start = to;
+        const std::size_t n = text.size();
+        for (std::size_t i = 0;;) {
+            const std::size_t plain = PlainUnescapeRun(text.data() + i, n - i);
+            to = std::copy_n(text.data() + i, plain, to);
+            i += plain;
+            if (i == n)
+                break;
+            const char16_t c = text[i];
+            *to++ = c;
+            i += i + 1 < n && text[i + 1] == c ? 2 : 1;
+        }
+        size_ += static_cast<std::size_t>(to - start);
+    }
+    bool empty() const { return size_ == 0; }
+    std::u16string_view view() const { return {buffer_.data(), size_}; }
+    void clear() { size_ = 0; }
+
+private:
+    UnitBuffer buffer_;
+    std::size_t size_ = 0;
+};
+
+constexpr WideText kBlank = WideText::Constant(u" ");
 
 // An inline tag, with a blank at its end moved behind it.
 void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
     if (!t.empty() && t.back() == u' ') {
-        entry.push_back(MakeInlineTag(TrimRight(t)));
-        entry.push_back(MakeText(u" "));
+        entry.push_back(MakeInlineTag(TrimRightView(t)));
+        entry.push_back(MakeSharedText(kBlank));
     } else {
         entry.push_back(MakeInlineTag(t));
     }
@@ -102,22 +196,24 @@ void AppendInlineTag(std::u16string_view t, PieceEntry& entry) {
 // inline tag in its escaped form, with a blank at either edge moved out of it
 // into a text piece of its own.
 void AppendStringPieces(std::span<const LabelToken> tokens, PieceEntry& entry) {
-    std::u16string text;
+    thread_local TextRun text;
+    text.clear();
     auto flush = [&] {
-        if (!text.empty())
-            entry.push_back(std::make_unique<CTextLabelPiece>(std::exchange(text, {})));
+        if (!text.empty()) {
+            entry.push_back(MakeSharedText(WideText(text.view())));
+            text.clear();
+        }
     };
     for (const LabelToken& token : tokens) {
         if (token.type == 1) {
-            AppendUnescapedLabelText(text, token.text, LabelKind::String);
+            text.AppendUnescaped(token.text);
             continue;
         }
         flush();
         std::u16string_view t = token.text;
         if (!t.empty() && t.front() == u' ') {
-            std::u16string trimmed = TrimLeft(t);
-            entry.push_back(MakeText(u" "));
-            AppendInlineTag(trimmed, entry);
+            entry.push_back(MakeSharedText(kBlank));
+            AppendInlineTag(TrimLeftView(t), entry);
         } else {
             AppendInlineTag(t, entry);
         }
@@ -153,17 +249,12 @@ std::u16string ReadCountedString(Bytes data, std::size_t& offset) {
 PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, long number) {
     PieceEntry entry;
     // Reused from string to string: its storage outlives the call.
-    thread_local std::u16string text;
-    ReadEscapedString(data, offset, text);
-    if (text.empty())
+    thread_local UnitBuffer buffer;
+    std::u16string_view text;
+    if (!ReadEscapedString(data, offset, buffer, text))
         return entry;
-    entry.reserve(8);
-    entry.push_back(MakeStructuralTag(kStringName, StringIdTag(number), 0, 1));
+    WideText openTag = StringIdTag(number);
 
-    // The blank keeps a conversion at the very end from reaching the end of input.
-    text += u' ';
-    // The parser reads a null-terminated text: what stands behind a NUL is lost.
-    text.resize(std::min(text.size(), text.find(u'\0')));
     // Reused too, so that its records and their texts are not reallocated for every string.
     thread_local LabelTokens tokens;
     tokens.clear();
@@ -171,6 +262,16 @@ PieceEntry ParseString(Bytes data, std::size_t& offset, CLabelParser& parser, lo
     parser.Parse(text, tokens);
     if (tokens.empty())
         throw CParserException(kCorruptedDocumentMessage);
+    // Room for the most pieces the tokens can give: a run of text one, any
+    // other token three; and the string's tags two.
+    std::size_t most = 2;
+    bool inText = false;
+    for (const LabelToken& token : tokens.view()) {
+        most += token.type == 1 ? !inText : 3;
+        inText = token.type == 1;
+    }
+    entry.reserve(most);
+    entry.push_back(MakeStructuralTag(kStringName, std::move(openTag), 0, 1));
     std::u16string& last = tokens.back().text;
     if (!last.empty())
         last.pop_back();

@@ -24,18 +24,26 @@ bool IsWideSpace(char16_t c) {
     }
 }
 
-std::u16string TrimLeft(std::u16string_view text) {
+std::u16string_view TrimLeftView(std::u16string_view text) {
     std::size_t at = 0;
     while (at < text.size() && IsWideSpace(text[at]))
         ++at;
-    return std::u16string(text.substr(at));
+    return text.substr(at);
 }
 
-std::u16string TrimRight(std::u16string_view text) {
+std::u16string_view TrimRightView(std::u16string_view text) {
     std::size_t end = text.size();
     while (end > 0 && IsWideSpace(text[end - 1]))
         --end;
-    return std::u16string(text.substr(0, end));
+    return text.substr(0, end);
+}
+
+std::u16string TrimLeft(std::u16string_view text) {
+    return std::u16string(TrimLeftView(text));
+}
+
+std::u16string TrimRight(std::u16string_view text) {
+    return std::u16string(TrimRightView(text));
 }
 
 } // namespace tervane

@@ -1,5 +1,11 @@
 #include "stream/tag_words.h"
 
+#include <bit>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace tervane {
 
 namespace {
@@ -67,19 +73,38 @@ TagWords FindTagWords(std::u16string_view text) {
         1u << ('r' - 'a') | 1u << ('s' - 'a');
     TagWords words;
     const char16_t* const data = text.data();
-    for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::size_t size = text.size();
+    auto look = [&](std::size_t at) {
         const unsigned letter = static_cast<unsigned>(data[at]) - u'a';
         if (letter >= 26 || (kFirstLetters >> letter & 1) == 0)
-            continue;
-        const std::uint32_t bits = WordsAt(data + at, text.size() - at);
+            return;
+        const std::uint32_t bits = WordsAt(data + at, size - at);
         if (bits == 0)
-            continue;
+            return;
         words.found |= bits;
         if (at == 0)
             words.atStart |= bits;
         else if (data[at - 1] == u'/')
             words.afterSlash |= bits;
+    };
+    std::size_t at = 0;
+#if defined(__SSE2__)
+    // Eight units at a time, only those from 'b' to 's' looked at: digits,
+    // quotes, blanks and most of the attribute names are passed over.
+    const __m128i first = _mm_set1_epi16(u'b');
+    const __m128i span = _mm_set1_epi16(u's' - u'b');
+    for (; size - at >= 8; at += 8) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + at));
+        const __m128i offset = _mm_sub_epi16(block, first);
+        const __m128i inside = _mm_cmpeq_epi16(_mm_subs_epu16(offset, span), _mm_setzero_si128());
+        // Two bits a unit; the lower one stands for it.
+        for (unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(inside)) & 0x5555u; mask != 0;
+             mask &= mask - 1)
+            look(at + static_cast<std::size_t>(std::countr_zero(mask)) / 2);
     }
+#endif
+    for (; at < size; ++at)
+        look(at);
     return words;
 }
 

@@ -1,19 +1,30 @@
+#include <cstring>
+
 #include "model/menu_resource.h"
 #include "stream/output_visitor.h"
 #include "stream/tag_words.h"
 
 namespace tervane {
 
+namespace {
+
+// The tag is the word, told by its size before its units.
+template <std::size_t N> bool Is(std::u16string_view text, const char16_t (&word)[N]) {
+    return text.size() == N - 1 && std::memcmp(text.data(), word, (N - 1) * sizeof(char16_t)) == 0;
+}
+
+} // namespace
+
 // "Contains after the start" is a search that ignores a match at the
 // text's first character.
 void COutputVisitor::SendMenuTag(const TagDescriptor& tag, bool root) {
     const std::u16string_view text = tag.tagText;
     const TagWords words = FindTagWords(text);
-    const bool closesMenu = text == u"</menu>";
+    const bool closesMenu = Is(text, u"</menu>");
     if (closesMenu)
         --level_;
-    if (text == u"<menu>" || closesMenu || text == u"<item>" ||
-        words.FirstAfterStart(kWordItemId) || text == u"<separator/>") {
+    if (Is(text, u"<menu>") || closesMenu || Is(text, u"<item>") ||
+        words.FirstAfterStart(kWordItemId) || Is(text, u"<separator/>")) {
         if (level_ > 0)
             SendIndent(level_);
     }
@@ -24,7 +35,7 @@ void COutputVisitor::SendMenuTag(const TagDescriptor& tag, bool root) {
     const bool opensMenu = words.FirstAfterStart(kWordMenu);
     if (opensMenu && !closesMenu)
         ++level_;
-    if (text == u"</item>" || opensMenu || words.FirstAfterStart(kWordSeparator))
+    if (Is(text, u"</item>") || opensMenu || words.FirstAfterStart(kWordSeparator))
         SendNewLine();
 }
 

@@ -20,19 +20,10 @@ WideText WidenTagText(std::string_view text) {
     return WideText(std::u16string_view(units, text.size()));
 }
 
-// Pieces are filled in place: a descriptor built aside would be moved twice.
 std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagText, LONG endTag,
                                                   LONG startTag) {
-    auto piece = std::make_unique<CTagLabelPiece>();
-    TagDescriptor& tag = piece->tag;
-    tag.name = std::move(name);
-    tag.tagText = std::move(tagText);
-    tag.structural = 1;
-    tag.inlineClass = 0;
-    tag.endTag = endTag;
-    tag.startTag = startTag;
-    tag.inlineTag = 0;
-    return piece;
+    return std::make_unique<CTagLabelPiece>(std::move(name), std::move(tagText), 1, 0, endTag,
+                                            startTag, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText) {
@@ -62,21 +53,18 @@ std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::u16string_view name,
 }
 
 std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text) {
-    auto piece = std::make_unique<CTagLabelPiece>();
-    TagDescriptor& tag = piece->tag;
     // Name and tag text are one text: one block for both.
-    tag.tagText = WideText(text);
-    tag.name = tag.tagText;
-    tag.structural = 0;
-    tag.inlineClass = 1;
-    tag.endTag = 0;
-    tag.startTag = 0;
-    tag.inlineTag = 1;
-    return piece;
+    WideText tagText(text);
+    WideText name = tagText;
+    return std::make_unique<CTagLabelPiece>(std::move(name), std::move(tagText), 0, 1, 0, 0, 1);
 }
 
 std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text) {
-    return std::make_unique<CTextLabelPiece>(std::u16string(text));
+    return std::make_unique<CTextLabelPiece>(WideText(text));
+}
+
+std::unique_ptr<CTextLabelPiece> MakeSharedText(WideText text) {
+    return std::make_unique<CTextLabelPiece>(std::move(text));
 }
 
 std::unique_ptr<CLabelPiece> ClonePiece(const CLabelPiece& piece) {
@@ -99,9 +87,9 @@ std::u16string JoinLabel(const CLabelPieceList& pieces) {
     std::u16string label;
     for (const auto& piece : pieces) {
         if (const CTextLabelPiece* text = TextOf(*piece)) {
-            label += text->text;
+            label += text->text.view();
         } else if (const TagDescriptor* tag = TagOf(*piece); tag != nullptr && tag->inlineTag) {
-            label += tag->tagText;
+            label += tag->tagText.view();
         }
     }
     return label;

@@ -55,6 +55,11 @@ class CTagLabelPiece : public CLabelPiece {
 public:
     CTagLabelPiece() = default;
     explicit CTagLabelPiece(TagDescriptor descriptor) : tag(std::move(descriptor)) {}
+    // Filled in place: a descriptor built aside would be moved twice.
+    CTagLabelPiece(WideText name, WideText tagText, LONG structural, LONG inlineClass, LONG endTag,
+                   LONG startTag, LONG inlineTag)
+        : tag{std::move(name), std::move(tagText), structural, inlineClass,
+              endTag,          startTag,           inlineTag} {}
 
     const CTagLabelPiece* AsTag() const override { return this; }
 
@@ -64,16 +69,18 @@ public:
 class CTextLabelPiece : public CLabelPiece {
 public:
     CTextLabelPiece() = default;
-    explicit CTextLabelPiece(std::u16string t) : text(std::move(t)) {}
+    explicit CTextLabelPiece(WideText t) : text(std::move(t)) {}
 
     const CTextLabelPiece* AsText() const override { return this; }
 
-    std::u16string text;
+    // Shared by counting, as tag texts are: copies of a piece share it.
+    WideText text;
     LONG inSegment = 0; // 1 if the text came between the host's segment marks
 };
 
 // A list owns its pieces, in document order.
-using CLabelPieceList = std::vector<std::unique_ptr<CLabelPiece>>;
+using CLabelPieceList =
+    std::vector<std::unique_ptr<CLabelPiece>, piece_pool::Allocator<std::unique_ptr<CLabelPiece>>>;
 
 // A narrow name or tag text widened with the process's code page.
 WideText WidenTagText(std::string_view text);
@@ -92,6 +99,8 @@ std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name, std::u16s
 std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::u16string_view name, std::u16string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeInlineTag(std::u16string_view text);
 std::unique_ptr<CTextLabelPiece> MakeText(std::u16string_view text);
+// A text piece that shares text.
+std::unique_ptr<CTextLabelPiece> MakeSharedText(WideText text);
 
 // The tag of a piece, or null for text and plain pieces.
 inline const TagDescriptor* TagOf(const CLabelPiece& piece) {

@@ -7,6 +7,8 @@
 // back, whichever thread freed it. Under the sanitizers every block comes from
 // the heap, so that misuse stays visible. The common paths are inline.
 #include <cstddef>
+#include <cstdint>
+#include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define TERVANE_PIECE_POOL 0
@@ -85,5 +87,19 @@ inline void Free(void* block, std::size_t size) noexcept {
     *static_cast<void**>(block) = list.head;
     list.head = block;
 }
+
+// For the containers of pieces: their small arrays come from the pool too.
+template <typename T> struct Allocator {
+    using value_type = T;
+    Allocator() noexcept = default;
+    template <typename U> Allocator(const Allocator<U>&) noexcept {}
+    T* allocate(std::size_t n) {
+        if (n > SIZE_MAX / sizeof(T))
+            throw std::bad_array_new_length();
+        return static_cast<T*>(Allocate(n * sizeof(T)));
+    }
+    void deallocate(T* block, std::size_t n) noexcept { Free(block, n * sizeof(T)); }
+    template <typename U> bool operator==(const Allocator<U>&) const noexcept { return true; }
+};
 
 } // namespace tervane::piece_pool

@@ -1,5 +1,7 @@
 #include "label/pieces/tag_predicates.h"
 
+#include "label/pieces/label_piece.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -125,6 +127,41 @@ TEST(LabelPieces, NarrowNamesAndTagTextsAreWidened) {
     EXPECT_EQ(open->tag.tagText, u"<menu id=\"\u20AC\">");
     // A byte that is no UTF-8 becomes the replacement character.
     EXPECT_EQ(MakeCloseTag("menu", "</m\xFFnu>")->tag.tagText, u"</m\uFFFDnu>");
+}
+
+// Texts of every length about the largest pooled block, made, shared, freed
+// and made again in the freed blocks: no text reaches into another's block.
+TEST(LabelPieces, TextsOfEveryLengthKeepTheirUnits) {
+    const auto text = [](std::size_t length, char16_t seed) {
+        std::u16string units(length, u'\0');
+        for (std::size_t i = 0; i < length; ++i)
+            units[i] = static_cast<char16_t>(seed + i % 7);
+        return units;
+    };
+    CLabelPieceList pieces;
+    for (char16_t round : {u'a', u'k'}) {
+        for (std::size_t length = 0; length < 140; ++length) {
+            pieces.push_back(MakeText(text(length, round)));
+            pieces.push_back(MakeInlineTag(text(length, static_cast<char16_t>(round + 1))));
+            pieces.push_back(ClonePiece(*pieces.back()));
+        }
+        if (round == u'a') // every other one freed, for the next round to reuse
+            for (std::size_t at = 0; at < pieces.size(); at += 2)
+                pieces[at].reset();
+    }
+    for (std::size_t at = 0; at < pieces.size(); ++at) {
+        if (!pieces[at])
+            continue;
+        const std::size_t length = at / 3 % 140;
+        const auto round = static_cast<char16_t>(at < 420 ? u'a' : u'k');
+        if (const CTextLabelPiece* piece = TextOf(*pieces[at])) {
+            EXPECT_EQ(piece->text.view(), text(length, round)) << at;
+        } else {
+            const TagDescriptor& tag = *TagOf(*pieces[at]);
+            EXPECT_EQ(tag.tagText.view(), text(length, static_cast<char16_t>(round + 1))) << at;
+            EXPECT_EQ(tag.name.view(), tag.tagText.view()) << at;
+        }
+    }
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "frame/diagnostics/exceptions.h"
+#include "model/dialog_controls.h"
 #include "model/dialog_item.h"
 #include "model/dialog_resource.h"
 #include "model/dlginit_table.h"
@@ -164,6 +165,19 @@ TEST(DialogItem, WhatADialogGives) {
         {"a box whose title is a number gives its content to its level",
          {numberedBox, Label(10, 10, 2, u"A")},
          "<dialog id=\"7\"><items><label id=\"2\">[A]</label></items></dialog>"},
+        {"a box that takes nothing, then one that does, and a box within it",
+         {Box(0, 0, 20, 20, u"A"), Label(150, 10, 2, u"out"), Box(40, 40, 100, 100, u"B"),
+          Box(70, 70, 30, 30, u"C"), Label(60, 60, 3, u"in"), Label(80, 80, 4, u"deep")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[A]</caption></groupbox>"
+         "<label id=\"2\">[out]</label><groupbox id=\"1\"><caption>[B]</caption><items>"
+         "<groupbox id=\"1\"><caption>[C]</caption><items><label id=\"4\">[deep]</label>"
+         "</items></groupbox><label id=\"3\">[in]</label></items></groupbox></items></dialog>"},
+        {"template order is not the order on screen",
+         {Label(0, 30, 2, u"C"), Box(0, 0, 50, 50, u"Box"), Label(0, 10, 3, u"A"),
+          Label(5, 60, 4, u"D"), Label(0, 20, 5, u"B")},
+         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[Box]</caption><items>"
+         "<label id=\"2\">[C]</label><label id=\"3\">[A]</label><label id=\"5\">[B]</label>"
+         "</items></groupbox><label id=\"4\">[D]</label></items></dialog>"},
         // The exchanges put Q before P, so Q lies before the box and is not in it.
         {"a label on the spot of a box, by the exchanges",
          {Box(0, 10, 100, 100, u"Box"), Label(0, 10, 2, u"Q"), Label(0, 0, 3, u"R")},
@@ -177,6 +191,40 @@ TEST(DialogItem, WhatADialogGives) {
             dialog.extended = extended;
             EXPECT_EQ(Spell(Parse(dialog).pieces), c.spelt) << c.what;
         }
+    }
+}
+
+// The start tag of a control, at the edges of what a template can hold.
+TEST(DialogControls, StartTagsAtTheEdges) {
+    const auto control = [](WORD classOrdinal, DWORD style, std::int16_t x, std::int16_t y,
+                            std::int16_t width, std::int16_t height, WORD id) {
+        DialogControl c;
+        c.classOrdinal = classOrdinal;
+        c.style = style;
+        c.x = x;
+        c.y = y;
+        c.width = width;
+        c.height = height;
+        c.id = id;
+        return c;
+    };
+    const std::pair<DialogControl, std::u16string_view> cases[] = {
+        {control(0x82, kVisible, 0, 9, 10, 99, 0),
+         u"<label x=\"0\" y=\"9\" width=\"10\" height=\"99\" id=\"0\">"},
+        {control(0x80, 0x09, -32768, 32767, -1, -10000, 0xFFFF),
+         u"<radiobutton x=\"-32768\" y=\"32767\" width=\"-1\" height=\"-10000\" "
+         u"hidden=\"yes\">"},
+        {control(0x81, kVisible | 0x2038, 100, 1000, 9999, 12345, 65534),
+         u"<edit style=\"ES_UPPERCASE ES_LOWERCASE ES_PASSWORD ES_NUMBER\" x=\"100\" "
+         u"y=\"1000\" width=\"9999\" height=\"12345\" id=\"65534\">"},
+        {control(0x82, kVisible | 0x80, 1, 2, 3, 4, 5),
+         u"<label style=\"SS_NOPREFIX\" x=\"1\" y=\"2\" width=\"3\" height=\"4\" id=\"5\">"},
+    };
+    for (const auto& [c, expected] : cases) {
+        EXPECT_EQ(std::u16string_view(ControlStartTag(c, true)), expected);
+        const std::string body = ControlTagBody(c, true);
+        EXPECT_EQ(std::u16string(body.begin(), body.end()),
+                  expected.substr(1, expected.size() - 2));
     }
 }
 

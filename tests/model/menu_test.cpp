@@ -182,9 +182,12 @@ std::unique_ptr<CMenuResource> SourceMenu(const std::string& id) {
 void Flatten(const MenuItemRecord& record, CLabelPieceList& out) {
     for (const auto& piece : record.pieces) {
         out.push_back(ClonePiece(*piece));
-        if (auto* text = dynamic_cast<CTextLabelPiece*>(out.back().get()))
-            for (char16_t& c : text->text)
+        if (auto* text = dynamic_cast<CTextLabelPiece*>(out.back().get())) {
+            std::u16string upper = text->text.str();
+            for (char16_t& c : upper)
                 c = (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - 32) : c;
+            text->text = upper;
+        }
     }
     for (const MenuItemRecord& child : record.children)
         Flatten(child, out);

@@ -39,7 +39,7 @@ inline std::string Spell(const CLabelPieceList& pieces) {
     std::u16string out;
     for (const auto& piece : pieces) {
         if (const auto* text = TextOf(*piece))
-            out += u"[" + text->text + u"]";
+            out += u"[" + text->text.str() + u"]";
         else if (const auto* tag = TagOf(*piece))
             out += tag->inlineTag ? u"{" + tag->tagText.str() + u"}" : tag->tagText.str();
     }
