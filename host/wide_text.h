@@ -13,7 +13,7 @@
 #include <string_view>
 #include <utility>
 
-#include "label/pieces/piece_pool.h"
+#include "platform/memory/block_pool.h"
 
 namespace tervane {
 
@@ -105,7 +105,7 @@ private:
             return;
         if (text.size() >= UINT32_MAX)
             throw std::length_error("wide text too long");
-        char* block = static_cast<char*>(piece_pool::Allocate(BlockSize(text.size())));
+        char* block = static_cast<char*>(block_pool::Allocate(BlockSize(text.size())));
         new (block) Header{1};
         auto* units = reinterpret_cast<char16_t*>(block + kUnitsAt);
         text.copy(units, text.size());
@@ -121,7 +121,7 @@ private:
         if (header->refs.load(std::memory_order_acquire) == 1 ||
             header->refs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
             header->~Header();
-            piece_pool::Free(header, BlockSize(size));
+            block_pool::Free(header, BlockSize(size));
         }
     }
 

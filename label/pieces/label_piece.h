@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/tag_descriptor.h"
-#include "label/pieces/piece_pool.h"
+#include "platform/memory/block_pool.h"
 #include "platform/win32/types.h"
 
 namespace tervane {
@@ -38,9 +38,9 @@ public:
 
     // Pieces come from this thread's pool; the size is that of the piece's
     // own type.
-    static void* operator new(std::size_t size) { return piece_pool::Allocate(size); }
+    static void* operator new(std::size_t size) { return block_pool::Allocate(size); }
     static void operator delete(void* block, std::size_t size) noexcept {
-        piece_pool::Free(block, size);
+        block_pool::Free(block, size);
     }
 
     // The piece as a tag or a text piece, or null: what a dynamic_cast would
@@ -80,7 +80,7 @@ public:
 
 // A list owns its pieces, in document order.
 using CLabelPieceList =
-    std::vector<std::unique_ptr<CLabelPiece>, piece_pool::Allocator<std::unique_ptr<CLabelPiece>>>;
+    std::vector<std::unique_ptr<CLabelPiece>, block_pool::Allocator<std::unique_ptr<CLabelPiece>>>;
 
 // A narrow name or tag text widened with the process's code page.
 WideText WidenTagText(std::string_view text);

@@ -1,7 +1,7 @@
 #pragma once
-// Blocks for label pieces, carved from larger chunks and recycled per thread:
-// a module makes hundreds of thousands of pieces, keeps them all to the end
-// and frees them together. A freed block waits on its thread's list of its
+// Small blocks for label pieces and their texts, carved from larger chunks and
+// recycled per thread: a module makes hundreds of thousands of pieces, keeps
+// them all to the end and frees them together. A freed block waits on its thread's list of its
 // size; when the thread ends, its waiting and uncarved blocks are handed back
 // to their chunks, and a chunk goes back to the heap once every block of it is
 // back, whichever thread freed it. Under the sanitizers every block comes from
@@ -11,17 +11,17 @@
 #include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
-#define TERVANE_PIECE_POOL 0
+#define TERVANE_BLOCK_POOL 0
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-#define TERVANE_PIECE_POOL 0
+#define TERVANE_BLOCK_POOL 0
 #endif
 #endif
-#ifndef TERVANE_PIECE_POOL
-#define TERVANE_PIECE_POOL 1
+#ifndef TERVANE_BLOCK_POOL
+#define TERVANE_BLOCK_POOL 1
 #endif
 
-namespace tervane::piece_pool {
+namespace tervane::block_pool {
 
 inline constexpr std::size_t kGrain = 16;
 inline constexpr std::size_t kClasses = 8; // blocks of up to 128 bytes
@@ -52,7 +52,7 @@ std::size_t ChunksInUse() noexcept;
 void InstallKeeper() noexcept;
 
 inline void* Allocate(std::size_t size) {
-    const int c = TERVANE_PIECE_POOL ? ClassOf(size) : -1;
+    const int c = TERVANE_BLOCK_POOL ? ClassOf(size) : -1;
     if (c < 0)
         return ::operator new(size);
     FreeList& list = threadLists.lists[c];
@@ -72,7 +72,7 @@ inline void* Allocate(std::size_t size) {
 inline void Free(void* block, std::size_t size) noexcept {
     if (!block)
         return;
-    const int c = TERVANE_PIECE_POOL ? ClassOf(size) : -1;
+    const int c = TERVANE_BLOCK_POOL ? ClassOf(size) : -1;
     if (c < 0) {
         ::operator delete(block);
         return;
@@ -102,4 +102,4 @@ template <typename T> struct Allocator {
     template <typename U> bool operator==(const Allocator<U>&) const noexcept { return true; }
 };
 
-} // namespace tervane::piece_pool
+} // namespace tervane::block_pool

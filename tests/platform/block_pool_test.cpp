@@ -1,4 +1,4 @@
-#include "label/pieces/piece_pool.h"
+#include "platform/memory/block_pool.h"
 
 #include <gtest/gtest.h>
 
@@ -18,8 +18,8 @@ std::u16string Numbered(std::size_t n) {
 // Pieces made on one thread, partly freed there, and freed on another after
 // the first has ended: every block keeps its piece apart from the others, and
 // every chunk goes back to the heap once its last block is back.
-TEST(PiecePool, PiecesOutliveTheirThreadAndChunksGoBack) {
-    const std::size_t before = piece_pool::ChunksInUse();
+TEST(BlockPool, PiecesOutliveTheirThreadAndChunksGoBack) {
+    const std::size_t before = block_pool::ChunksInUse();
     constexpr std::size_t kCount = 3000; // several chunks of each size
     CLabelPieceList kept;
     std::thread([&] {
@@ -40,7 +40,7 @@ TEST(PiecePool, PiecesOutliveTheirThreadAndChunksGoBack) {
         EXPECT_EQ(kept[at + 2]->range.end.second, static_cast<LONG>(i));
     }
     std::thread([&] { kept.clear(); }).join();
-    EXPECT_EQ(piece_pool::ChunksInUse(), before);
+    EXPECT_EQ(block_pool::ChunksInUse(), before);
 }
 
 } // namespace

@@ -1,10 +1,10 @@
-#include "label/pieces/piece_pool.h"
+#include "platform/memory/block_pool.h"
 
 #include <atomic>
 #include <cstdint>
 #include <new>
 
-namespace tervane::piece_pool {
+namespace tervane::block_pool {
 
 constinit thread_local ThreadLists threadLists = {};
 
@@ -91,4 +91,4 @@ void* AllocateSlow(int sizeClass) {
     return first;
 }
 
-} // namespace tervane::piece_pool
+} // namespace tervane::block_pool
