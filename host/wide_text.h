@@ -2,7 +2,7 @@
 // An immutable wide text, shared by counting: copies share one block, and a
 // constant made from a literal shares the literal itself, without a block or
 // a count. Reads are those of a std::u16string_view; the text always ends in
-// a zero unit. Blocks of short texts come from the piece pool, as the pieces
+// a zero unit. Blocks of short texts come from the block pool, as the pieces
 // that hold them do.
 #include <atomic>
 #include <cstddef>
