@@ -140,6 +140,7 @@ void SSLexStringConsumer::assign(std::u16string_view text) {
     lineDelta_ = 1;
     offset_ = 1;
     nativeOrder_ = true;
+    whole_ = true;
     if constexpr (std::endian::native == std::endian::little) {
         if (bytes)
             std::memcpy(buffer_.data(), text.data(), bytes);
