@@ -63,6 +63,7 @@ private:
 class SSLexConsumer : public SSExceptionPresent {
 public:
     static constexpr std::uint32_t kStartOfInput = 0xFFFFFFFF;
+    static constexpr std::uint32_t kTail = 16;
     enum Type : std::uint32_t { kSingleByte = 0, kWide = 1, kDoubleByte = 2 };
 
     SSLexConsumer();
@@ -189,7 +190,8 @@ public:
     const std::uint8_t* bufferData() const { return buffer_.data(); }
     bool nativeOrder() const { return nativeOrder_; }
     bool firstReadPending() const { return firstRead_ != 0; }
-    // All of the input is wide text in the buffer, and a refill brings nothing.
+    // All of the input is wide text in the buffer, followed by at least
+    // kTail readable bytes, and a refill brings nothing.
     bool wholeWide() const { return whole_ && type_ == kWide && shift_ == 0 && (end_ & 1) == 0; }
     // Bytes of one character of this consumer's text.
     std::uint32_t characterWidth() const { return type_ == kWide ? 2 : 1; }

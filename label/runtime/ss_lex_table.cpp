@@ -178,11 +178,12 @@ void SSLexExpressionList::buildLoops() {
         for (std::uint32_t s = 0; s < rows_.size(); ++s) {
             if (!findStops(s, stops))
                 continue;
-            // Repeats of the first fill the unused units and change nothing.
+            // Repeats of the first fill the unused places and change nothing.
+            stops.resize(kLoopStops, stops.front());
             const std::size_t at = stops_.size();
-            stops_.resize(at + kLoopStops, stops.front());
-            std::copy(stops.begin(), stops.end(), stops_.begin() + static_cast<std::ptrdiff_t>(at));
-            loops_[s] = static_cast<std::uint32_t>(at / kLoopStops + 1);
+            for (std::uint16_t stop : stops)
+                stops_.insert(stops_.end(), kStopWidth, stop);
+            loops_[s] = static_cast<std::uint32_t>(at / (kLoopStops * kStopWidth) + 1);
         }
     } catch (const std::bad_alloc&) {
         loops_.clear();

@@ -77,13 +77,15 @@ public:
     std::uint32_t rowLength(std::uint32_t state) const { return rows_[state].count; }
     // A state that every character but a few keeps in itself, as the letters
     // of a text do: those few (the line feed among them, so that lines are
-    // counted one by one) repeated to fill eight units, for the scan to
-    // look for eight characters at a time. Null for any other state.
+    // counted one by one), kLoopStops of them with repeats, each repeated
+    // kStopWidth times, for the scan to compare eight characters at a time.
+    // Null for any other state.
     const std::uint16_t* loopStops(std::uint32_t state) const {
         const std::uint32_t slot = loops_.empty() ? 0 : loops_[state];
-        return slot ? stops_.data() + std::size_t{slot - 1} * kLoopStops : nullptr;
+        return slot ? stops_.data() + std::size_t{slot - 1} * kLoopStops * kStopWidth : nullptr;
     }
     static constexpr std::uint32_t kLoopStops = 8;
+    static constexpr std::uint32_t kStopWidth = 8;
     SSLexTransition rowEntry(std::uint32_t state, std::uint32_t i) const {
         const std::uint8_t* t = image_.data() + rows_[state].first + std::size_t{i} * 12;
         return {Load(t), Load(t + 4), Load(t + 8)};
@@ -115,7 +117,7 @@ private:
     std::vector<Row> rows_;
     std::vector<std::uint32_t> direct_; // kDirect moves a state, or empty
     std::vector<std::uint32_t> loops_;  // a state's place in stops_ plus 1, or 0
-    std::vector<std::uint16_t> stops_;  // kLoopStops units a looping state
+    std::vector<std::uint16_t> stops_;  // kLoopStops * kStopWidth units a looping state
 };
 
 struct SSLexKeyword {

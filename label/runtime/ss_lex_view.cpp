@@ -22,34 +22,40 @@ std::uint32_t Unit(const std::uint8_t* data, std::uint32_t index) {
 }
 
 // The first index from index below end (both even) whose unit is one of the
-// eight stops, or end.
+// stops, or end; the consumer's tail makes whole blocks of eight readable.
 std::uint32_t RunEnd(const std::uint8_t* data, std::uint32_t index, std::uint32_t end,
                      const std::uint16_t* stops) {
+    constexpr std::uint32_t kWidth = SSLexExpressionList::kStopWidth;
+    static_assert(SSLexExpressionList::kLoopStops == 8 && kWidth * 2 == SSLexConsumer::kTail);
 #if defined(__SSE2__)
-    __m128i s[SSLexExpressionList::kLoopStops];
-    for (std::uint32_t i = 0; i < SSLexExpressionList::kLoopStops; ++i)
-        s[i] = _mm_set1_epi16(static_cast<short>(stops[i]));
-    while (end - index >= 16) {
+    auto stop = [stops](std::uint32_t i) {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(stops + i * kWidth));
+    };
+    for (; index < end; index += 16) {
         const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + index));
-        __m128i hit = _mm_or_si128(_mm_cmpeq_epi16(units, s[0]), _mm_cmpeq_epi16(units, s[1]));
-        hit = _mm_or_si128(
-            hit, _mm_or_si128(_mm_cmpeq_epi16(units, s[2]), _mm_cmpeq_epi16(units, s[3])));
-        hit = _mm_or_si128(
-            hit, _mm_or_si128(_mm_cmpeq_epi16(units, s[4]), _mm_cmpeq_epi16(units, s[5])));
-        hit = _mm_or_si128(
-            hit, _mm_or_si128(_mm_cmpeq_epi16(units, s[6]), _mm_cmpeq_epi16(units, s[7])));
-        if (const int mask = _mm_movemask_epi8(hit))
-            return index + static_cast<std::uint32_t>(__builtin_ctz(static_cast<unsigned>(mask)));
-        index += 16;
+        const __m128i hit = _mm_or_si128(
+            _mm_or_si128(
+                _mm_or_si128(_mm_cmpeq_epi16(units, stop(0)), _mm_cmpeq_epi16(units, stop(1))),
+                _mm_or_si128(_mm_cmpeq_epi16(units, stop(2)), _mm_cmpeq_epi16(units, stop(3)))),
+            _mm_or_si128(
+                _mm_or_si128(_mm_cmpeq_epi16(units, stop(4)), _mm_cmpeq_epi16(units, stop(5))),
+                _mm_or_si128(_mm_cmpeq_epi16(units, stop(6)), _mm_cmpeq_epi16(units, stop(7)))));
+        auto mask = static_cast<std::uint32_t>(_mm_movemask_epi8(hit));
+        if (end - index < 16)
+            mask &= (1u << (end - index)) - 1;
+        if (mask)
+            return index + static_cast<std::uint32_t>(__builtin_ctz(mask));
     }
-#endif
+    return end;
+#else
     for (; index < end; index += 2) {
         const std::uint32_t c = Unit(data, index);
         for (std::uint32_t i = 0; i < SSLexExpressionList::kLoopStops; ++i)
-            if (c == stops[i])
+            if (c == stops[i * kWidth])
                 return index;
     }
     return end;
+#endif
 }
 
 } // namespace
@@ -147,10 +153,35 @@ int SSLex::nextView(SSLexTokenData& out) {
             consumer.current_ = Unit(data, index - 2);
             consumer.consumed_ += (index - first) / 2;
         }
+        state_ = state;
+        // A lexeme of the text, as settle would make it, without the rarer
+        // cases it handles.
+        constexpr std::uint32_t kRare = SSLexFinalState::ignore | SSLexFinalState::pop |
+                                        SSLexFinalState::push | SSLexFinalState::endOfLine |
+                                        SSLexFinalState::startOfLine | SSLexFinalState::keyword;
+        const std::uint32_t flags = accepted->flags;
+        const std::uint32_t lexemeStart = consumer.lexemeStart_;
+        if ((flags & (kRare | SSLexFinalState::final)) == SSLexFinalState::final && marked &&
+            (startRead || acceptedIndex > lexemeStart)) {
+            const std::uint32_t stop = acceptedIndex < lexemeStart ? lexemeStart : acceptedIndex;
+            out = {&consumer,
+                   accepted->token,
+                   (flags & SSLexFinalState::setUserValue) ? accepted->userValue : 0,
+                   lexemeStart,
+                   stop - lexemeStart,
+                   consumer.lexemeLine_,
+                   consumer.lexemeOffset_,
+                   consumer.bufferBase_ + lexemeStart,
+                   false,
+                   true,
+                   nullptr};
+            consumer.flushTo({acceptedIndex, acceptedLine, acceptedOffset});
+            ++lexemeCount_;
+            return 1;
+        }
         consumer.index_ = index;
         consumer.lineDelta_ = lineDelta;
         consumer.offset_ = offset;
-        state_ = state;
         if (settle(*accepted, {acceptedIndex, acceptedLine, acceptedOffset}, marked, startRead,
                    out))
             return 1;

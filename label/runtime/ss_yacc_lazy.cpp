@@ -37,6 +37,8 @@ bool SSYacc::runLazy(int& result) {
         return false;
     }
     readLazy();
+    // The lookahead's token changes only where it is read.
+    std::uint32_t token = lookahead_.parseToken();
     const SSYaccProduction* const productions = productions_;
     std::uint32_t state = state_;
     std::uint64_t shifts = 0;
@@ -44,7 +46,6 @@ bool SSYacc::runLazy(int& result) {
     for (;;) {
         if (++steps > kStepsWithoutShift + 2 * shifts)
             raise(ss_error::kParseFailed, "SSYacc0102e: Parse failed, invalid table");
-        const std::uint32_t token = lookahead_.parseToken();
         const std::uint32_t value = step(state, token);
         const std::uint32_t argument = value & kActionArgumentMask;
         switch (StepKind(value)) {
@@ -53,6 +54,7 @@ bool SSYacc::runLazy(int& result) {
             stack_.push(state, lookahead_.take(), nullptr);
             current_ = nullptr;
             readLazy();
+            token = lookahead_.parseToken();
             ++shiftsSinceError_;
             ++shifts;
             steps = 0;
@@ -73,6 +75,8 @@ bool SSYacc::runLazy(int& result) {
                 }
                 if (element == &blank_)
                     element = nullptr;
+                // A reduction may have asked for the lookahead's lexeme and changed it.
+                token = lookahead_.parseToken();
             }
             if (size < stack_.count()) {
                 stack_.pop(size);
