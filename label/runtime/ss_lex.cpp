@@ -110,71 +110,85 @@ bool SSLex::nextToken(SSLexToken& out) {
         SSLexMark acceptedMark{acceptedIndex, acceptedLine, acceptedOffset};
         consumer.endWideRun(run);
         state_ = state;
-        const SSLexFinalState& accepted = *acceptedRecord;
         consumer.adjust(acceptedMark, false);
         consumer.adjust(contextMark_, true);
         if (!read)
             return false;
-
-        if ((accepted.flags & SSLexFinalState::endOfLine) && acceptedMark.lineDelta > 0) {
-            std::uint32_t width = consumer.characterWidth();
-            acceptedMark.index = acceptedMark.index - consumer.lexemeStart() < width
-                                     ? consumer.lexemeStart()
-                                     : acceptedMark.index - width;
-            --acceptedMark.lineDelta;
+        SSLexTokenData data;
+        if (settle(*acceptedRecord, acceptedMark, marked, startRead, data)) {
+            out.adopt(data);
+            return true;
         }
-        // An empty match that did not even take the start of the input would
-        // be found again at the same place for ever: only damaged tables
-        // accept one, and it counts as no match.
-        bool accepts = (accepted.flags & (SSLexFinalState::ignore | SSLexFinalState::final)) &&
-                       marked && (startRead || acceptedMark.index > consumer.lexemeStart());
-
-        SSLexLexeme* lexeme = nullptr;
-        if (accepts && (accepted.flags & SSLexFinalState::ignore)) {
-            if (accepted.flags & (SSLexFinalState::pop | SSLexFinalState::push))
-                changeLists(accepted);
-            lexeme = ignoreLexeme(consumer, accepted.token, acceptedMark);
-            if (!lexeme)
-                continue;
-        } else if (!accepts) {
-            lexeme = invalidToken(consumer);
-            if (lexeme) {
-                out.setObject(lexeme);
-                return true;
-            }
-            consumer.resync();
-            continue;
-        } else {
-            if (accepted.flags & (SSLexFinalState::pop | SSLexFinalState::push))
-                changeLists(accepted);
-            if ((accepted.flags & SSLexFinalState::startOfLine) && consumer.lexemeLine() != 0 &&
-                consumer.lexemeOffset() != 0)
-                consumer.skipLeadingNewline(acceptedMark);
-            if (views_ && !(accepted.flags & SSLexFinalState::keyword)) {
-                // What the default completeLexeme would copy, left where it is.
-                const std::uint32_t start = consumer.lexemeStart();
-                const std::uint32_t stop = acceptedMark.index < start ? start : acceptedMark.index;
-                out.setView(&consumer, accepted.token, start, stop - start,
-                            consumer.type() != SSLexConsumer::kWide, consumer.lexemeLine(),
-                            consumer.lexemeOffset(), consumer.bufferBase() + start);
-                consumer.flushTo(acceptedMark);
-                ++lexemeCount_;
-                if (accepted.flags & SSLexFinalState::setUserValue)
-                    out.setUserValue(accepted.userValue);
-                return true;
-            }
-            lexeme = completeLexeme(consumer, accepted.token, acceptedMark);
-            if (!lexeme)
-                continue;
-        }
-        out.setObject(lexeme);
-        ++lexemeCount_;
-        if (accepted.flags & SSLexFinalState::setUserValue)
-            lexeme->setUserValue(accepted.userValue);
-        if (accepted.flags & SSLexFinalState::keyword)
-            keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
-        return true;
     }
+}
+
+bool SSLex::settle(const SSLexFinalState& accepted, SSLexMark acceptedMark, bool marked,
+                   bool startRead, SSLexTokenData& out) {
+    SSLexConsumer& consumer = *consumer_;
+    if ((accepted.flags & SSLexFinalState::endOfLine) && acceptedMark.lineDelta > 0) {
+        std::uint32_t width = consumer.characterWidth();
+        acceptedMark.index = acceptedMark.index - consumer.lexemeStart() < width
+                                 ? consumer.lexemeStart()
+                                 : acceptedMark.index - width;
+        --acceptedMark.lineDelta;
+    }
+    // An empty match that did not even take the start of the input would
+    // be found again at the same place for ever: only damaged tables
+    // accept one, and it counts as no match.
+    bool accepts = (accepted.flags & (SSLexFinalState::ignore | SSLexFinalState::final)) &&
+                   marked && (startRead || acceptedMark.index > consumer.lexemeStart());
+
+    SSLexLexeme* lexeme = nullptr;
+    if (accepts && (accepted.flags & SSLexFinalState::ignore)) {
+        if (accepted.flags & (SSLexFinalState::pop | SSLexFinalState::push))
+            changeLists(accepted);
+        lexeme = ignoreLexeme(consumer, accepted.token, acceptedMark);
+        if (!lexeme)
+            return false;
+    } else if (!accepts) {
+        lexeme = invalidToken(consumer);
+        if (lexeme) {
+            out.setObject(lexeme);
+            return true;
+        }
+        consumer.resync();
+        return false;
+    } else {
+        if (accepted.flags & (SSLexFinalState::pop | SSLexFinalState::push))
+            changeLists(accepted);
+        if ((accepted.flags & SSLexFinalState::startOfLine) && consumer.lexemeLine() != 0 &&
+            consumer.lexemeOffset() != 0)
+            consumer.skipLeadingNewline(acceptedMark);
+        if (views_ && !(accepted.flags & SSLexFinalState::keyword)) {
+            // What the default completeLexeme would copy, left where it is.
+            const std::uint32_t start = consumer.lexemeStart();
+            const std::uint32_t stop = acceptedMark.index < start ? start : acceptedMark.index;
+            out = {&consumer,
+                   accepted.token,
+                   (accepted.flags & SSLexFinalState::setUserValue) ? accepted.userValue : 0,
+                   start,
+                   stop - start,
+                   consumer.lexemeLine(),
+                   consumer.lexemeOffset(),
+                   consumer.bufferBase() + start,
+                   consumer.type() != SSLexConsumer::kWide,
+                   true,
+                   nullptr};
+            consumer.flushTo(acceptedMark);
+            ++lexemeCount_;
+            return true;
+        }
+        lexeme = completeLexeme(consumer, accepted.token, acceptedMark);
+        if (!lexeme)
+            return false;
+    }
+    out.setObject(lexeme);
+    ++lexemeCount_;
+    if (accepted.flags & SSLexFinalState::setUserValue)
+        lexeme->setUserValue(accepted.userValue);
+    if (accepted.flags & SSLexFinalState::keyword)
+        keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
+    return true;
 }
 
 void SSLex::changeLists(const SSLexFinalState& accepted) {

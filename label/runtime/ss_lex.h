@@ -23,6 +23,10 @@ public:
     SSLexLexeme* nextLexeme();
     // The same as a value; false at the end of the input.
     bool nextToken(SSLexToken& out);
+    // The same into out, which holds no object, for lexers that leave texts
+    // in a consumer that holds all of its input as wide text: 1 for a
+    // lexeme, 0 at the end of the input, -1 when only nextToken can go on.
+    int nextView(SSLexTokenData& out);
     void setConsumer(SSLexConsumer* consumer) { consumer_ = consumer; }
     // Back to the state of a new lexer on the same consumer and table.
     void reset();
@@ -47,11 +51,16 @@ public:
 
 protected:
     // For lexers whose completeLexeme is the default: nextToken leaves the
-    // text of a lexeme in the consumer instead of copying it into an object.
+    // text of a lexeme in the consumer instead of copying it into an object,
+    // and nextView can be used.
     void setViews(bool views) { views_ = views; }
 
 private:
     void changeLists(const SSLexFinalState& accepted);
+    // What a scan found, made a lexeme of, skipped or refused: true with out
+    // set, false when the scan must go on.
+    bool settle(const SSLexFinalState& accepted, SSLexMark acceptedMark, bool marked,
+                bool startRead, SSLexTokenData& out);
 
     const SSLexTable* table_;
     std::uint32_t state_ = 0;

@@ -118,11 +118,11 @@ SSLexStringConsumer::SSLexStringConsumer(std::u16string_view text) {
 void SSLexStringConsumer::assign(std::u16string_view text) {
     // A failure leaves the consumer as it was; positions are 32-bit byte
     // offsets, as in the original.
-    if (text.size() > (UINT32_MAX - 2) / 2)
+    if (text.size() > (UINT32_MAX - kTail) / 2)
         throw SSExceptionOutOfStorage();
     auto bytes = static_cast<std::uint32_t>(text.size() * 2);
     try {
-        buffer_.resize(bytes + 2);
+        buffer_.resize(bytes + kTail);
     } catch (const std::bad_alloc&) {
         throw SSExceptionOutOfStorage();
     }
@@ -140,6 +140,7 @@ void SSLexStringConsumer::assign(std::u16string_view text) {
     lineDelta_ = 1;
     offset_ = 1;
     nativeOrder_ = true;
+    whole_ = true;
     if constexpr (std::endian::native == std::endian::little) {
         if (bytes)
             std::memcpy(buffer_.data(), text.data(), bytes);

@@ -14,6 +14,7 @@
 namespace tervane {
 
 class rcparsedbcsinfo;
+class SSLex;
 
 struct SSLexMark {
     std::uint32_t index = 0;
@@ -62,6 +63,7 @@ private:
 class SSLexConsumer : public SSExceptionPresent {
 public:
     static constexpr std::uint32_t kStartOfInput = 0xFFFFFFFF;
+    static constexpr std::uint32_t kTail = 16;
     enum Type : std::uint32_t { kSingleByte = 0, kWide = 1, kDoubleByte = 2 };
 
     SSLexConsumer();
@@ -188,6 +190,9 @@ public:
     const std::uint8_t* bufferData() const { return buffer_.data(); }
     bool nativeOrder() const { return nativeOrder_; }
     bool firstReadPending() const { return firstRead_ != 0; }
+    // All of the input is wide text in the buffer, followed by at least
+    // kTail readable bytes, and a refill brings nothing.
+    bool wholeWide() const { return whole_ && type_ == kWide && shift_ == 0 && (end_ & 1) == 0; }
     // Bytes of one character of this consumer's text.
     std::uint32_t characterWidth() const { return type_ == kWide ? 2 : 1; }
 
@@ -208,6 +213,9 @@ public:
     void skipLeadingNewline(SSLexMark& mark);
 
 protected:
+    // The lexer's scan of whole wide text reads and moves the position itself.
+    friend class SSLex;
+
     int nextSlow();
 
     // For refill(): puts bytes behind the valid data, without moving end.
@@ -233,6 +241,7 @@ protected:
     std::uint32_t lineDelta_ = 1;
     std::uint32_t offset_ = 1;
     bool nativeOrder_ = true;
+    bool whole_ = false;
 };
 
 // A consumer over a copy of a wide text; it never refills.

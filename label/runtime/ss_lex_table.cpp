@@ -143,6 +143,52 @@ void SSLexExpressionList::buildDirect() {
     for (std::uint32_t s = 0; s < rows_.size(); ++s)
         for (std::uint32_t c = 0; c < kDirect; ++c)
             direct_[std::size_t{s} * kDirect + c] = searchRow(s, c);
+    buildLoops();
+}
+
+bool SSLexExpressionList::findStops(std::uint32_t state, std::vector<std::uint16_t>& stops) const {
+    stops.clear();
+    const std::uint32_t* row = direct_.data() + std::size_t{state} * kDirect;
+    for (std::uint32_t c = 0; c < kDirect; ++c) {
+        if (row[c] == state && c != 10)
+            continue;
+        if (stops.size() == kLoopStops)
+            return false;
+        stops.push_back(static_cast<std::uint16_t>(c));
+    }
+    // Every character from kDirect up must stay, as the row search finds it:
+    // the first range that ends at or above a character decides.
+    std::uint32_t covered = kDirect;
+    for (std::uint32_t i = 0; i < rows_[state].count && covered <= 0xFFFF; ++i) {
+        const SSLexTransition move = rowEntry(state, i);
+        if (move.high < covered)
+            continue;
+        if (move.low > covered || move.next != state)
+            return false;
+        covered = move.high >= 0xFFFF ? 0x10000 : move.high + 1;
+    }
+    return covered > 0xFFFF;
+}
+
+void SSLexExpressionList::buildLoops() {
+    // Without them every loop is run through a character at a time.
+    try {
+        std::vector<std::uint16_t> stops;
+        loops_.assign(rows_.size(), 0);
+        for (std::uint32_t s = 0; s < rows_.size(); ++s) {
+            if (!findStops(s, stops))
+                continue;
+            // Repeats of the first fill the unused places and change nothing.
+            stops.resize(kLoopStops, stops.front());
+            const std::size_t at = stops_.size();
+            for (std::uint16_t stop : stops)
+                stops_.insert(stops_.end(), kStopWidth, stop);
+            loops_[s] = static_cast<std::uint32_t>(at / (kLoopStops * kStopWidth) + 1);
+        }
+    } catch (const std::bad_alloc&) {
+        loops_.clear();
+        stops_.clear();
+    }
 }
 
 std::shared_ptr<const SSLexTable::Data> SSLexTableLoader::load(Bytes image,

@@ -75,6 +75,17 @@ public:
     const SSLexFinalState* finalStates() const { return finals_.data(); }
     const std::uint32_t* directMoves() const { return direct_.empty() ? nullptr : direct_.data(); }
     std::uint32_t rowLength(std::uint32_t state) const { return rows_[state].count; }
+    // A state that every character but a few keeps in itself, as the letters
+    // of a text do: those few (the line feed among them, so that lines are
+    // counted one by one), kLoopStops of them with repeats, each repeated
+    // kStopWidth times, for the scan to compare eight characters at a time.
+    // Null for any other state.
+    const std::uint16_t* loopStops(std::uint32_t state) const {
+        const std::uint32_t slot = loops_.empty() ? 0 : loops_[state];
+        return slot ? stops_.data() + std::size_t{slot - 1} * kLoopStops * kStopWidth : nullptr;
+    }
+    static constexpr std::uint32_t kLoopStops = 8;
+    static constexpr std::uint32_t kStopWidth = 8;
     SSLexTransition rowEntry(std::uint32_t state, std::uint32_t i) const {
         const std::uint8_t* t = image_.data() + rows_[state].first + std::size_t{i} * 12;
         return {Load(t), Load(t + 4), Load(t + 8)};
@@ -87,6 +98,11 @@ private:
     // Fills direct_ unless the list is too big for it (damaged or unusual
     // tables only), in which case every move is searched.
     void buildDirect();
+    // Fills loops_ and stops_ from the rows.
+    void buildLoops();
+    // The wide characters that take state out of itself, and the line feed;
+    // false when they don't fit in kLoopStops units.
+    bool findStops(std::uint32_t state, std::vector<std::uint16_t>& stops) const;
 
     static std::uint32_t Load(const std::uint8_t* p) {
         return static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
@@ -100,6 +116,8 @@ private:
     std::vector<SSLexFinalState> finals_;
     std::vector<Row> rows_;
     std::vector<std::uint32_t> direct_; // kDirect moves a state, or empty
+    std::vector<std::uint32_t> loops_;  // a state's place in stops_ plus 1, or 0
+    std::vector<std::uint16_t> stops_;  // kLoopStops * kStopWidth units a looping state
 };
 
 struct SSLexKeyword {

@@ -42,6 +42,15 @@ struct SSLexTokenData {
     // Makes object from the view, with the reference for the holder, while
     // the source still holds the text; null when not present.
     SSLexLexeme* lexeme();
+    // Takes a reference to object, which stands for the whole token; holds
+    // none before.
+    void setObject(SSLexLexeme* lexeme) {
+        if (lexeme)
+            lexeme->addRef();
+        *this = {};
+        present = lexeme != nullptr;
+        object = lexeme;
+    }
     // Lets go of object.
     void drop() {
         if (object)
@@ -89,6 +98,11 @@ public:
     void clear() {
         data_.drop();
         data_ = {};
+    }
+    // Takes over data with the reference it holds, if any.
+    void adopt(const SSLexTokenData& data) {
+        data_.drop();
+        data_ = data;
     }
     // Hands the data over with its reference; this token is left empty.
     SSLexTokenData take() {

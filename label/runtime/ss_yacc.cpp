@@ -65,8 +65,8 @@ SSYacc::SSYacc(SSLex* lex, const SSYaccTable* table) : lex_(lex), table_(table) 
     pool_ = SSYaccElementPool::create();
     if (table_) {
         const SSYaccTable::Data& data = table_->data();
-        if (!data.actionSlots.empty())
-            actionSlots_ = data.actionSlots.data();
+        if (!data.actionSteps.empty())
+            actionSteps_ = data.actionSteps.data();
         if (!data.gotoSlots.empty())
             gotoSlots_ = data.gotoSlots.data();
         productions_ = data.productions.data();
@@ -111,8 +111,12 @@ void SSYacc::reset() {
 int SSYacc::parse() {
     if (!table_)
         raise(ss_error::kMissingTable, "SSYacc0109e: setTable missing, required");
-    if (!readLookahead(true))
+    if (lazy_ && lex_) {
+        if (int result; runLazy(result))
+            return result;
+    } else if (!readLookahead(true)) {
         return 1;
+    }
     std::uint64_t shifts = 0;
     std::uint64_t steps = 0;
     while (!abort_) {

@@ -101,7 +101,14 @@ protected:
     SSYaccStackElement* blankElement() { return &blank_; }
 
 private:
+    // The step of state on token, decoded.
+    std::uint32_t step(std::uint32_t state, std::uint32_t token) const;
     void findAction(std::uint32_t state, std::uint32_t token);
+    // The loop of a lazy parser whose lexer gives views, from the first read:
+    // true when the parse ended with result, false when the general loop
+    // takes over from the members.
+    bool runLazy(int& result);
+    void readLazy();
     std::uint32_t gotoTarget(std::uint32_t state, std::uint32_t symbol) const;
     bool readLookahead(bool setAction);
     bool resolveLookahead();
@@ -136,7 +143,7 @@ private:
     SSYaccElementPool* pool_;
     // The table's looked-up answers and productions, reached at every step;
     // null where the table has none.
-    const std::uint32_t* actionSlots_ = nullptr;
+    const std::uint32_t* actionSteps_ = nullptr;
     const std::uint32_t* gotoSlots_ = nullptr;
     const SSYaccProduction* productions_ = nullptr;
     std::uint64_t plainProductions_ = 0;
@@ -145,15 +152,19 @@ private:
     SSYaccStackElement blank_;
 };
 
-// Here, so that the parse loop, which looks one up at every step, inlines it.
-inline void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
+// Here, so that the parse loops, which look one up at every step, inline them.
+inline std::uint32_t SSYacc::step(std::uint32_t state, std::uint32_t token) const {
     using Data = SSYaccTable::Data;
     const std::uint32_t slot = Data::ActionSlot(token);
-    const std::uint32_t value = actionSlots_ && slot < Data::kActionSlots
-                                    ? actionSlots_[std::size_t{state} * Data::kActionSlots + slot]
-                                    : table_->actionValue(state, token);
+    if (actionSteps_ && slot < Data::kActionSlots)
+        return actionSteps_[std::size_t{state} * Data::kActionSlots + slot];
+    return ActionStep(table_->actionValue(state, token));
+}
+
+inline void SSYacc::findAction(std::uint32_t state, std::uint32_t token) {
+    const std::uint32_t value = step(state, token);
     const std::uint32_t argument = value & kActionArgumentMask;
-    action_ = ActionKind(value);
+    action_ = StepKind(value);
     switch (action_) {
     case SSYaccAction::shift:
         state_ = argument;

@@ -79,6 +79,7 @@ public:
     }
 
 private:
+    static constexpr std::size_t kFirst = 16;
     static constexpr std::size_t kGrowth = 64;
 
     SSYaccStackEntry& next() {
@@ -86,9 +87,10 @@ private:
             grow();
         return items_[count_];
     }
+    // Label stacks stay a few entries deep: the first room is small.
     [[gnu::noinline]] void grow() {
         try {
-            items_.resize(items_.size() + kGrowth);
+            items_.resize(items_.empty() ? kFirst : items_.size() + kGrowth);
         } catch (const std::bad_alloc&) {
             throw SSExceptionOutOfStorage();
         }

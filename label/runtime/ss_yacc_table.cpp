@@ -196,9 +196,11 @@ void SSYaccTable::Data::buildSlots() {
         return;
     try {
         actionSlots.assign(rows.size() * kActionSlots, 0);
+        actionSteps.assign(rows.size() * kActionSlots, 0);
         gotoSlots.assign(rows.size() * kGotoSlots, 0);
     } catch (const std::bad_alloc&) {
         actionSlots.clear();
+        actionSteps.clear();
         gotoSlots.clear();
         return;
     }
@@ -218,6 +220,8 @@ void SSYaccTable::Data::buildSlots() {
                 gotos[slot] = (entry.value & kActionArgumentMask) + 1;
         }
     }
+    for (std::size_t i = 0; i < actionSlots.size(); ++i)
+        actionSteps[i] = ActionStep(actionSlots[i]);
 }
 
 SSYaccTable::SSYaccTable(Bytes image, const std::string& name) : data_(Prepare(image, name)) {}

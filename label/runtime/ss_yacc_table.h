@@ -77,6 +77,17 @@ inline SSYaccAction ActionKind(std::uint32_t value) {
 inline constexpr std::uint32_t kActionArgumentMask = 0x07FFFFFF;
 inline constexpr std::uint32_t kSyncEntryBit = 0x80000000;
 
+// An action word decoded once: its kind in the bits from kStepKindShift, its
+// argument below them.
+inline constexpr std::uint32_t kStepKindShift = 27;
+inline std::uint32_t ActionStep(std::uint32_t value) {
+    return static_cast<std::uint32_t>(ActionKind(value)) << kStepKindShift |
+           (value & kActionArgumentMask);
+}
+inline SSYaccAction StepKind(std::uint32_t step) {
+    return static_cast<SSYaccAction>(step >> kStepKindShift);
+}
+
 struct SSYaccTableHeader {
     static constexpr std::uint32_t kMagic = 0x53535943; // "CYSS"
     std::uint32_t magic = 0;
@@ -138,6 +149,7 @@ public:
         static constexpr std::uint32_t kGotoSlots = 32;   // symbols from 0x4000
         static constexpr std::uint32_t kFirstNonTerminal = 0x4000;
         std::vector<std::uint32_t> actionSlots; // the entry's value
+        std::vector<std::uint32_t> actionSteps; // the same as ActionStep gives it
         std::vector<std::uint32_t> gotoSlots;   // the target plus 1, 0 for none
 
         static std::uint32_t ActionSlot(std::uint32_t token) {

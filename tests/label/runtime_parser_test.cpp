@@ -217,8 +217,16 @@ TEST(ParserLookups, AnswerAsTheRowSearch) {
     for (std::uint32_t padding : {0u, 1100u}) {
         SCOPED_TRACE(padding);
         SSYaccTable table(BuildYaccTable(LookupGrammar(padding)), "TOY");
-        for (const Case& c : actions)
+        const auto& steps = table.data().actionSteps;
+        for (const Case& c : actions) {
             EXPECT_EQ(table.actionValue(0, c.token), c.value) << "token " << c.token;
+            // The decoded step, where the table keeps one, is the same action.
+            const std::uint32_t slot = SSYaccTable::Data::ActionSlot(c.token);
+            if (steps.empty() || slot >= SSYaccTable::Data::kActionSlots)
+                continue;
+            EXPECT_EQ(StepKind(steps[slot]), ActionKind(c.value)) << "token " << c.token;
+            EXPECT_EQ(steps[slot] & kActionArgumentMask, c.value & kActionArgumentMask);
+        }
         for (const GotoCase& c : gotos)
             EXPECT_EQ(table.gotoTarget(0, c.symbol), c.target) << "symbol " << c.symbol;
         EXPECT_EQ(table.actionValue(1, 5), 0u);
