@@ -75,8 +75,9 @@ private:
     void PartitionLevel(std::size_t start, ControlList& list, std::size_t depth);
     void CloseGroupBox(const char* kind);
     void AppendDialogOpen();
-    void AppendOpen(WideText name, WideText tagText);
-    void AppendClose(WideText name, WideText tagText);
+    void AppendOpen(WideText name, WideText tagText, std::uint32_t words);
+    void AppendOpen(WideText name, const ConstantTagText& tagText);
+    void AppendClose(WideText name, const ConstantTagText& tagText);
     void AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption);
 };
 

@@ -11,6 +11,8 @@ namespace tervane {
 namespace {
 
 constexpr WideText kShortcutName = WideText::Constant(u"shortcut");
+constexpr ConstantTagText kShortcutOpen = ConstantTag(u"<shortcut>");
+constexpr ConstantTagText kShortcutClose = ConstantTag(u"</shortcut>");
 
 } // namespace
 
@@ -40,8 +42,7 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
         flush();
         if (token.text == u"\\t") {
             // The tab vanishes from the document; the tag stands in its place.
-            record.pieces.push_back(
-                MakeStructuralTag(kShortcutName, WideText::Constant(u"<shortcut>"), 0, 1));
+            record.pieces.push_back(MakeStructuralTag(kShortcutName, kShortcutOpen, 0, 1));
             shortcut = true;
         } else {
             record.pieces.push_back(MakeInlineTag(token.text));
@@ -49,8 +50,7 @@ void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
     }
     flush();
     if (shortcut)
-        record.pieces.push_back(
-            MakeStructuralTag(kShortcutName, WideText::Constant(u"</shortcut>"), 1, 0));
+        record.pieces.push_back(MakeStructuralTag(kShortcutName, kShortcutClose, 1, 0));
 }
 
 } // namespace tervane

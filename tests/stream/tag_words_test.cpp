@@ -1,4 +1,4 @@
-#include "stream/tag_words.h"
+#include "label/pieces/tag_words.h"
 
 #include <gtest/gtest.h>
 
