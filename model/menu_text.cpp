@@ -1,10 +1,7 @@
 #include "model/menu_text.h"
 
-#include <utility>
-
-#include "label/grammars/escaped_label.h"
 #include "label/grammars/label_parser.h"
-#include "label/grammars/token_pieces.h"
+#include "model/text_run.h"
 
 namespace tervane {
 
@@ -19,24 +16,27 @@ constexpr ConstantTagText kShortcutClose = ConstantTag(u"</shortcut>");
 void AnalyseMenuText(MenuItemRecord& record, std::u16string_view text) {
     CLabelParser* parser = record.parser ? record.parser : &SharedLabelParser();
 
-    // The parser reads a null-terminated text.
-    std::u16string escaped = EscapeLabel(text.substr(0, text.find(u'\0')), LabelKind::Menu);
-    // Reused, so that its records and their texts are not reallocated for every item.
+    // Kept from item to item, as the tokens and the run below are.
+    thread_local UnitBuffer escapedUnits;
+    const std::u16string_view escaped =
+        EscapeLabelInto(escapedUnits, text.substr(0, text.find(u'\0')), LabelKind::Menu, false);
     thread_local LabelTokens tokens;
     tokens.clear();
     parser->Initialise(LabelKind::Menu);
     parser->Parse(escaped, tokens);
 
     // Unlike strings and dialogs, "%%" stays: a menu has no printf placeholder.
-    std::u16string run;
+    thread_local TextRun run;
+    run.clear();
     auto flush = [&] {
         if (!run.empty())
-            record.pieces.push_back(MakeText(std::exchange(run, {})));
+            record.pieces.push_back(MakeText(run.view()));
+        run.clear();
     };
     bool shortcut = false;
     for (const LabelToken& token : tokens) {
         if (token.type == label_token::kText) {
-            AppendUnescapedLabelText(run, token.text, LabelKind::Menu);
+            run.AppendUnescaped(token.text, LabelKind::Menu);
             continue;
         }
         flush();
