@@ -184,17 +184,31 @@ void CDialogItem::ReadAndEmitControls(CDialogTemplateReader& reader) {
 
 void CDialogItem::EmitControls(const ControlList& list, bool includeFirst) {
     for (std::size_t at = includeFirst ? 0 : 1; at < list.size(); ++at) {
-        const DialogControl& control = list[at];
-        EmitControl(control);
-        const char* kind = GetControlKind(control.classOrdinal, control.style);
-        if (!Contains(kind, "groupbox"))
-            continue;
-        EmitControls(TakeGroupList(control.tabIndex), false);
-        // A box whose title is a number opened no tag, so there is nothing to
-        // close: its content stands at this level, and the tags stay balanced.
-        if (control.title)
-            CloseGroupBox(kind);
+        emittedControls.push_back(list[at]);
+        EmitContent(list[at]);
     }
+}
+
+void CDialogItem::EmitTakenControls(ControlList list) {
+    // The box in front was emitted with the level above.
+    for (std::size_t at = 1; at < list.size(); ++at) {
+        emittedControls.push_back(std::move(list[at]));
+        EmitContent(emittedControls.back());
+    }
+}
+
+void CDialogItem::EmitContent(const DialogControl& control) {
+    EmitControlPieces(control);
+    const char* kind = GetControlKind(control.classOrdinal, control.style);
+    if (!Contains(kind, "groupbox"))
+        return;
+    const bool titled = control.title.has_value();
+    // The box's content goes behind it; the box may move in the list meanwhile.
+    EmitTakenControls(TakeGroupList(control.tabIndex));
+    // A box whose title is a number opened no tag, so there is nothing to
+    // close: its content stands at this level, and the tags stay balanced.
+    if (titled)
+        CloseGroupBox(kind);
 }
 
 void CDialogItem::CloseGroupBox(const char* kind) {
@@ -217,6 +231,10 @@ void CDialogItem::CloseGroupBox(const char* kind) {
 
 void CDialogItem::EmitControl(const DialogControl& control) {
     emittedControls.push_back(control);
+    EmitControlPieces(control);
+}
+
+void CDialogItem::EmitControlPieces(const DialogControl& control) {
     if (!control.title && !control.className)
         return;
     const char* kind = GetControlKind(control.classOrdinal, control.style);
