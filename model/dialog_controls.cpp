@@ -142,16 +142,24 @@ struct NamedKind {
     ControlKindTags tags;
 };
 
+template <std::size_t N, std::size_t M, std::size_t K>
+consteval NamedKind Kind(std::string_view kind, const char16_t (&name)[N],
+                         const char16_t (&closeTag)[M], const char16_t (&openTag)[K]) {
+    return {kind,
+            {WideText::Constant(name), ConstantTag(closeTag),
+             PackTagWords(FindTagWordsPlain(std::u16string_view(openTag, K - 1)))}};
+}
+
 constexpr NamedKind kKindTags[] = {
-    {"button", {WideText::Constant(u"button"), WideText::Constant(u"</button>")}},
-    {"checkbox", {WideText::Constant(u"checkbox"), WideText::Constant(u"</checkbox>")}},
-    {"radiobutton", {WideText::Constant(u"radiobutton"), WideText::Constant(u"</radiobutton>")}},
-    {"groupbox", {WideText::Constant(u"groupbox"), WideText::Constant(u"</groupbox>")}},
-    {"edit", {WideText::Constant(u"edit"), WideText::Constant(u"</edit>")}},
-    {"label", {WideText::Constant(u"label"), WideText::Constant(u"</label>")}},
-    {"listbox", {WideText::Constant(u"listbox"), WideText::Constant(u"</listbox>")}},
-    {"combobox", {WideText::Constant(u"combobox"), WideText::Constant(u"</combobox>")}},
-    {"unknown", {WideText::Constant(u"unknown"), WideText::Constant(u"</unknown>")}},
+    Kind("button", u"button", u"</button>", u"<button"),
+    Kind("checkbox", u"checkbox", u"</checkbox>", u"<checkbox"),
+    Kind("radiobutton", u"radiobutton", u"</radiobutton>", u"<radiobutton"),
+    Kind("groupbox", u"groupbox", u"</groupbox>", u"<groupbox"),
+    Kind("edit", u"edit", u"</edit>", u"<edit"),
+    Kind("label", u"label", u"</label>", u"<label"),
+    Kind("listbox", u"listbox", u"</listbox>", u"<listbox"),
+    Kind("combobox", u"combobox", u"</combobox>", u"<combobox"),
+    Kind("unknown", u"unknown", u"</unknown>", u"<unknown"),
 };
 
 } // namespace

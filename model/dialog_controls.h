@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "host/wide_text.h"
+#include "label/pieces/label_piece.h"
 #include "model/dialog_template.h"
 
 namespace tervane {
@@ -15,10 +16,13 @@ namespace tervane {
 // never written.
 const char* GetControlKind(WORD classOrdinal, DWORD style);
 
-// A kind's tag name and end tag, made once and shared by every control.
+// A kind's tag name and end tag, made once and shared by every control, and
+// the words of its start tags: those of "<kind", as the attributes that
+// follow add none.
 struct ControlKindTags {
     WideText name;
-    WideText closeTag;
+    ConstantTagText closeTag;
+    std::uint32_t openWords;
 };
 const ControlKindTags& GetControlKindTags(std::string_view kind);
 

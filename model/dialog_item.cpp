@@ -60,16 +60,16 @@ std::u16string_view TitleText(const OptionalText& title) {
 }
 
 constexpr WideText kDialogName = WideText::Constant(u"dialog");
-constexpr WideText kDialogClose = WideText::Constant(u"</dialog>");
+constexpr ConstantTagText kDialogClose = ConstantTag(u"</dialog>");
 constexpr WideText kCaptionName = WideText::Constant(u"caption");
-constexpr WideText kCaptionOpen = WideText::Constant(u"<caption>");
-constexpr WideText kCaptionClose = WideText::Constant(u"</caption>");
+constexpr ConstantTagText kCaptionOpen = ConstantTag(u"<caption>");
+constexpr ConstantTagText kCaptionClose = ConstantTag(u"</caption>");
 constexpr WideText kItemsName = WideText::Constant(u"items");
-constexpr WideText kItemsOpen = WideText::Constant(u"<items>");
-constexpr WideText kItemsClose = WideText::Constant(u"</items>");
+constexpr ConstantTagText kItemsOpen = ConstantTag(u"<items>");
+constexpr ConstantTagText kItemsClose = ConstantTag(u"</items>");
 constexpr WideText kItemName = WideText::Constant(u"item");
-constexpr WideText kItemOpen = WideText::Constant(u"<item>");
-constexpr WideText kItemClose = WideText::Constant(u"</item>");
+constexpr ConstantTagText kItemOpen = ConstantTag(u"<item>");
+constexpr ConstantTagText kItemClose = ConstantTag(u"</item>");
 
 UINT AnsiCodePage(WORD language) {
     char buffer[8] = {};
@@ -85,12 +85,16 @@ CDialogItem::~CDialogItem() = default;
 CDialogItem::CDialogItem(CDialogItem&&) noexcept = default;
 CDialogItem& CDialogItem::operator=(CDialogItem&&) noexcept = default;
 
-void CDialogItem::AppendOpen(WideText name, WideText tagText) {
-    pieces.push_back(MakeStructuralTag(std::move(name), std::move(tagText), 0, 1));
+void CDialogItem::AppendOpen(WideText name, WideText tagText, std::uint32_t words) {
+    pieces.push_back(MakeStructuralTag(std::move(name), std::move(tagText), 0, 1, words));
 }
 
-void CDialogItem::AppendClose(WideText name, WideText tagText) {
-    pieces.push_back(MakeStructuralTag(std::move(name), std::move(tagText), 1, 0));
+void CDialogItem::AppendOpen(WideText name, const ConstantTagText& tagText) {
+    pieces.push_back(MakeStructuralTag(std::move(name), tagText, 0, 1));
+}
+
+void CDialogItem::AppendClose(WideText name, const ConstantTagText& tagText) {
+    pieces.push_back(MakeStructuralTag(std::move(name), tagText, 1, 0));
 }
 
 void CDialogItem::AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption) {
@@ -104,7 +108,9 @@ void CDialogItem::AppendDialogOpen() {
     std::string tagText = "<";
     tagText += DialogTagBody(identifier);
     tagText += '>';
-    pieces.push_back(MakeStructuralTag(kDialogName, WidenTagText(tagText), 0, 1));
+    WideText wide = WidenTagText(tagText);
+    const std::uint32_t words = PackTagWords(FindTagWords(wide));
+    pieces.push_back(MakeStructuralTag(kDialogName, std::move(wide), 0, 1, words));
 }
 
 void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WORD languageId) {
@@ -178,17 +184,31 @@ void CDialogItem::ReadAndEmitControls(CDialogTemplateReader& reader) {
 
 void CDialogItem::EmitControls(const ControlList& list, bool includeFirst) {
     for (std::size_t at = includeFirst ? 0 : 1; at < list.size(); ++at) {
-        const DialogControl& control = list[at];
-        EmitControl(control);
-        const char* kind = GetControlKind(control.classOrdinal, control.style);
-        if (!Contains(kind, "groupbox"))
-            continue;
-        EmitControls(TakeGroupList(control.tabIndex), false);
-        // A box whose title is a number opened no tag, so there is nothing to
-        // close: its content stands at this level, and the tags stay balanced.
-        if (control.title)
-            CloseGroupBox(kind);
+        emittedControls.push_back(list[at]);
+        EmitContent(list[at]);
     }
+}
+
+void CDialogItem::EmitTakenControls(ControlList list) {
+    // The box in front was emitted with the level above.
+    for (std::size_t at = 1; at < list.size(); ++at) {
+        emittedControls.push_back(std::move(list[at]));
+        EmitContent(emittedControls.back());
+    }
+}
+
+void CDialogItem::EmitContent(const DialogControl& control) {
+    EmitControlPieces(control);
+    const char* kind = GetControlKind(control.classOrdinal, control.style);
+    if (!Contains(kind, "groupbox"))
+        return;
+    const bool titled = control.title.has_value();
+    // The box's content goes behind it; the box may move in the list meanwhile.
+    EmitTakenControls(TakeGroupList(control.tabIndex));
+    // A box whose title is a number opened no tag, so there is nothing to
+    // close: its content stands at this level, and the tags stay balanced.
+    if (titled)
+        CloseGroupBox(kind);
 }
 
 void CDialogItem::CloseGroupBox(const char* kind) {
@@ -211,6 +231,10 @@ void CDialogItem::CloseGroupBox(const char* kind) {
 
 void CDialogItem::EmitControl(const DialogControl& control) {
     emittedControls.push_back(control);
+    EmitControlPieces(control);
+}
+
+void CDialogItem::EmitControlPieces(const DialogControl& control) {
     if (!control.title && !control.className)
         return;
     const char* kind = GetControlKind(control.classOrdinal, control.style);
@@ -221,7 +245,7 @@ void CDialogItem::EmitControl(const DialogControl& control) {
     const ControlKindTags& tags = GetControlKindTags(kind);
 
     if (Contains(kind, "groupbox")) {
-        AppendOpen(tags.name, ControlStartTag(control, false));
+        AppendOpen(tags.name, ControlStartTag(control, false), tags.openWords);
         if (!title.empty())
             AppendCaption(title, marks, false);
         AppendOpen(kItemsName, kItemsOpen);
@@ -230,7 +254,7 @@ void CDialogItem::EmitControl(const DialogControl& control) {
     // One text for the control's tag and its list's, when it has both.
     WideText tagText = ControlStartTag(control, true);
     if (!title.empty()) {
-        AppendOpen(tags.name, tagText);
+        AppendOpen(tags.name, tagText, tags.openWords);
         AnalyseDialogText(title, marks, false);
         AppendClose(tags.name, tags.closeTag);
     }
@@ -245,7 +269,7 @@ void CDialogItem::EmitListItems(const std::string& dialogIdentifier, WORD contro
     if (entries.empty())
         return;
     const UINT codePage = AnsiCodePage(table.language);
-    AppendOpen(kind.name, std::move(tagText));
+    AppendOpen(kind.name, std::move(tagText), kind.openWords);
     for (const std::string& entry : entries) {
         AppendOpen(kItemName, kItemOpen);
         // Up to the first zero byte: the string's own terminator, or where

@@ -49,6 +49,8 @@ public:
     // The content list of the group box at tabIndex, taken out; empty if none.
     ControlList TakeGroupList(WORD tabIndex);
 
+    // Each control is copied into emittedControls, then gives its pieces;
+    // a group box gives its content behind it.
     void EmitControls(const ControlList& list, bool includeFirst);
     void EmitControl(const DialogControl& control);
     // The list's start tag is the control's, given whole.
@@ -72,11 +74,16 @@ public:
 
 private:
     void ReadAndEmitControls(CDialogTemplateReader& reader);
+    // A group box's content, whose controls move into emittedControls.
+    void EmitTakenControls(ControlList list);
+    void EmitContent(const DialogControl& control);
+    void EmitControlPieces(const DialogControl& control);
     void PartitionLevel(std::size_t start, ControlList& list, std::size_t depth);
     void CloseGroupBox(const char* kind);
     void AppendDialogOpen();
-    void AppendOpen(WideText name, WideText tagText);
-    void AppendClose(WideText name, WideText tagText);
+    void AppendOpen(WideText name, WideText tagText, std::uint32_t words);
+    void AppendOpen(WideText name, const ConstantTagText& tagText);
+    void AppendClose(WideText name, const ConstantTagText& tagText);
     void AppendCaption(std::u16string_view title, std::string_view marks, bool isCaption);
 };
 

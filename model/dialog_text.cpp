@@ -2,23 +2,30 @@
 // sees it (single '&', backslash and '%'), inline tags for what must stay.
 #include "frame/diagnostics/exceptions.h"
 #include "frame/resource.h"
-#include "label/grammars/escaped_label.h"
 #include "label/grammars/label_parser.h"
-#include "label/grammars/token_pieces.h"
 #include "model/dialog_controls.h"
 #include "model/dialog_item.h"
+#include "model/text_run.h"
 #include "model/text_util.h"
 
 namespace tervane {
 
+namespace {
+
+constexpr WideText kBlank = WideText::Constant(u" ");
+constexpr WideText kAmpersand = WideText::Constant(u"&");
+
+} // namespace
+
 void CDialogItem::AnalyseDialogText(std::u16string_view text, std::string_view marks,
                                     bool isCaption) {
-    // "&&" stays for the lexer, which keeps it as text.
-    std::u16string escaped = EscapeLabel(text, LabelKind::Dialog);
-    // The blank keeps a conversion at the very end from reaching the end of input.
-    escaped += u' ';
+    // Kept from text to text, as the tokens and the run below are.
+    thread_local UnitBuffer escapedUnits;
+    // "&&" stays for the lexer, which keeps it as text. The blank keeps a
+    // conversion at the very end from reaching the end of input.
+    const std::u16string_view escaped =
+        EscapeLabelInto(escapedUnits, text, LabelKind::Dialog, true);
     CLabelParser& labels = parser ? *parser : SharedLabelParser();
-    // Reused, so that its records and their texts are not reallocated for every text.
     thread_local LabelTokens tokens;
     tokens.clear();
     labels.Initialise(LabelKind::Dialog);
@@ -32,15 +39,16 @@ void CDialogItem::AnalyseDialogText(std::u16string_view text, std::string_view m
     // Such a label keeps "&&" as it is: the string table's unescaping, which
     // leaves '&' alone.
     const LabelKind unescaping = noPrefix ? LabelKind::String : LabelKind::Dialog;
-    std::u16string run;
+    thread_local TextRun run;
+    run.clear();
     auto flush = [&] {
         if (!run.empty())
-            pieces.push_back(MakeText(run));
+            pieces.push_back(MakeText(run.view()));
         run.clear();
     };
     for (const LabelToken& token : tokens) {
         if (token.type == label_token::kText) {
-            AppendUnescapedLabelText(run, token.text, unescaping);
+            run.AppendUnescaped(token.text, unescaping);
             continue;
         }
         flush();
@@ -48,21 +56,19 @@ void CDialogItem::AnalyseDialogText(std::u16string_view text, std::string_view m
         const bool hasAmpersand = t.find(u'&') != std::u16string_view::npos;
         // Such a label shows '&' as it is, and has no hotkey.
         if (noPrefix && hasAmpersand) {
-            pieces.push_back(MakeText(u"&"));
+            pieces.push_back(MakeSharedText(kAmpersand));
             continue;
         }
-        std::u16string trimmed;
         if (!t.empty() && t.front() == u' ') {
-            trimmed = TrimLeft(t);
-            t = trimmed;
-            pieces.push_back(MakeText(u" "));
+            t = TrimLeftView(t);
+            pieces.push_back(MakeSharedText(kBlank));
         }
         if (!t.empty() && t.back() == u' ') {
-            pieces.push_back(MakeInlineTag(TrimRight(t)));
-            pieces.push_back(MakeText(u" "));
+            pieces.push_back(MakeInlineTag(TrimRightView(t)));
+            pieces.push_back(MakeSharedText(kBlank));
         } else if (isCaption && hasAmpersand) {
             // A dialog's title has no hotkey.
-            pieces.push_back(MakeText(u"&"));
+            pieces.push_back(MakeSharedText(kAmpersand));
         } else {
             pieces.push_back(MakeInlineTag(t));
         }

@@ -1,5 +1,6 @@
 #include "model/menu_records.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -56,17 +57,24 @@ std::u16string ReadText(ByteReader& reader) {
 constexpr WideText kItemName = WideText::Constant(u"item");
 constexpr WideText kMenuName = WideText::Constant(u"menu");
 
+constexpr ConstantTagText kItemOpen = ConstantTag(u"<item>");
+constexpr ConstantTagText kItemClose = ConstantTag(u"</item>");
+constexpr ConstantTagText kMenuOpen = ConstantTag(u"<menu>");
+constexpr ConstantTagText kMenuClose = ConstantTag(u"</menu>");
+constexpr ConstantTagText kSeparator = ConstantTag(u"<separator/>");
+// An item tag with its id: the digits and quotes behind add no word.
+constexpr ConstantTagText kItemIdStart = ConstantTag(u"<item id=\"");
+
 std::unique_ptr<CTagLabelPiece> ItemClose() {
-    return MakeStructuralTag(kItemName, WideText::Constant(u"</item>"), 1, 0);
+    return MakeStructuralTag(kItemName, kItemClose, 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> PopupOpen() {
-    return MakeStructuralTag(kMenuName, WideText::Constant(u"<menu>"), 0, 1);
+    return MakeStructuralTag(kMenuName, kMenuOpen, 0, 1);
 }
 
 std::unique_ptr<CTagLabelPiece> Separator() {
-    return MakeStructuralTag(WideText::Constant(u"separator"), WideText::Constant(u"<separator/>"),
-                             0, 0);
+    return MakeStructuralTag(WideText::Constant(u"separator"), kSeparator, 0, 0);
 }
 
 // Closes the menu that the last item holding it belongs to.
@@ -107,23 +115,31 @@ void ReadChildren(MenuItemRecord& record, Bytes data, std::size_t& offset, int& 
 } // namespace
 
 std::unique_ptr<CTagLabelPiece> MakeMenuRootTag(const std::string& identifierText) {
-    return MakeStructuralTag(kMenuName, WidenTagText("<menu id=\"" + identifierText + "\">"), 0, 1);
+    WideText text = WidenTagText("<menu id=\"" + identifierText + "\">");
+    const std::uint32_t words = PackTagWords(FindTagWords(text));
+    return MakeStructuralTag(kMenuName, std::move(text), 0, 1, words);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeMenuCloseTag() {
-    return MakeStructuralTag(kMenuName, WideText::Constant(u"</menu>"), 1, 0);
+    return MakeStructuralTag(kMenuName, kMenuClose, 1, 0);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeItemTag(DWORD id) {
     const auto value = static_cast<std::int32_t>(id);
     if (id == 0xFFFF || value <= 0)
-        return MakeStructuralTag(kItemName, WideText::Constant(u"<item>"), 0, 1);
+        return MakeStructuralTag(kItemName, kItemOpen, 0, 1);
+    // Written on the stack, without a round through narrow text.
+    const std::u16string_view start = kItemIdStart.text;
     char digits[16];
     char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    std::u16string text = u"<item id=\"";
-    text.append(digits, end);
-    text += u"\">";
-    return MakeStructuralTag(kItemName, text, 0, 1);
+    char16_t text[start.size() + sizeof digits + 2];
+    char16_t* to = std::copy(start.begin(), start.end(), text);
+    to = std::copy(digits, end, to);
+    *to++ = u'"';
+    *to++ = u'>';
+    return MakeStructuralTag(
+        kItemName, WideText(std::u16string_view(text, static_cast<std::size_t>(to - text))), 0, 1,
+        kItemIdStart.words);
 }
 
 void ReadItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, bool isExtended,

@@ -12,6 +12,7 @@
 #include "label/grammars/label_parser.h"
 #include "label/grammars/token_pieces.h"
 #include "label/pieces/tag_predicates.h"
+#include "model/text_run.h"
 #include "model/text_util.h"
 #include "model/unit_runs.h"
 
@@ -56,36 +57,6 @@ char16_t* CopyUnits(char16_t* to, const std::uint8_t* from, std::size_t count) {
         *to++ = static_cast<char16_t>(LoadU16LE(from + 2 * i));
     return to;
 }
-
-// A growing buffer of units that is never cleared: its units are written
-// before they are read, so growing it need not fill it.
-class UnitBuffer {
-public:
-    // Room for size units; what it held before may be lost.
-    char16_t* Reserve(std::size_t size) {
-        if (size > capacity_) {
-            units_ = std::make_unique_for_overwrite<char16_t[]>(size);
-            capacity_ = size;
-        }
-        return units_.get();
-    }
-    // Room for more units behind the first kept, which stay.
-    char16_t* Grow(std::size_t kept, std::size_t more) {
-        if (more > capacity_ - kept) {
-            const std::size_t size = std::max(2 * capacity_, kept + more);
-            auto units = std::make_unique_for_overwrite<char16_t[]>(size);
-            std::copy_n(units_.get(), kept, units.get());
-            units_ = std::move(units);
-            capacity_ = size;
-        }
-        return units_.get() + kept;
-    }
-    const char16_t* data() const { return units_.get(); }
-
-private:
-    std::unique_ptr<char16_t[]> units_;
-    std::size_t capacity_ = 0;
-};
 
 // The string at offset, moved behind it, with the control characters as the
 // two-character escapes the lexer reads; '&' is plain text in a string
@@ -149,37 +120,6 @@ bool ReadEscapedString(Bytes data, std::size_t& offset, UnitBuffer& buffer,
     return true;
 }
 
-// A run of text being joined, kept from string to string so that joining
-// allocates nothing once it has grown.
-class TextRun {
-public:
-    // Appends text with the escapes of a string table's text tokens undone:
-    // a run of backslashes, or of '%', shrinks to half its length, rounded up.
-    void AppendUnescaped(std::u16string_view text) {
-        char16_t* to = buffer_.Grow(size_, text.size());
-        const char16_t* const start = to;
-        const std::size_t n = text.size();
-        for (std::size_t i = 0;;) {
-            const std::size_t plain = PlainUnescapeRun(text.data() + i, n - i);
-            to = std::copy_n(text.data() + i, plain, to);
-            i += plain;
-            if (i == n)
-                break;
-            const char16_t c = text[i];
-            *to++ = c;
-            i += i + 1 < n && text[i + 1] == c ? 2 : 1;
-        }
-        size_ += static_cast<std::size_t>(to - start);
-    }
-    bool empty() const { return size_ == 0; }
-    std::u16string_view view() const { return {buffer_.data(), size_}; }
-    void clear() { size_ = 0; }
-
-private:
-    UnitBuffer buffer_;
-    std::size_t size_ = 0;
-};
-
 constexpr WideText kBlank = WideText::Constant(u" ");
 
 // An inline tag, with a blank at its end moved behind it.
@@ -206,7 +146,7 @@ void AppendStringPieces(std::span<const LabelToken> tokens, PieceEntry& entry) {
     };
     for (const LabelToken& token : tokens) {
         if (token.type == 1) {
-            text.AppendUnescaped(token.text);
+            text.AppendUnescaped(token.text, LabelKind::String);
             continue;
         }
         flush();

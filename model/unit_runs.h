@@ -14,5 +14,7 @@ std::size_t PlainEscapeRun(const std::uint8_t* units, std::size_t count);
 // How many units at the start of text unescaping leaves alone: up to the
 // first backslash or '%'.
 std::size_t PlainUnescapeRun(const char16_t* text, std::size_t count);
+// How many units at the start of text are none of a, b and c, which may repeat.
+std::size_t RunWithout(const char16_t* text, std::size_t count, char16_t a, char16_t b, char16_t c);
 
 } // namespace tervane

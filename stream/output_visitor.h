@@ -12,6 +12,7 @@
 namespace tervane {
 
 struct MenuItemRecord;
+class CTagLabelPiece;
 struct TagWords;
 
 class COutputVisitor : public CResourceVisitor {
@@ -43,7 +44,7 @@ private:
 
     // The menu walk: a record's pieces, then its children, depth first.
     void WalkMenuRecord(const MenuItemRecord& record, bool root);
-    void SendMenuTag(const TagDescriptor& tag, bool root);
+    void SendMenuTag(const CTagLabelPiece& piece, bool root);
 
     IEvents* sink_ = nullptr;
     // Indentation depth in dialogs and menus, set at the start of each visit.

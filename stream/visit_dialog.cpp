@@ -1,6 +1,6 @@
+#include "label/pieces/tag_words.h"
 #include "model/dialog_resource.h"
 #include "stream/output_visitor.h"
-#include "stream/tag_words.h"
 
 namespace tervane {
 
@@ -50,16 +50,17 @@ int COutputVisitor::VisitDialog(CDialogResource* resource) {
                 SendText(text->text);
                 continue;
             }
-            const TagDescriptor* tag = TagOf(*piece);
-            if (tag == nullptr)
+            const CTagLabelPiece* tagPiece = piece->AsTag();
+            if (tagPiece == nullptr)
                 continue;
-            // One search serves the white space before and after the tag.
-            const TagWords words = FindTagWords(tag->tagText);
-            if (tag->startTag == 1 && tag->endTag == 0)
+            const TagDescriptor& tag = tagPiece->tag;
+            // The same words serve the white space before and after the tag.
+            const TagWords words = tagPiece->Words();
+            if (tag.startTag == 1 && tag.endTag == 0)
                 SendIndentBefore(words, true);
-            else if (tag->endTag == 1 && tag->startTag == 0)
+            else if (tag.endTag == 1 && tag.startTag == 0)
                 SendIndentBefore(words, false);
-            SendTag(*tag);
+            SendTag(tag);
             SendLineEndAfter(words);
         }
     }

@@ -1,8 +1,8 @@
 #include <cstring>
 
+#include "label/pieces/tag_words.h"
 #include "model/menu_resource.h"
 #include "stream/output_visitor.h"
-#include "stream/tag_words.h"
 
 namespace tervane {
 
@@ -17,9 +17,10 @@ template <std::size_t N> bool Is(std::u16string_view text, const char16_t (&word
 
 // "Contains after the start" is a search that ignores a match at the
 // text's first character.
-void COutputVisitor::SendMenuTag(const TagDescriptor& tag, bool root) {
+void COutputVisitor::SendMenuTag(const CTagLabelPiece& piece, bool root) {
+    const TagDescriptor& tag = piece.tag;
     const std::u16string_view text = tag.tagText;
-    const TagWords words = FindTagWords(text);
+    const TagWords words = piece.Words();
     const bool closesMenu = Is(text, u"</menu>");
     if (closesMenu)
         --level_;
@@ -43,7 +44,7 @@ void COutputVisitor::WalkMenuRecord(const MenuItemRecord& record, bool root) {
     for (const auto& piece : record.pieces) {
         if (const auto* text = TextOf(*piece))
             SendText(text->text);
-        else if (const TagDescriptor* tag = TagOf(*piece))
+        else if (const CTagLabelPiece* tag = piece->AsTag())
             SendMenuTag(*tag, root);
     }
     // The reader has bounded the tree's depth.

@@ -6,6 +6,9 @@
 
 namespace tervane {
 
+// Pieces are carved in steps of 16 bytes: the kept words cost no step.
+static_assert(sizeof(void*) != 8 || sizeof(CTagLabelPiece) <= 80);
+
 // The texts of structural tags are nearly always ASCII, which the process's
 // code page (UTF-8) keeps unit for unit: no conversion needed.
 WideText WidenTagText(std::string_view text) {
@@ -24,6 +27,17 @@ std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagTex
                                                   LONG startTag) {
     return std::make_unique<CTagLabelPiece>(std::move(name), std::move(tagText), 1, 0, endTag,
                                             startTag, 0);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagText, LONG endTag,
+                                                  LONG startTag, std::uint32_t words) {
+    return std::make_unique<CTagLabelPiece>(std::move(name), std::move(tagText), 1, 0, endTag,
+                                            startTag, 0, words);
+}
+
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, const ConstantTagText& tagText,
+                                                  LONG endTag, LONG startTag) {
+    return MakeStructuralTag(std::move(name), tagText.text, endTag, startTag, tagText.words);
 }
 
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::string_view name, std::string_view tagText) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/tag_descriptor.h"
+#include "label/pieces/tag_words.h"
 #include "platform/memory/block_pool.h"
 #include "platform/win32/types.h"
 
@@ -55,16 +56,35 @@ class CTagLabelPiece : public CLabelPiece {
 public:
     CTagLabelPiece() = default;
     explicit CTagLabelPiece(TagDescriptor descriptor) : tag(std::move(descriptor)) {}
-    // Filled in place: a descriptor built aside would be moved twice.
+    // Filled in place: a descriptor built aside would be moved twice. words
+    // are those of tagText, packed, when the caller knows them.
     CTagLabelPiece(WideText name, WideText tagText, LONG structural, LONG inlineClass, LONG endTag,
-                   LONG startTag, LONG inlineTag)
+                   LONG startTag, LONG inlineTag, std::uint32_t words = kWordsUnknown)
         : tag{std::move(name), std::move(tagText), structural, inlineClass,
-              endTag,          startTag,           inlineTag} {}
+              endTag,          startTag,           inlineTag},
+          words_(words) {}
 
     const CTagLabelPiece* AsTag() const override { return this; }
 
-    TagDescriptor tag;
+    // The words of the tag text: those it was built with, or searched now.
+    TagWords Words() const { return UnpackTagWords(words_, tag.tagText); }
+
+    // The words fill the descriptor's tail padding: the piece stays in its size class.
+    [[no_unique_address]] TagDescriptor tag;
+
+private:
+    std::uint32_t words_ = kWordsUnknown;
 };
+
+// A tag text known when the program is built, with its words.
+struct ConstantTagText {
+    WideText text;
+    std::uint32_t words;
+};
+template <std::size_t N> consteval ConstantTagText ConstantTag(const char16_t (&literal)[N]) {
+    return {WideText::Constant(literal),
+            PackTagWords(FindTagWordsPlain(std::u16string_view(literal, N - 1)))};
+}
 
 class CTextLabelPiece : public CLabelPiece {
 public:
@@ -93,6 +113,11 @@ std::unique_ptr<CTagLabelPiece> MakeEmptyTag(std::string_view name, std::string_
 // name and tag text.
 std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagText, LONG endTag,
                                                   LONG startTag);
+// The same with the tag text's words, packed, as the caller knows them.
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, WideText tagText, LONG endTag,
+                                                  LONG startTag, std::uint32_t words);
+std::unique_ptr<CTagLabelPiece> MakeStructuralTag(WideText name, const ConstantTagText& tagText,
+                                                  LONG endTag, LONG startTag);
 // The same with wide name and tag text, taken as they are.
 std::unique_ptr<CTagLabelPiece> MakeOpenTag(std::u16string_view name, std::u16string_view tagText);
 std::unique_ptr<CTagLabelPiece> MakeCloseTag(std::u16string_view name, std::u16string_view tagText);

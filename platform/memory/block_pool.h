@@ -25,7 +25,10 @@ namespace tervane::block_pool {
 
 inline constexpr std::size_t kGrain = 16;
 inline constexpr std::size_t kClasses = 8; // blocks of up to 128 bytes
-inline constexpr std::size_t kChunkSize = 32 * 1024;
+// Chunks are aligned to their size. Small ones came from the heap with up to
+// their size again cut off in front, which other allocations rarely filled;
+// a large one is mapped, and what its alignment skips is never touched.
+inline constexpr std::size_t kChunkSize = 1024 * 1024;
 
 constexpr int ClassOf(std::size_t size) {
     return size != 0 && size <= kGrain * kClasses ? static_cast<int>((size - 1) / kGrain) : -1;

@@ -228,6 +228,51 @@ TEST(DialogControls, StartTagsAtTheEdges) {
     }
 }
 
+// The tags of every kind of control, with and without their marks, keep the
+// words of their texts; so do the dialog's own tags, whatever its identifier.
+TEST(DialogItem, TagsKeepTheWordsOfTheirTexts) {
+    TemplateDialog dialog;
+    dialog.title = u"Title";
+    dialog.controls = {
+        Box(0, 0, 300, 300, u"Box"),
+        Control(0x80, kVisible, 1, 1, 5, 5, 2, u"Push"),
+        Control(0x80, kVisible | 0x02, 1, 10, 5, 5, 3, u"Check"),
+        Control(0x80, 0x09, 1, 20, 5, 5, 4, u"Radio"),
+        Control(0x81, kVisible | 0x2038, 1, 30, 5, 5, 0xFFFF, u"Edit"),
+        Control(0x82, kVisible | 0x80, 1, 40, 5, 5, 6, u"A&B"),
+        Control(0x83, kVisible, 1, 50, 5, 5, 7, u"List"),
+        Control(0x85, kVisible | 0x6000, 1, 60, 5, 5, 8, u"Combo"),
+        Control(0x80, kVisible | 7, -5, -5, 1, 1, 9, u"Empty box"),
+    };
+    for (const char* identifier : {"7", "menu id", "/items/label", "dialog"}) {
+        for (bool extended : {false, true}) {
+            dialog.extended = extended;
+            const CDialogItem item = Parse(dialog, identifier);
+            ASSERT_FALSE(item.pieces.empty());
+            test::ExpectKeptWords(item.pieces);
+        }
+    }
+}
+
+// Every control goes to the emitted list once, in the document's order, with
+// its title: also those of a box's content, which are moved there.
+TEST(DialogItem, EmittedControlsInDocumentOrder) {
+    TemplateDialog dialog;
+    dialog.controls = {Box(0, 0, 20, 20, u"A"),           Label(150, 10, 2, u"outside the boxes"),
+                       Box(40, 40, 100, 100, u"B"),       Box(70, 70, 30, 30, u"C"),
+                       Label(60, 60, 3, u"inside box B"), Label(80, 80, 4, u"deep inside box C")};
+    const CDialogItem item = Parse(dialog);
+    std::vector<std::string> titles;
+    for (const DialogControl& control : item.emittedControls)
+        titles.push_back(control.title ? Narrow(*control.title) : "-");
+    const std::vector<std::string> expected = {"A", "outside the boxes", "B",
+                                               "C", "deep inside box C", "inside box B"};
+    EXPECT_EQ(titles, expected);
+    // The top level stays in tab order, boxes included.
+    ASSERT_EQ(item.controls.size(), 3u);
+    EXPECT_EQ(Narrow(*item.controls[2].title), "B");
+}
+
 // Titles are cut to 256; only 0xFFFF0001 marks the extended form, anything else is a style.
 TEST(DialogItem, TitlesAreCutTo256) {
     TemplateDialog dialog;

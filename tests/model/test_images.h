@@ -46,4 +46,20 @@ inline std::string Spell(const CLabelPieceList& pieces) {
     return Narrow(out);
 }
 
+// Every tag piece answers for the words of its text as a search of it does,
+// whether it kept them when it was built or not.
+inline void ExpectKeptWords(const CLabelPieceList& pieces) {
+    for (const auto& piece : pieces) {
+        const CTagLabelPiece* tag = piece->AsTag();
+        if (tag == nullptr)
+            continue;
+        const TagWords kept = tag->Words();
+        const TagWords searched = FindTagWords(tag->tag.tagText);
+        const std::string shown = Narrow(tag->tag.tagText);
+        EXPECT_EQ(kept.found, searched.found) << shown;
+        EXPECT_EQ(kept.afterSlash, searched.afterSlash) << shown;
+        EXPECT_EQ(kept.found & ~kept.atStart, searched.found & ~searched.atStart) << shown;
+    }
+}
+
 } // namespace tervane::test

@@ -62,5 +62,28 @@ TEST(UnitRuns, UnescapeRunStopsAtBackslashOrPercent) {
     EXPECT_EQ(PlainUnescapeRun(u"", 0), 0u);
 }
 
+TEST(UnitRuns, RunWithoutStopsAtAnyOfItsThreeUnits) {
+    struct Case {
+        char16_t a, b, c;
+        char16_t unit;
+        bool stops;
+    };
+    const Case cases[] = {
+        {u'\\', u'%', u'&', u'&', true},    {u'\\', u'%', u'&', u'%', true},
+        {u'\\', u'\\', u'&', u'%', false},  {u'\\', u'\\', u'&', u'&', true},
+        {u'\\', u'%', u'%', u'&', false},   {u'\\', u'%', u'&', 0x2600, false},
+        {u'\\', u'%', u'&', 0x265C, false},
+    };
+    for (const Case& c : cases) {
+        for (std::size_t at : {0u, 7u, 8u, 9u, 16u, 24u}) {
+            std::u16string text(25, u'x');
+            text[at] = c.unit;
+            EXPECT_EQ(RunWithout(text.data(), text.size(), c.a, c.b, c.c),
+                      c.stops ? at : text.size())
+                << std::hex << static_cast<unsigned>(c.unit) << " at " << std::dec << at;
+        }
+    }
+}
+
 } // namespace
 } // namespace tervane

@@ -1,4 +1,4 @@
-#include "stream/tag_words.h"
+#include "label/pieces/tag_words.h"
 
 #include <gtest/gtest.h>
 
@@ -45,6 +45,15 @@ void ExpectSameAsSearches(std::u16string_view text) {
     const TagWords found = FindTagWords(text);
     const TagWords searched = Searched(text);
     const std::string shown(text.begin(), text.end());
+    const TagWords plain = FindTagWordsPlain(text);
+    EXPECT_EQ(plain.found, found.found) << shown;
+    EXPECT_EQ(plain.afterSlash, found.afterSlash) << shown;
+    EXPECT_EQ(plain.atStart, found.atStart) << shown;
+    // What a piece keeps gives the same answers, or none at all.
+    const std::uint32_t packed = PackTagWords(found);
+    EXPECT_EQ(packed == kWordsUnknown, found.atStart != 0) << shown;
+    EXPECT_EQ(UnpackTagWords(packed, text).found, found.found) << shown;
+    EXPECT_EQ(UnpackTagWords(packed, text).afterSlash, found.afterSlash) << shown;
     EXPECT_EQ(found.found, searched.found) << shown;
     EXPECT_EQ(found.afterSlash, searched.afterSlash) << shown;
     // A word at the start and again later counts as at the start, as a
@@ -52,6 +61,9 @@ void ExpectSameAsSearches(std::u16string_view text) {
     for (const Word& word : kWords)
         EXPECT_EQ(found.FirstAfterStart(word.bit), searched.FirstAfterStart(word.bit))
             << shown << " / " << std::string(word.text.begin(), word.text.end());
+    const TagWords kept = UnpackTagWords(PackTagWords(found), text);
+    for (const Word& word : kWords)
+        EXPECT_EQ(kept.FirstAfterStart(word.bit), found.FirstAfterStart(word.bit)) << shown;
 }
 
 TEST(TagWords, AsPlainSearchesFindThem) {
@@ -107,6 +119,16 @@ TEST(TagWords, AsPlainSearchesFindThem) {
             text += fragments[pick(random)];
         ExpectSameAsSearches(text);
     }
+}
+
+// Every word behind a slash fills all 32 bits: kept as unknown, searched again.
+TEST(TagWords, AllWordsBehindSlashesAreSearchedAgain) {
+    std::u16string text = u"<";
+    for (const Word& word : kWords)
+        text += u"/" + std::u16string(word.text);
+    const TagWords found = FindTagWords(text);
+    EXPECT_EQ(PackTagWords(found), kWordsUnknown);
+    EXPECT_EQ(UnpackTagWords(kWordsUnknown, text).afterSlash, found.afterSlash);
 }
 
 } // namespace
