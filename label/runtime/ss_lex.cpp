@@ -182,12 +182,14 @@ bool SSLex::settle(const SSLexFinalState& accepted, SSLexMark acceptedMark, bool
         if (!lexeme)
             return false;
     }
-    out.setObject(lexeme);
-    ++lexemeCount_;
+    // Held while the lookup may raise, so that an error frees it.
+    SSRef<SSLexLexeme> held = lexeme;
     if (accepted.flags & SSLexFinalState::setUserValue)
         lexeme->setUserValue(accepted.userValue);
     if (accepted.flags & SSLexFinalState::keyword)
         keywordLookup(*lexeme, accepted.keywordIndex, consumer.type());
+    out.setObject(lexeme);
+    ++lexemeCount_;
     return true;
 }
 
