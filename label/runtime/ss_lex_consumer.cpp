@@ -64,12 +64,7 @@ int SSLexConsumer::nextSlow() {
     if (index_ > end_)
         index_ = end_;
     ++consumed_;
-    if (current_ == 10) {
-        ++lineDelta_;
-        offset_ = 1;
-    } else {
-        ++offset_;
-    }
+    CountCharacter(current_, lineDelta_, offset_);
     return 1;
 }
 

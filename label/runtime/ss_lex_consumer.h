@@ -16,6 +16,17 @@ namespace tervane {
 class rcparsedbcsinfo;
 class SSLex;
 
+// Where a character leaves the position: a line feed starts the next line at
+// offset 1, anything else moves one place along.
+inline void CountCharacter(std::uint32_t c, std::uint32_t& lineDelta, std::uint32_t& offset) {
+    if (c == 10) {
+        ++lineDelta;
+        offset = 1;
+    } else {
+        ++offset;
+    }
+}
+
 struct SSLexMark {
     std::uint32_t index = 0;
     std::uint32_t lineDelta = 0;
@@ -79,12 +90,7 @@ public:
             current_ = static_cast<std::uint32_t>(p[0] | (p[1] << 8));
             index_ += 2;
             ++consumed_;
-            if (current_ == 10) {
-                ++lineDelta_;
-                offset_ = 1;
-            } else {
-                ++offset_;
-            }
+            CountCharacter(current_, lineDelta_, offset_);
             return 1;
         }
         return nextSlow();
@@ -128,12 +134,7 @@ public:
         std::uint32_t take() {
             const std::uint32_t c = peek();
             index += 2;
-            if (c == 10) {
-                ++lineDelta;
-                offset = 1;
-            } else {
-                ++offset;
-            }
+            CountCharacter(c, lineDelta, offset);
             return c;
         }
         SSLexMark mark() const { return {index, lineDelta, offset}; }

@@ -99,14 +99,8 @@ int SSLex::nextView(SSLexTokenData& out) {
         }
         const std::uint32_t first = consumer.index_;
         std::uint32_t index = startRead ? first : first + 2;
-        if (!startRead) {
-            if (c == 10) {
-                ++lineDelta;
-                offset = 1;
-            } else {
-                ++offset;
-            }
-        }
+        if (!startRead)
+            CountCharacter(c, lineDelta, offset);
         std::uint32_t state = 0;
         for (;;) {
             const std::uint32_t next =
@@ -142,12 +136,7 @@ int SSLex::nextView(SSLexTokenData& out) {
             }
             c = Unit(data, index);
             index += 2;
-            if (c == 10) {
-                ++lineDelta;
-                offset = 1;
-            } else {
-                ++offset;
-            }
+            CountCharacter(c, lineDelta, offset);
         }
         if (index != first) {
             consumer.current_ = Unit(data, index - 2);
