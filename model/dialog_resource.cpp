@@ -11,12 +11,10 @@ int CDialogResource::Accept(CResourceVisitor& visitor) {
 }
 
 void CDialogResource::ExtractPieces(CLabelPieceList& stream) {
-    std::size_t start = 0;
-    while (start < stream.size() && !IsOpen(*stream[start], u"dialogs"))
-        ++start;
-    if (start == stream.size())
+    const std::optional<std::size_t> after = AfterGroupOpen(stream, u"dialogs");
+    if (!after)
         return;
-    ++start; // the group's tag stays for the next dialog
+    const std::size_t start = *after;
 
     auto item = std::make_unique<CDialogItem>();
     std::size_t end = start;

@@ -49,12 +49,11 @@ int CMenuResource::Accept(CResourceVisitor& visitor) {
 }
 
 void CMenuResource::ExtractPieces(CLabelPieceList& stream) {
-    std::size_t at = 0;
-    while (at < stream.size() && !IsOpen(*stream[at], u"menus"))
-        ++at;
-    if (at == stream.size())
+    const std::optional<std::size_t> after = AfterGroupOpen(stream, u"menus");
+    if (!after)
         return;
-    const std::size_t start = ++at; // the group's tag stays for the next menu
+    const std::size_t start = *after;
+    std::size_t at = start;
 
     if (at < stream.size() && IsOpen(*stream[at], u"menu id")) {
         MenuItemRecord root;

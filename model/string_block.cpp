@@ -254,12 +254,10 @@ std::unique_ptr<CTagLabelPiece> CStringBlockResource::GetCloseTag() const {
 
 void CStringBlockResource::ExtractPieces(CLabelPieceList& stream) {
     const long block = BlockNumber(*this);
-    std::size_t start = 0;
-    while (start < stream.size() && !IsOpen(*stream[start], u"stringtable"))
-        ++start;
-    if (start == stream.size())
+    const std::optional<std::size_t> after = AfterGroupOpen(stream, u"stringtable");
+    if (!after)
         return;
-    ++start; // the group's tag stays for the next block
+    const std::size_t start = *after;
 
     std::size_t accepted = start;  // behind the last entry taken
     std::vector<std::size_t> work; // positions of the pieces of the entry being read

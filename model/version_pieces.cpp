@@ -29,12 +29,10 @@ CLabelPieceList ParseValue(std::string_view key, std::u16string_view value) {
 }
 
 void CVersionInfoResource::ExtractPieces(CLabelPieceList& stream) {
-    std::size_t start = 0;
-    while (start < stream.size() && !IsOpen(*stream[start], u"versioninfo"))
-        ++start;
-    if (start == stream.size())
+    const std::optional<std::size_t> after = AfterGroupOpen(stream, u"versioninfo");
+    if (!after)
         return;
-    ++start; // the group's tag stays for the next version resource
+    const std::size_t start = *after;
 
     std::size_t accepted = start;  // behind the last entry taken
     std::vector<std::size_t> work; // positions of the pieces of the entry being read

@@ -269,6 +269,14 @@ bool IsOpen(const CLabelPiece& piece, std::u16string_view word) {
     return tag != nullptr && IsOpen(*tag, word);
 }
 
+std::optional<std::size_t> AfterGroupOpen(const CLabelPieceList& stream,
+                                          std::u16string_view group) {
+    for (std::size_t at = 0; at < stream.size(); ++at)
+        if (IsOpen(*stream[at], group))
+            return at + 1;
+    return std::nullopt;
+}
+
 bool IsClose(const CLabelPiece& piece, std::u16string_view word) {
     const TagDescriptor* tag = TagOf(piece);
     return tag != nullptr && IsClose(*tag, word);

@@ -2,6 +2,7 @@
 // How every part of the system recognises a tag. IsOpen and IsClose decide by
 // substring in the tag text, so IsOpen(u"item") holds for <items> too: each
 // predicate below is written, and ordered, with that in mind.
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -58,6 +59,10 @@ std::u16string GetTagWord(const TagDescriptor& tag);
 // The same on a piece: a text or plain piece is no tag, so every test is false.
 bool IsOpen(const CLabelPiece& piece, std::u16string_view word);
 bool IsClose(const CLabelPiece& piece, std::u16string_view word);
+// Behind the first opening tag of group in stream, if there is one: a
+// resource's entries start there, and the group's tag stays for the next
+// resource of its kind.
+std::optional<std::size_t> AfterGroupOpen(const CLabelPieceList& stream, std::u16string_view group);
 int ResourceKindOfOpen(const CLabelPiece& piece);
 int ResourceKindOfClose(const CLabelPiece& piece);
 bool IsResourceOpen(const CLabelPiece& piece);
