@@ -228,9 +228,21 @@ template <typename Base> HRESULT CreateComInstance(IUnknown* outer, REFIID riid,
     return hr;
 }
 
-// The class object of Base. Module-owned: it does not hold the module; a
-// LockServer(TRUE) does.
-template <typename Base> class ClassFactory : public ComObjectRoot, public IClassFactory {
+// What every class object of the module shares. Module-owned: it does not
+// hold the module; a LockServer(TRUE) does.
+class ClassFactoryRoot : public ComObjectRoot, public IClassFactory {
+public:
+    HRESULT LockServer(BOOL lock) override {
+        if (lock)
+            LockModule();
+        else
+            UnlockModule();
+        return S_OK;
+    }
+};
+
+// The class object of Base.
+template <typename Base> class ClassFactory : public ClassFactoryRoot {
 public:
     static constexpr bool kLocksModule = false;
     static InterfaceMap<ClassFactory> Interfaces() {
@@ -240,13 +252,6 @@ public:
 
     HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
         return CreateComInstance<Base>(outer, riid, object);
-    }
-    HRESULT LockServer(BOOL lock) override {
-        if (lock)
-            LockModule();
-        else
-            UnlockModule();
-        return S_OK;
     }
 };
 

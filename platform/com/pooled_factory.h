@@ -28,7 +28,7 @@ private:
     PooledObject* nextFree_ = nullptr;
 };
 
-template <typename Base> class PooledClassFactory : public ComObjectRoot, public IClassFactory {
+template <typename Base> class PooledClassFactory : public ClassFactoryRoot {
 public:
     static constexpr bool kLocksModule = false;
     // Objects kept per thread; more are freed.
@@ -55,13 +55,6 @@ public:
             hr = made->QueryInterface(riid, object);
         made->Release();
         return hr;
-    }
-    HRESULT LockServer(BOOL lock) override {
-        if (lock)
-            LockModule();
-        else
-            UnlockModule();
-        return S_OK;
     }
 
     // Aggregated objects are not pooled; kept out of the common path.
