@@ -84,7 +84,6 @@ TEST(TagPredicates, EveryPredicateOnEveryKindOfTag) {
          "<versioninfo>",
          {"VersionInfoEntryOpen", "NamedResourceOpen", "ResourceOpen", "Ordered"},
          4},
-        {Kind::Open, "<legalcopyright>", {"VersionInfoEntryOpen", "SegmentOpen", "Ordered"}},
         {Kind::Empty, "<separator/>", {"Ordered"}},
         {Kind::Inline, "%10", {"Numbered"}},
         {Kind::Inline, "%1d", {"Ordered"}}, // read from the end, the number starts with d
