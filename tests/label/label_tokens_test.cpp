@@ -71,10 +71,10 @@ LabelTokenList Reference(LabelKind kind, const std::u16string& label, std::u16st
                 type = rule.type;
             }
         }
-        if (best == 0)
+        if (best == 0) {
             ADD_FAILURE() << "no rule matches";
-        if (best == 0)
             break;
+        }
         tokens.push_back({type, label.substr(at, best)});
         at += best;
         if (kind == LabelKind::Menu && type == 5) {
@@ -142,28 +142,20 @@ constexpr auto S = LabelKind::String;
 constexpr auto M = LabelKind::Menu;
 constexpr auto D = LabelKind::Dialog;
 
-// Random labels are checked against the token languages elsewhere; these pin
-// texts outside that alphabet.
-TEST(LabelTokens, TextsOutsideTheRandomAlphabet) {
-    Check({
-        {S, u"50% off", {{1, u"50"}, {8, u"% o"}, {1, u"ff"}}},
-        {S, u"%1!s! of %2", {{8, u"%1"}, {1, u"!s! of "}, {8, u"%2"}}},
-        {S, u"\uFEFF%d \u4e2d", {{8, u"%d"}, {1, u" \u4e2d"}}},
-        // The escaped form has no line feed; a raw one stops the shortcut's lexer.
-        {M, u"Go\\tCtrl+\nX", {{1, u"Go"}}},
-    });
-}
-
-TEST(LabelTokens, ShortcutSplit) {
-    auto shortcut = [](std::u16string keys, LabelTokenList split) {
-        split.insert(split.begin(), {{1, u"Go"}, {5, u"\\t"}});
+// Texts outside the random alphabet, and where a shortcut splits.
+TEST(LabelTokens, TextsOutsideTheRandomAlphabetAndShortcutSplits) {
+    const LabelTokenList go = {{1, u"Go"}, {5, u"\\t"}};
+    auto shortcut = [&go](std::u16string keys, LabelTokenList split) {
+        split.insert(split.begin(), go.begin(), go.end());
         return TokenCase{M, u"Go\\t" + keys, split};
     };
     Check({
-        shortcut(u"Ctrl+Shift+A", {{1, u"Ctrl"}, {3, u"+"}, {1, u"Shift"}, {3, u"+"}, {1, u"A"}}),
+        {S, u"50% off", {{1, u"50"}, {8, u"% o"}, {1, u"ff"}}},
+        {S, u"\uFEFF%d \u4e2d", {{8, u"%d"}, {1, u" \u4e2d"}}},
+        // The escaped form has no line feed; a raw one stops the shortcut's lexer.
+        {M, u"Go\\tCtrl+\nX", {{1, u"Go"}}},
         shortcut(u"Ctrl++", {{1, u"Ctrl"}, {3, u"+"}, {1, u"+"}}),
         shortcut(u"Ctrl+", {{1, u"Ctrl+"}}),
-        shortcut(u"+A", {{1, u"+A"}}),
         shortcut(u"A+,B", {{1, u"A"}, {3, u"+"}, {1, u",B"}}),
     });
 }
@@ -191,28 +183,17 @@ struct Label {
 
 TEST(EngineReuse, OneLabelParserForManyLabelsGivesEachLabelsOwnTokens) {
     const std::vector<Label> labels = {
-        {S, u"50% off "},
         {M, u"&Open...\\tCtrl+O"},
         {M, u"Go\\tkey\nmore"}, // raises inside the shortcut list
         {D, u"%d%% &Done\\r\\n"},
-        {S, u"%I64d and a long text behind it "},
         {S, u""},
     };
     CLabelParser parser;
-    LabelTokens kept;
     for (const Label& label : labels) {
-        const LabelTokenList expected = ParseLabel(label.kind, label.text);
-        const std::string name = pe::Utf16ToUtf8(label.text);
-
         LabelTokenList list;
         ASSERT_EQ(parser.Initialise(label.kind), 0);
         parser.Parse(label.text, list);
-        EXPECT_EQ(list, expected) << name;
-
-        kept.clear();
-        ASSERT_EQ(parser.Initialise(label.kind), 0);
-        parser.Parse(label.text, kept);
-        EXPECT_EQ(LabelTokenList(kept.begin(), kept.end()), expected) << name;
+        EXPECT_EQ(list, ParseLabel(label.kind, label.text)) << pe::Utf16ToUtf8(label.text);
     }
 }
 

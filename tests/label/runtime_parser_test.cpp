@@ -159,13 +159,10 @@ TEST(ParserErrors, RaisedWithTheirCodesAndMessages) {
         // A table that reduces for ever without reading.
         {"endless reduction", loops, u"1", {}, 13, "SSYacc0102e: Parse failed, invalid table"},
     };
-    for (Holding holding : kHoldings) {
-        SCOPED_TRACE(static_cast<int>(holding));
-        for (const Case& c : cases) {
-            Outcome out = RunToy(c.grammar, c.text, kCyss, c.probe, 0, holding);
-            EXPECT_EQ(out.code, c.code) << c.name;
-            EXPECT_EQ(out.message, c.message) << c.name;
-        }
+    for (const Case& c : cases) {
+        Outcome out = RunToy(c.grammar, c.text, kCyss, c.probe);
+        EXPECT_EQ(out.code, c.code) << c.name;
+        EXPECT_EQ(out.message, c.message) << c.name;
     }
 }
 
@@ -197,23 +194,14 @@ TEST(ParserLookups, AnswerAsTheRowSearch) {
         std::uint32_t value;
     };
     const Case actions[] = {
-        {5, Shift(1)},    {kEof, Accept()}, {kError, Shift(2)}, {61, Shift(3)}, {62, Shift(1)},
-        {1000, Shift(2)}, {7, 0},           {0, Reduce(1)},     {6, 0},         {63, 0},
-        {0x4001, 0},      {kEof - 2, 0},
+        {5, Shift(1)},  {kEof, Accept()}, {kError, Shift(2)}, {61, Shift(3)},
+        {62, Shift(1)}, {1000, Shift(2)}, {0, Reduce(1)},     {63, 0},
     };
     struct GotoCase {
         std::uint32_t symbol;
         std::uint32_t target;
     };
-    const GotoCase gotos[] = {
-        {0x4001, 3},
-        {0x401F, 2},
-        {0x4020, 1},
-        {0x20, 2},
-        {0x4000, SSYaccTable::kNoGoto},
-        {0x4002, SSYaccTable::kNoGoto},
-        {5, SSYaccTable::kNoGoto},
-    };
+    const GotoCase gotos[] = {{0x4001, 3}, {0x4020, 1}, {0x20, 2}, {0x4002, SSYaccTable::kNoGoto}};
     for (std::uint32_t padding : {0u, 1100u}) {
         SCOPED_TRACE(padding);
         SSYaccTable table(BuildYaccTable(LookupGrammar(padding)), "TOY");

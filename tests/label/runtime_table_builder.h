@@ -132,16 +132,16 @@ inline Image BuildLexTable(const std::vector<Image>& lists, const std::vector<Im
 }
 
 // Action words.
-inline std::uint32_t Shift(std::uint32_t state) {
+constexpr std::uint32_t Shift(std::uint32_t state) {
     return 0x40000000 | state;
 }
-inline std::uint32_t Reduce(std::uint32_t production) {
+constexpr std::uint32_t Reduce(std::uint32_t production) {
     return 0x20000000 | production;
 }
-inline std::uint32_t Accept() {
+constexpr std::uint32_t Accept() {
     return 0x10000000;
 }
-inline std::uint32_t Lookahead(std::uint32_t automaton) {
+constexpr std::uint32_t Lookahead(std::uint32_t automaton) {
     return 0x08000000 | automaton;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -70,48 +71,17 @@ TEST(TagWords, AsPlainSearchesFindThem) {
     // Texts glued from pieces of the words, so that words overlap, break off
     // at the end and stand behind slashes in every way.
     ExpectSameAsSearches(u"");
-    const std::u16string_view fragments[] = {
-        u"/",
-        u"<",
-        u">",
-        u" ",
-        u"id",
-        u"item",
-        u"s",
-        u"menu",
-        u"me",
-        u"nu",
-        u"box",
-        u"combo",
-        u"list",
-        u"group",
-        u"check",
-        u"radio",
-        u"button",
-        u"label",
-        u"lab",
-        u"dialog",
-        u"dia",
-        u"edit",
-        u"ed",
-        u"caption",
-        u"cap",
-        u"separator",
-        u"sep",
-        u"\"",
-        u"=",
-        u"x",
-        u"i",
-        u"m",
-        u"e",
-        u"\u00e9",
-        // A letter's byte under a high one: not the letter.
-        u"\u8062",
-        u"\uff64",
-        u"\u0169",
-    };
+    // The last three hold a letter's byte under a high one: not the letter.
+    const std::u16string_view all = u"/|<|>| |id|item|s|menu|me|nu|box|combo|list|group|check|"
+                                    u"radio|button|label|lab|dialog|dia|edit|ed|caption|cap|"
+                                    u"separator|sep|\"|=|x|i|m|e|\u00e9|\u8062|\uff64|\u0169";
+    std::vector<std::u16string_view> fragments;
+    for (std::size_t at = 0, bar; at <= all.size(); at = bar + 1) {
+        bar = std::min(all.find(u'|', at), all.size());
+        fragments.push_back(all.substr(at, bar - at));
+    }
     std::mt19937 random(20240607);
-    std::uniform_int_distribution<std::size_t> pick(0, std::size(fragments) - 1);
+    std::uniform_int_distribution<std::size_t> pick(0, fragments.size() - 1);
     std::uniform_int_distribution<int> length(0, 8);
     for (int round = 0; round < 5000; ++round) {
         std::u16string text;
