@@ -24,8 +24,8 @@ template <typename Member> std::ptrdiff_t Slot(Member member) {
 }
 
 TEST(VtableLayout, OperationsStayInTheirSlots) {
+    // The last operation of each interface, and those that break its pattern.
     const std::pair<std::ptrdiff_t, std::ptrdiff_t> slots[] = {
-        {Slot(&IUnknown::QueryInterface), 0},
         {Slot(&IUnknown::Release), 2},
         {Slot(&IDispatch::Invoke), 6},
         {Slot(&IClassFactory::LockServer), 4},
@@ -34,24 +34,12 @@ TEST(VtableLayout, OperationsStayInTheirSlots) {
         {Slot(&ISupportErrorInfo::InterfaceSupportsErrorInfo), 3},
         {Slot(&IText::put_Text), 8},
         {Slot(&IProperty::get_Value), 9},
-        {Slot(&IDocumentInfo::get_SourceFile), 7},
         {Slot(&IDocumentInfo::put_SecondNumber), 14},
-        {Slot(&IFilterHost::raw_Progress), 7},
         {Slot(&IFilterHost::raw_Pump), 8},
-        {Slot(&IFileParser::Initialize), 3},
-        {Slot(&IFileParser::raw_Parse), 6},
         {Slot(&IFileParser::raw_Close), 7},
-        {Slot(&IFileWriter::Initialize), 3},
-        {Slot(&IFileWriter::raw_Write), 6},
         {Slot(&IFileWriter::raw_Close), 7},
-        {Slot(&IPreviewFileWriter::Initialize), 3},
-        {Slot(&IPreviewFileWriter::raw_Write), 6},
-        {Slot(&IPreviewFileWriter::raw_Close), 7},
         {Slot(&IPreviewFileWriter::get_PreviewReady), 9},
-        {Slot(&IFilterComponent::Initialize), 3},
-        {Slot(&IFilterComponent::raw_Run), 6},
         {Slot(&IFilterComponent::raw_Close), 7},
-        {Slot(&IFileScanner::Initialize), 3},
         {Slot(&IFileScanner::raw_Scan), 4},
         {Slot(&IFileScanner::raw_Close), 5},
         {Slot(&IFileScanner::get_Message), 7},

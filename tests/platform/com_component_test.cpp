@@ -1,4 +1,4 @@
-// Identity, counts and aggregation of components, and creation by class.
+// Counts and aggregation of components, and creation by class.
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -48,44 +48,6 @@ public:
 ULONG Count(IUnknown* unknown) {
     unknown->AddRef();
     return unknown->Release();
-}
-
-IUnknown* Identity(IUnknown* unknown) {
-    IUnknown* identity = nullptr;
-    EXPECT_EQ(unknown->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&identity)), S_OK);
-    identity->Release();
-    return identity;
-}
-
-TEST(Component, PlainObjectHasOneIdentityAndCountsEveryReference) {
-    LONG locks = ModuleLockCount();
-    ComPtr<IAlpha> alpha;
-    ASSERT_EQ(CreateComInstance<Widget>(nullptr, IAlpha::iid, alpha.ReceiveVoid()), S_OK);
-    EXPECT_EQ(g_alive, 1);
-    EXPECT_EQ(ModuleLockCount(), locks + 1);
-    EXPECT_EQ(Count(alpha.get()), 1u);
-
-    ComPtr<IBeta> beta;
-    ASSERT_EQ(alpha.As(beta), S_OK);
-    ComPtr<IDispatch> dispatch;
-    ASSERT_EQ(alpha.As(dispatch), S_OK);
-    EXPECT_EQ(static_cast<IDispatch*>(beta.get()), dispatch.get()) << "IDispatch stands for IBeta";
-    EXPECT_EQ(Count(alpha.get()), 3u);
-    EXPECT_EQ(Identity(alpha.get()), Identity(beta.get()));
-    EXPECT_EQ(Identity(beta.get()), static_cast<IUnknown*>(alpha.get())) << "first entry";
-    EXPECT_EQ(static_cast<Widget*>(alpha.get())->ControllingUnknown(), Identity(alpha.get()));
-
-    ComPtr<INever> never;
-    EXPECT_EQ(alpha.As(never), E_NOINTERFACE);
-    EXPECT_EQ(never.get(), nullptr);
-    EXPECT_EQ(alpha->QueryInterface(IAlpha::iid, nullptr), E_POINTER);
-
-    alpha.Reset();
-    beta.Reset();
-    EXPECT_EQ(g_alive, 1);
-    dispatch.Reset();
-    EXPECT_EQ(g_alive, 0);
-    EXPECT_EQ(ModuleLockCount(), locks);
 }
 
 // A stand-in outer object: the factory only looks at whether one is given.

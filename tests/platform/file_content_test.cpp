@@ -4,7 +4,6 @@
 
 #include "platform/files/file_bytes.h"
 #include "platform/win32/last_error.h"
-#include "platform/win32/resources.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
@@ -39,27 +38,6 @@ TEST(FileContent, MappedAndReadFilesGiveTheirBytes) {
     }
     EXPECT_EQ(files::ReadFileContent(dir).error().code, DWORD{ERROR_ACCESS_DENIED});
     EXPECT_EQ(files::ReadFileContent(dir + "/missing").error().code, DWORD{ERROR_FILE_NOT_FOUND});
-}
-
-// A large image is mapped: its resources must read as those of the same image read whole.
-TEST(FileContent, LargeImageLoadsAsItsSmallCopy) {
-    const std::string small = test::FixturePath("reader", "x64");
-    std::vector<unsigned char> bytes = test::ReadFile(small);
-    bytes.resize(1 << 20, 0xEE); // appended data behind the sections
-    const std::string large = test::TempDir() + "/large.dll";
-    test::WriteFile(large, bytes);
-    std::vector<std::string> texts;
-    for (const std::string& path : {small, large}) {
-        HMODULE module = LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-        ASSERT_NE(module, nullptr) << path;
-        HRSRC found = FindResourceExA(module, RT_RCDATA, "A", 1033);
-        const void* data = LockResource(LoadResource(module, found));
-        ASSERT_NE(data, nullptr) << path;
-        texts.emplace_back(static_cast<const char*>(data), SizeofResource(module, found));
-        FreeLibrary(module);
-    }
-    EXPECT_EQ(texts[0], texts[1]);
-    EXPECT_EQ(texts[0].substr(0, 4), "A en");
 }
 
 } // namespace
