@@ -145,27 +145,17 @@ TEST(MenuRecords, TagsKeepTheWordsOfTheirTexts) {
         for (const MenuItemRecord& child : record.children)
             expectKept(child);
     };
-    for (bool extended : {false, true}) {
-        MenuImage image(extended);
-        if (extended) {
-            image.Extended(0, 5, 1, u"&File")
-                .Extended(0, 0x7FFFFFFF, 0, u"Open\tCtrl+O")
-                .Extended(0x800, 0, 0, u"")
-                .Extended(0, 0xFFFF, 0x80, u"item id")
-                .Extended(0, 9, 0x80, u"Help");
-        } else {
-            image.Popup(0, u"&File")
-                .Plain(0, 65535, u"Open\tCtrl+O")
-                .Plain(0, 0, u"")
-                .Plain(kEnd, 12, u"menu id")
-                .Plain(kEnd, 9, u"Help");
-        }
-        for (const char* id : {"1", "separator", "/menu"}) {
-            const auto menu = image.Read(id);
-            ASSERT_FALSE(menu->items.empty());
-            for (const MenuItemRecord& record : menu->items)
-                expectKept(record);
-        }
+    MenuImage image(true);
+    image.Extended(0, 5, 1, u"&File")
+        .Extended(0, 0x7FFFFFFF, 0, u"Open\tCtrl+O")
+        .Extended(0x800, 0, 0, u"")
+        .Extended(0, 0xFFFF, 0x80, u"item id")
+        .Extended(0, 9, 0x80, u"Help");
+    for (const char* id : {"1", "separator", "/menu"}) {
+        const auto menu = image.Read(id);
+        ASSERT_FALSE(menu->items.empty());
+        for (const MenuItemRecord& record : menu->items)
+            expectKept(record);
     }
 }
 

@@ -187,16 +187,6 @@ TEST(VersionBlock, ShortDataIsCorrupted) {
     EXPECT_THROW(CVersionInfoCommand().Execute(longer, &resource), CParserException);
 }
 
-TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
-    const std::pair<std::u16string, std::string> cases[] = {
-        {u"", "<comments></comments>"},
-        // Line feed is the \r mark.
-        {u"x\n\n", "<comments>[x]{\\r}{\\r}</comments>"},
-    };
-    for (const auto& [value, spelt] : cases)
-        EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
-}
-
 std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
     std::string out;
     for (const auto& entry : entries)
