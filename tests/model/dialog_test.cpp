@@ -166,13 +166,6 @@ TEST(DialogItem, WhatADialogGives) {
         {"a box whose title is a number gives its content to its level",
          {numberedBox, Label(10, 10, 2, u"A")},
          "<dialog id=\"7\"><items><label id=\"2\">[A]</label></items></dialog>"},
-        {"a box that takes nothing, then one that does, and a box within it",
-         {Box(0, 0, 20, 20, u"A"), Label(150, 10, 2, u"out"), Box(40, 40, 100, 100, u"B"),
-          Box(70, 70, 30, 30, u"C"), Label(60, 60, 3, u"in"), Label(80, 80, 4, u"deep")},
-         "<dialog id=\"7\"><items><groupbox id=\"1\"><caption>[A]</caption></groupbox>"
-         "<label id=\"2\">[out]</label><groupbox id=\"1\"><caption>[B]</caption><items>"
-         "<groupbox id=\"1\"><caption>[C]</caption><items><label id=\"4\">[deep]</label>"
-         "</items></groupbox><label id=\"3\">[in]</label></items></groupbox></items></dialog>"},
         {"template order is not the order on screen",
          {Label(0, 30, 2, u"C"), Box(0, 0, 50, 50, u"Box"), Label(0, 10, 3, u"A"),
           Label(5, 60, 4, u"D"), Label(0, 20, 5, u"B")},
@@ -238,25 +231,6 @@ TEST(DialogItem, TagsKeepTheWordsOfTheirTexts) {
         ASSERT_FALSE(item.pieces.empty());
         test::ExpectKeptWords(item.pieces);
     }
-}
-
-// Every control goes to the emitted list once, in the document's order, with
-// its title: also those of a box's content, which are moved there.
-TEST(DialogItem, EmittedControlsInDocumentOrder) {
-    TemplateDialog dialog;
-    dialog.controls = {Box(0, 0, 20, 20, u"A"),           Label(150, 10, 2, u"outside the boxes"),
-                       Box(40, 40, 100, 100, u"B"),       Box(70, 70, 30, 30, u"C"),
-                       Label(60, 60, 3, u"inside box B"), Label(80, 80, 4, u"deep inside box C")};
-    const CDialogItem item = Parse(dialog);
-    std::vector<std::string> titles;
-    for (const DialogControl& control : item.emittedControls)
-        titles.push_back(control.title ? Narrow(*control.title) : "-");
-    const std::vector<std::string> expected = {"A", "outside the boxes", "B",
-                                               "C", "deep inside box C", "inside box B"};
-    EXPECT_EQ(titles, expected);
-    // The top level stays in tab order, boxes included.
-    ASSERT_EQ(item.controls.size(), 3u);
-    EXPECT_EQ(Narrow(*item.controls[2].title), "B");
 }
 
 // Titles are cut to 256; only 0xFFFF0001 marks the extended form, anything else is a style.
