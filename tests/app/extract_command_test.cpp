@@ -115,35 +115,23 @@ TEST(ExtractDialogs, TracesOfTheReader) {
     }
 }
 
-// One line of the events; text is in its JSON-escaped form.
-std::string Tag(const std::string& text, const std::string& name, int start, int end,
-                int inlineTag = 0) {
-    return "{\"event\": \"Tag\", \"text\": \"" + text + "\", \"name\": \"" + name +
-           "\", \"start\": " + std::to_string(start) + ", \"end\": " + std::to_string(end) +
-           ", \"inline\": " + std::to_string(inlineTag) + "}";
-}
-
-std::string Text(const std::string& text) {
-    return "{\"event\": \"Text\", \"text\": \"" + text + "\"}";
-}
-
 // What the plain document does not show: a caption's hotkey mark is text,
 // a button's an inline tag.
 TEST(ExtractDialogs, EventsOfACaptionAndAButton) {
-    const std::vector<std::string> caption = {
-        Tag("<caption>", "caption", 1, 0),  Text("Print "), Text("&"), Text("Setup"),
-        Tag("</caption>", "caption", 0, 1), Text("\\n")};
-    const std::vector<std::string> button = {Tag("&", "&", 0, 0, 1), Text("Help"),
-                                             Tag("</button>", "button", 0, 1), Text("\\n")};
-    const std::string help =
-        Tag(R"(<button x=\"130\" y=\"40\" width=\"50\" height=\"14\" id=\"9\">)", "button", 1, 0);
+    const std::vector<std::string> caption = {R"({"event": "Text", "text": "Print "})",
+                                              R"({"event": "Text", "text": "&"})",
+                                              R"({"event": "Text", "text": "Setup"})"};
+    const std::vector<std::string> button = {
+        R"({"event": "Tag", "text": "&", "name": "&", "start": 0, "end": 0, "inline": 1})",
+        R"({"event": "Text", "text": "Help"})"};
     for (const auto& image : test::FixtureImages("fwd_dialogs")) {
         std::vector<std::string> lines = Lines(Extract("--events", image).out);
-        auto at = std::search(lines.begin(), lines.end(), caption.begin(), caption.end());
-        EXPECT_NE(at, lines.end()) << image;
-        at = std::find(lines.begin(), lines.end(), help);
-        ASSERT_GE(lines.end() - at, 5) << image;
-        EXPECT_EQ(std::vector<std::string>(at + 1, at + 5), button) << image;
+        EXPECT_NE(std::search(lines.begin(), lines.end(), caption.begin(), caption.end()),
+                  lines.end())
+            << image;
+        EXPECT_NE(std::search(lines.begin(), lines.end(), button.begin(), button.end()),
+                  lines.end())
+            << image;
     }
 }
 
