@@ -1,15 +1,11 @@
 #!/usr/bin/python3
-"""Checks that every text of the dialogs, menus, string tables and version
-values of PE files comes out of `tervane extract --events` exactly once.
+"""usage: check_texts.py TERVANE FILE...
 
-usage: check_texts.py TERVANE FILE...
-
-An independent reader (python3-pefile and the template layouts) lists the
-texts that a translator must see; the events give the texts between each
-element's tags. Both sides are compared as multisets of their letters and
-digits only, so that escapes, hotkey marks and placeholders, which the
-conversion turns into tags, do not count. Prints one line per file that
-differs and a last line "N files, M texts, K differ".
+Every text of the dialogs, menus, string tables and version values that an
+independent reader (python3-pefile and the template layouts) finds must come
+out of `tervane extract --events` exactly once. Texts compare by their letters
+and digits only: escapes, hotkey marks and placeholders become tags. Prints a
+line per file that differs, then "N files, M texts, K differ".
 """
 import collections
 import json

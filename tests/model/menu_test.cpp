@@ -16,46 +16,39 @@ struct MenuImage {
     explicit MenuImage(bool extended) : extended(extended) {
         Word(extended).Word(extended ? 4 : 0);
         if (extended)
-            Word(0).Word(0);
+            b.U32(0);
     }
     MenuImage& Word(std::uint16_t w) {
-        bytes.insert(bytes.end(),
-                     {static_cast<std::uint8_t>(w), static_cast<std::uint8_t>(w >> 8)});
+        b.U16(w);
         return *this;
     }
-    MenuImage& Text(const std::u16string& text) {
-        for (char16_t c : text)
-            Word(c);
-        return Word(0);
-    }
     MenuImage& Plain(std::uint16_t flags, std::uint16_t id, const std::u16string& text) {
-        return Word(flags).Word(id).Text(text);
+        b.U16(flags).U16(id).Text(text);
+        return *this;
     }
     MenuImage& Popup(std::uint16_t flags, const std::u16string& text) {
-        return Word(flags | 0x10).Text(text);
+        b.U16(flags | 0x10).Text(text);
+        return *this;
     }
     MenuImage& Extended(std::uint32_t type, std::uint32_t id, std::uint16_t resInfo,
                         const std::u16string& text, std::uint32_t helpId = 0) {
-        for (std::uint32_t d : {type, 0u, id})
-            Word(static_cast<std::uint16_t>(d)).Word(static_cast<std::uint16_t>(d >> 16));
-        Word(resInfo).Text(text);
-        bytes.resize((bytes.size() + 3) & ~std::size_t{3});
+        b.U32(type).U32(0).U32(id).U16(resInfo).Text(text).Align();
         if (resInfo & 1)
-            Word(static_cast<std::uint16_t>(helpId)).Word(static_cast<std::uint16_t>(helpId >> 16));
+            b.U32(helpId);
         return *this;
     }
     // The menu read with the header fields the enumeration would set.
     std::unique_ptr<CMenuResource> Read(const std::string& id = "1", long sizeChange = 0) const {
         auto menu = std::make_unique<CMenuResource>();
         menu->identifierText = id;
-        menu->size = static_cast<DWORD>(static_cast<long>(bytes.size()) + sizeChange);
+        menu->size = static_cast<DWORD>(static_cast<long>(b.bytes.size()) + sizeChange);
         menu->extendedVersion = extended ? 1 : 0;
-        CMenuCommand().Execute(bytes, menu.get());
+        CMenuCommand().Execute(b.bytes, menu.get());
         return menu;
     }
 
     bool extended;
-    std::vector<std::uint8_t> bytes;
+    Bytes b;
 };
 
 // One line a record, depth first, two blanks a level.
