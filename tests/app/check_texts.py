@@ -97,36 +97,25 @@ def dialog_texts(data):
 
 def menu_texts(data):
     r = Reader(data)
-    version = r.u16()
+    extended = r.u16() == 1
+    r.at = 4 + r.u16()  # behind the header, or at its offset
     texts = []
-    if version == 1:
-        offset = r.u16()
-        r.at = 4 + offset
 
-        def level():
-            while True:
-                r.at += 12
-                flags = r.u16()
-                texts.append(r.wide())
+    def level():
+        while True:
+            r.at += 12 if extended else 0
+            flags = r.u16()
+            popup = flags & (1 if extended else 0x10)
+            if not extended and not popup:
+                r.u16()
+            texts.append(r.wide())
+            if extended:
                 r.align()
-                if flags & 1:
-                    r.at += 4
-                    level()
-                if flags & 0x80:
-                    return
-    else:
-        r.at = 4 + r.u16()
-
-        def level():
-            while True:
-                flags = r.u16()
-                if not flags & 0x10:
-                    r.u16()
-                texts.append(r.wide())
-                if flags & 0x10:
-                    level()
-                if flags & 0x80:
-                    return
+                r.at += 4 if popup else 0
+            if popup:
+                level()
+            if flags & 0x80:
+                return
     level()
     return [escaped(t, '\r\n\b\f\t') for t in texts if t]
 
