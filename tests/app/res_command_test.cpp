@@ -1,6 +1,6 @@
-// tervane res as a user runs it: round trips through put, get and delete, and
-// failures that print the system's message and leave the file as it was.
+// tervane res as a user runs it.
 #include <gtest/gtest.h>
+#include <tuple>
 
 #include "tests/support/fixtures.h"
 
@@ -52,29 +52,24 @@ TEST(ResCommand, PutGetDeleteRoundTripOnBothArchitectures) {
     }
 }
 
-TEST(ResCommand, FailuresReportTheSystemMessageAndLeaveTheFileAlone) {
-    const std::string dir = TempDir();
-    const std::string file = dir + "/sample.dll";
+// Failures print the system's message and leave the file as it was.
+TEST(ResCommand, FailuresLeaveTheFileAlone) {
+    const std::string file = TempDir() + "/sample.dll";
     const std::vector<unsigned char> original = ReadFile(FixturePath("sample", "x64"));
     WriteFile(file, original);
     const std::string key = " --type 6 --name 1 --lang 0x409";
-    struct Case {
-        std::string arguments;
-        int status;
-        std::string message;
-    } cases[] = {
+    const std::tuple<std::string, int, std::string> cases[] = {
         {"delete " + file + " --type 6 --name 1 --lang 0x40c", 1,
          "The specified resource language ID cannot be found in the image file."},
         {"get " + file + " --type 6 --name 1", 2, "--type, --name and --lang are required"},
         {"get " + file + " --type 6 --name 70000 --lang 0", 2, "bad name"},
         {"rename " + file + key, 2, "unknown action"},
     };
-    for (const Case& c : cases) {
-        Outcome outcome = Res(c.arguments);
-        EXPECT_EQ(outcome.status, c.status) << c.arguments;
-        EXPECT_NE(outcome.out.find(c.message), std::string::npos) << c.arguments << "\n"
-                                                                  << outcome.out;
-        EXPECT_EQ(ReadFile(file), original) << c.arguments;
+    for (const auto& [arguments, status, message] : cases) {
+        Outcome outcome = Res(arguments);
+        EXPECT_EQ(outcome.status, status) << arguments;
+        EXPECT_NE(outcome.out.find(message), std::string::npos) << arguments << outcome.out;
+        EXPECT_EQ(ReadFile(file), original) << arguments;
     }
 }
 

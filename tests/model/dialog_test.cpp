@@ -2,6 +2,7 @@
 #include <optional>
 #include <regex>
 #include <tuple>
+#include <variant>
 
 #include "frame/diagnostics/exceptions.h"
 #include "model/dialog_controls.h"
@@ -15,19 +16,14 @@
 namespace tervane::test {
 
 // A name or a number, as a template gives menus, classes and titles.
-struct NameOrOrdinal {
-    std::optional<std::u16string> name;
-    std::uint16_t ordinal = 0;
-    static NameOrOrdinal Name(std::u16string text) { return {std::move(text), 0}; }
-    static NameOrOrdinal Number(std::uint16_t value) { return {std::nullopt, value}; }
-};
+using NameOrOrdinal = std::variant<std::u16string, std::uint16_t>;
 
 struct TemplateControl {
     std::uint32_t style = 0x50000000; // WS_CHILD | WS_VISIBLE
     std::int16_t x = 0, y = 0, cx = 10, cy = 10;
     std::uint16_t id = 1;
-    NameOrOrdinal windowClass = NameOrOrdinal::Number(0x82);
-    NameOrOrdinal title = NameOrOrdinal::Name(u"");
+    NameOrOrdinal windowClass = std::uint16_t{0x82};
+    NameOrOrdinal title = u"";
     std::vector<std::uint8_t> creationData{};
 };
 
@@ -44,10 +40,10 @@ struct TemplateDialog {
 inline void Item(Bytes& b, const std::optional<NameOrOrdinal>& item) {
     if (!item)
         b.U16(0);
-    else if (item->name)
-        b.Text(*item->name);
+    else if (const auto* name = std::get_if<std::u16string>(&*item))
+        b.Text(*name);
     else
-        b.U16(0xFFFF).U16(item->ordinal);
+        b.U16(0xFFFF).U16(std::get<std::uint16_t>(*item));
 }
 
 inline std::vector<std::uint8_t> BuildTemplate(const TemplateDialog& d) {
@@ -107,14 +103,7 @@ std::string Spell(const CLabelPieceList& pieces) {
 
 TemplateControl Control(WORD classOrdinal, DWORD style, std::int16_t x, std::int16_t y,
                         std::int16_t cx, std::int16_t cy, WORD id, std::u16string title) {
-    return {style,
-            x,
-            y,
-            cx,
-            cy,
-            id,
-            NameOrOrdinal::Number(classOrdinal),
-            NameOrOrdinal::Name(std::move(title))};
+    return {style, x, y, cx, cy, id, classOrdinal, std::move(title)};
 }
 TemplateControl Label(std::int16_t x, std::int16_t y, WORD id, std::u16string title) {
     return Control(0x82, kVisible, x, y, 40, 8, id, std::move(title));
@@ -152,7 +141,7 @@ TEST(DialogItem, WhatADialogGives) {
         const char* spelt;
     };
     TemplateControl numberedBox = Box(0, 0, 100, 100, u"");
-    numberedBox.title = NameOrOrdinal::Number(5);
+    numberedBox.title = std::uint16_t{5};
 
     const Case cases[] = {
         {"the corner of a box is inside, one unit beyond is not",
@@ -269,9 +258,9 @@ TEST(DialogTemplate, ShortAndOverlongTemplatesAreCorrupted) {
     dialog.style = 0x40;
     dialog.fontBlock = true;
     dialog.title = u"Title";
-    dialog.menu = NameOrOrdinal::Name(u"M");
+    dialog.menu = u"M";
     TemplateControl control;
-    control.title = NameOrOrdinal::Name(u"Label");
+    control.title = u"Label";
     control.creationData = {9, 9};
     dialog.controls = {control, control};
     auto execute = [](const std::vector<std::uint8_t>& bytes, std::size_t size) {
