@@ -113,25 +113,5 @@ TEST(ExtractDialogs, TracesOfTheReader) {
     }
 }
 
-// What the plain document does not show: a caption's hotkey mark is text,
-// a button's an inline tag.
-TEST(ExtractDialogs, EventsOfACaptionAndAButton) {
-    const std::vector<std::string> caption = {R"({"event": "Text", "text": "Print "})",
-                                              R"({"event": "Text", "text": "&"})",
-                                              R"({"event": "Text", "text": "Setup"})"};
-    const std::vector<std::string> button = {
-        R"({"event": "Tag", "text": "&", "name": "&", "start": 0, "end": 0, "inline": 1})",
-        R"({"event": "Text", "text": "Help"})"};
-    for (const auto& image : test::FixtureImages("fwd_dialogs")) {
-        std::vector<std::string> lines = Lines(Extract("--events", image).out);
-        EXPECT_NE(std::search(lines.begin(), lines.end(), caption.begin(), caption.end()),
-                  lines.end())
-            << image;
-        EXPECT_NE(std::search(lines.begin(), lines.end(), button.begin(), button.end()),
-                  lines.end())
-            << image;
-    }
-}
-
 } // namespace
 } // namespace tervane

@@ -120,16 +120,18 @@ CDialogItem Parse(const TemplateDialog& dialog, const std::string& identifier = 
     return item;
 }
 
+// A hotkey mark is an inline tag but in a caption and where the style says
+// there are none.
 TEST(DialogItem, TextAnalysis) {
     const char* const noPrefix = " style=\"SS_NOPREFIX\"";
-    const std::tuple<std::u16string, const char*, const char*> cases[] = {
-        {u"A&B", noPrefix, "[A][&][B]"},
-        {u"50% off", "", "[50]{% o}[ff]"},
-        {u"Save &As\\%1", "", "[Save ]{&}[As\\]{%1}"},
+    const std::tuple<std::u16string, const char*, bool, const char*> cases[] = {
+        {u"A&B", noPrefix, false, "[A][&][B]"},
+        {u"Print &Setup", "", true, "[Print ][&][Setup]"},
+        {u"Save &As\\%1", "", false, "[Save ]{&}[As\\]{%1}"},
     };
-    for (const auto& [text, marks, spelt] : cases) {
+    for (const auto& [text, marks, isCaption, spelt] : cases) {
         CDialogItem item;
-        item.AnalyseDialogText(text, marks, false);
+        item.AnalyseDialogText(text, marks, isCaption);
         EXPECT_EQ(Spell(item.pieces), spelt) << spelt;
     }
 }

@@ -76,8 +76,6 @@ constexpr std::uint16_t kEnd = 0x80;
 // The fixtures' document shows the usual texts; these are the odd ones.
 TEST(MenuText, PiecesOfItemTexts) {
     const std::pair<std::u16string, std::string> cases[] = {
-        // No printf placeholders in a menu: percent signs stay as they are.
-        {u"100% %d %%", "[100% %d %%]"},
         {u"Cut\t", "[Cut]<shortcut></shortcut>"},
         {u"Go\tCtrl++,B", "[Go]<shortcut>[Ctrl]{+}[+]{,}[B]</shortcut>"},
         // A second tab belongs to the shortcut's text.
