@@ -82,11 +82,7 @@ def dialog_texts(data):
     for _ in range(count):
         r.at += 24 if extended else 18
         class_name, class_ordinal = r.name_or_ordinal()
-        if struct.unpack_from('<H', data, r.at)[0] == 0xFFFF:
-            r.at += 4
-            control_title = None
-        else:
-            control_title = r.wide()
+        control_title, _ = r.name_or_ordinal()
         extra = r.u16()
         r.at += extra
         r.align()

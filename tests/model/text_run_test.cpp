@@ -10,8 +10,6 @@
 namespace tervane {
 namespace {
 
-const LabelKind kKinds[] = {LabelKind::String, LabelKind::Menu, LabelKind::Dialog};
-
 // Runs of every escaped character, of odd and even length, at the edges of
 // the eight-unit blocks and inside long plain stretches.
 const std::u16string kTexts[] = {
@@ -25,7 +23,7 @@ const std::u16string kTexts[] = {
 };
 
 TEST(TextRun, UndoesTheEscapesOfEachKindAsTheTokenPiecesDo) {
-    for (const LabelKind kind : kKinds) {
+    for (const LabelKind kind : {LabelKind::String, LabelKind::Menu, LabelKind::Dialog}) {
         TextRun run;
         std::u16string joined;
         // Appended in turn: the buffer grows with its first units kept.
