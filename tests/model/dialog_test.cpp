@@ -89,7 +89,6 @@ inline std::vector<std::uint8_t> BuildTemplate(const TemplateDialog& d) {
 namespace tervane {
 namespace {
 
-using test::NameOrOrdinal;
 using test::TemplateControl;
 using test::TemplateDialog;
 
@@ -123,9 +122,8 @@ CDialogItem Parse(const TemplateDialog& dialog, const std::string& identifier = 
 // A hotkey mark is an inline tag but in a caption and where the style says
 // there are none.
 TEST(DialogItem, TextAnalysis) {
-    const char* const noPrefix = " style=\"SS_NOPREFIX\"";
     const std::tuple<std::u16string, const char*, bool, const char*> cases[] = {
-        {u"A&B", noPrefix, false, "[A][&][B]"},
+        {u"A&B", " style=\"SS_NOPREFIX\"", false, "[A][&][B]"},
         {u"Print &Setup", "", true, "[Print ][&][Setup]"},
         {u"Save &As\\%1", "", false, "[Save ]{&}[As\\]{%1}"},
     };

@@ -23,14 +23,6 @@ ByteList Records(const std::vector<std::pair<WORD, std::string>>& records, WORD 
     return out.U16(0).bytes;
 }
 
-void Execute(const ByteList& bytes, WORD language = 0x409) {
-    CDlgInitResource resource;
-    resource.identifierText = "100";
-    resource.language = language;
-    resource.size = static_cast<DWORD>(bytes.size());
-    CDlgInitCommand().Execute(bytes, &resource);
-}
-
 // What Rebuild writes, after the given translations have been set.
 TEST(DlgInitTable, RebuildOrdersByControlAndKeepsSourceBytes) {
     struct Case {
@@ -79,7 +71,10 @@ TEST(DlgInitTable, RecordPastTheEndIsCorrupted) {
     };
     CDlgInitTable::GetInstance().Clear();
     for (const ByteList& bytes : cases) {
-        EXPECT_THROW(Execute(bytes), CParserException) << bytes.size();
+        CDlgInitResource resource;
+        resource.identifierText = "100";
+        resource.size = static_cast<DWORD>(bytes.size());
+        EXPECT_THROW(CDlgInitCommand().Execute(bytes, &resource), CParserException) << bytes.size();
         EXPECT_EQ(CDlgInitTable::GetInstance().Find("100"), nullptr);
     }
     // The size of the resource bounds the reading, not the bytes behind it.
