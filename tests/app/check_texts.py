@@ -1,15 +1,11 @@
 #!/usr/bin/python3
-"""Checks that every text of the dialogs, menus, string tables and version
-values of PE files comes out of `tervane extract --events` exactly once.
+"""usage: check_texts.py TERVANE FILE...
 
-usage: check_texts.py TERVANE FILE...
-
-An independent reader (python3-pefile and the template layouts) lists the
-texts that a translator must see; the events give the texts between each
-element's tags. Both sides are compared as multisets of their letters and
-digits only, so that escapes, hotkey marks and placeholders, which the
-conversion turns into tags, do not count. Prints one line per file that
-differs and a last line "N files, M texts, K differ".
+Every text of the dialogs, menus, string tables and version values that an
+independent reader (python3-pefile and the template layouts) finds must come
+out of `tervane extract --events` exactly once. Texts compare by their letters
+and digits only: escapes, hotkey marks and placeholders become tags. Prints a
+line per file that differs, then "N files, M texts, K differ".
 """
 import collections
 import json
@@ -86,11 +82,7 @@ def dialog_texts(data):
     for _ in range(count):
         r.at += 24 if extended else 18
         class_name, class_ordinal = r.name_or_ordinal()
-        if struct.unpack_from('<H', data, r.at)[0] == 0xFFFF:
-            r.at += 4
-            control_title = None
-        else:
-            control_title = r.wide()
+        control_title, _ = r.name_or_ordinal()
         extra = r.u16()
         r.at += extra
         r.align()
@@ -101,36 +93,25 @@ def dialog_texts(data):
 
 def menu_texts(data):
     r = Reader(data)
-    version = r.u16()
+    extended = r.u16() == 1
+    r.at = 4 + r.u16()  # behind the header, or at its offset
     texts = []
-    if version == 1:
-        offset = r.u16()
-        r.at = 4 + offset
 
-        def level():
-            while True:
-                r.at += 12
-                flags = r.u16()
-                texts.append(r.wide())
+    def level():
+        while True:
+            r.at += 12 if extended else 0
+            flags = r.u16()
+            popup = flags & (1 if extended else 0x10)
+            if not extended and not popup:
+                r.u16()
+            texts.append(r.wide())
+            if extended:
                 r.align()
-                if flags & 1:
-                    r.at += 4
-                    level()
-                if flags & 0x80:
-                    return
-    else:
-        r.at = 4 + r.u16()
-
-        def level():
-            while True:
-                flags = r.u16()
-                if not flags & 0x10:
-                    r.u16()
-                texts.append(r.wide())
-                if flags & 0x10:
-                    level()
-                if flags & 0x80:
-                    return
+                r.at += 4 if popup else 0
+            if popup:
+                level()
+            if flags & 0x80:
+                return
     level()
     return [escaped(t, '\r\n\b\f\t') for t in texts if t]
 

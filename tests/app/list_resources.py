@@ -1,27 +1,17 @@
 #!/usr/bin/python3
 """Prints the resources of a PE file as `tervane list --json` does, read by
 python3-pefile: an independent reader of the resource directory."""
+import json
+import re
 import sys
 
 import pefile
 
 
 def json_string(text):
-    out = ['"']
-    for ch in text:
-        code = ord(ch)
-        if ch == '"':
-            out.append('\\"')
-        elif ch == '\\':
-            out.append('\\\\')
-        elif ch in '\b\f\n\r\t':
-            out.append({'\b': '\\b', '\f': '\\f', '\n': '\\n', '\r': '\\r', '\t': '\\t'}[ch])
-        elif code < 0x20 or 0xD800 <= code <= 0xDFFF:
-            out.append('\\u%04x' % code)
-        else:
-            out.append(ch)
-    out.append('"')
-    return ''.join(out)
+    # Lone surrogates as escapes, which json.dumps would leave raw.
+    return re.sub('[\ud800-\udfff]', lambda m: '\\u%04x' % ord(m.group()),
+                  json.dumps(text, ensure_ascii=False))
 
 
 def main(path):

@@ -23,14 +23,6 @@ ByteList Records(const std::vector<std::pair<WORD, std::string>>& records, WORD 
     return out.U16(0).bytes;
 }
 
-void Execute(const ByteList& bytes, WORD language = 0x409) {
-    CDlgInitResource resource;
-    resource.identifierText = "100";
-    resource.language = language;
-    resource.size = static_cast<DWORD>(bytes.size());
-    CDlgInitCommand().Execute(bytes, &resource);
-}
-
 // What Rebuild writes, after the given translations have been set.
 TEST(DlgInitTable, RebuildOrdersByControlAndKeepsSourceBytes) {
     struct Case {
@@ -79,27 +71,15 @@ TEST(DlgInitTable, RecordPastTheEndIsCorrupted) {
     };
     CDlgInitTable::GetInstance().Clear();
     for (const ByteList& bytes : cases) {
-        EXPECT_THROW(Execute(bytes), CParserException) << bytes.size();
+        CDlgInitResource resource;
+        resource.identifierText = "100";
+        resource.size = static_cast<DWORD>(bytes.size());
+        EXPECT_THROW(CDlgInitCommand().Execute(bytes, &resource), CParserException) << bytes.size();
         EXPECT_EQ(CDlgInitTable::GetInstance().Find("100"), nullptr);
     }
     // The size of the resource bounds the reading, not the bytes behind it.
     CDlgInitData data;
     EXPECT_THROW(data.Parse(good, 10), CParserException);
-}
-
-TEST(DlgInitTable, TableByIdentifier) {
-    CDlgInitTable& table = CDlgInitTable::GetInstance();
-    table.Clear();
-    // Without an entry: nothing to give, nothing to take.
-    table.SetItems("100", 1001, {"x"});
-    EXPECT_TRUE(table.GetItems("100", 1001).empty());
-    EXPECT_TRUE(table.Empty());
-    // The second resource of an identifier takes the place of the first.
-    Execute(Records({{1001, "en\0"s}}), 0x409);
-    Execute(Records({{1001, "de\0"s}}), 0x407);
-    EXPECT_EQ(table.GetItems("100", 1001), NarrowTextList{"de\0"s});
-    EXPECT_EQ(table.language, 0x407);
-    table.Clear();
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #pragma once
-// What the model tests share: resource bytes written little-endian, and
-// pieces spelt out as texts in brackets, inline tags in braces and other
-// tags as they are.
+// Resource bytes written little-endian; pieces spelt as [texts], {inline tags} and other tags.
 #include <cstdint>
 #include <string>
 #include <vector>

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <tuple>
+
 #include "frame/diagnostics/exceptions.h"
 #include "model/version_info_resource.h"
 #include "tests/model/test_images.h"
@@ -90,17 +93,17 @@ TEST(VersionBlock, ReadsEitherOrderOfTheTwoChildren) {
                          {Block(u"040904B0", {Str(u"Comments", u""), Str(u"ProductName", u"Ab"),
                                               Str(u"LegalCopyright", u"Abc")})});
     for (bool varFirst : {false, true}) {
+        SCOPED_TRACE(varFirst);
         CVersionBlock block = Parsed(varFirst ? VersionImage({Translation(), strings})
                                               : VersionImage({strings, Translation()}));
         EXPECT_EQ(block.varFirst, varFirst);
-        EXPECT_EQ(block.remaining, 0) << varFirst;
+        EXPECT_EQ(block.remaining, 0);
         // VarFileInfo behind the strings ends them and is no string itself.
-        ASSERT_EQ(block.strings.size(), 3u) << varFirst;
-        EXPECT_EQ(block.GetValue(u"productname"), u"Ab") << varFirst;
+        ASSERT_EQ(block.strings.size(), 3u);
         // The terminator of an empty value is taken as padding with the word behind it.
-        EXPECT_EQ(block.strings[0].padding.Count(), 2u) << varFirst;
-        ASSERT_EQ(block.vars.size(), 1u) << varFirst;
-        EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200})) << varFirst;
+        EXPECT_EQ(block.strings[0].padding.Count(), 2u);
+        ASSERT_EQ(block.vars.size(), 1u);
+        EXPECT_EQ(block.vars[0].value, (std::vector<std::uint16_t>{0x409, 1200}));
     }
 }
 
@@ -131,37 +134,29 @@ std::vector<std::uint8_t> VarsImage(std::size_t count, std::size_t words) {
     return VersionImage({Block(u"VarFileInfo", vars)});
 }
 
-// Blocks may end early. Limits count the terminator: a key of 99 units fits 100, one of 100 does
-// not.
+// Each limit holds exactly: one more is a corrupted document. Limits count the
+// terminator: a key of 99 units fits 100.
 TEST(VersionBlock, LimitsOfTheModelHoldExactly) {
-    struct Case {
-        const char* name;
-        std::vector<std::uint8_t> image;
-        bool fits;
+    const auto header = [](std::size_t units) {
+        return VersionImage({Block(u"StringFileInfo", {Block(std::u16string(units, u'0'), {})})});
     };
-    const Case cases[] = {
-        {"fixed information only", VersionImage({}), true},
-        {"vars only", VersionImage({Translation()}), true},
-        {"50 strings", StringsImage(50, 3, 3), true},
-        {"51 strings", StringsImage(51, 3, 3), false},
-        {"key of 99", StringsImage(1, 99, 3), true},
-        {"key of 100", StringsImage(1, 100, 3), false},
-        {"value of 999", StringsImage(1, 3, 999), true},
-        {"value of 1000", StringsImage(1, 3, 1000), false},
-        {"var of 100 words", VarsImage(1, 100), true},
-        {"var of 101 words", VarsImage(1, 101), false},
-        {"header key of 49",
-         VersionImage({Block(u"StringFileInfo", {Block(std::u16string(49, u'0'), {})})}), true},
-        {"header key of 50",
-         VersionImage({Block(u"StringFileInfo", {Block(std::u16string(50, u'0'), {})})}), false},
-    };
-    for (const Case& c : cases) {
+    const std::tuple<const char*, std::function<std::vector<std::uint8_t>(std::size_t)>,
+                     std::size_t>
+        limits[] = {
+            {"strings", [](std::size_t n) { return StringsImage(n, 3, 3); }, 50},
+            {"key", [](std::size_t n) { return StringsImage(1, n, 3); }, 99},
+            {"value", [](std::size_t n) { return StringsImage(1, 3, n); }, 999},
+            {"var words", [](std::size_t n) { return VarsImage(1, n); }, 100},
+            {"header key", header, 49},
+        };
+    for (const auto& [name, image, limit] : limits) {
         CVersionBlock block;
-        if (c.fits)
-            EXPECT_NO_THROW(block.Parse(c.image)) << c.name;
-        else
-            EXPECT_THROW(block.Parse(c.image), CParserException) << c.name;
+        EXPECT_NO_THROW(block.Parse(image(limit))) << name;
+        EXPECT_THROW(block.Parse(image(limit + 1)), CParserException) << name;
     }
+    // Blocks may end early.
+    EXPECT_NO_THROW(Parsed(VersionImage({})));
+    EXPECT_NO_THROW(Parsed(VersionImage({Translation()})));
 }
 
 // Every cut of a good block, and a root that claims more than there is,
@@ -185,16 +180,6 @@ TEST(VersionBlock, ShortDataIsCorrupted) {
     CVersionInfoResource resource;
     resource.size = static_cast<DWORD>(longer.size());
     EXPECT_THROW(CVersionInfoCommand().Execute(longer, &resource), CParserException);
-}
-
-TEST(VersionPieces, ParseValueMarksOnlyTheLineCharacters) {
-    const std::pair<std::u16string, std::string> cases[] = {
-        {u"", "<comments></comments>"},
-        // Line feed is the \r mark.
-        {u"x\n\n", "<comments>[x]{\\r}{\\r}</comments>"},
-    };
-    for (const auto& [value, spelt] : cases)
-        EXPECT_EQ(Spell(ParseValue("comments", value)), spelt) << Narrow(value);
 }
 
 std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
