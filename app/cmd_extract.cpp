@@ -1,6 +1,7 @@
-// tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE: drives
-// the forward converter as a host framework does (Initialize, then raw_Parse)
-// and writes what the host received.
+// tervane extract [--events | --document] [--filter] [-o OUT] [--trace FILE]
+// FILE: drives the forward converter as a host framework does (Initialize,
+// then raw_Parse) and writes what the host received. With --filter the
+// converter feeds the filter stage, wired and run as a framework runs a chain.
 #include <cstdio>
 #include <string>
 #include <sys/stat.h>
@@ -17,13 +18,14 @@
 #include "platform/diag/trace_sink.h"
 #include "platform/files/file_replace.h"
 #include "platform/locale/code_pages.h"
+#include "stream/interactive_parser.h"
 
 namespace tervane::app {
 
 namespace {
 
 const char* const kUsage =
-    "Usage: tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE\n";
+    "Usage: tervane extract [--events | --document] [--filter] [-o OUT] [--trace FILE] FILE\n";
 
 // The error information the component left on this thread.
 std::string ErrorText(HRESULT hr) {
@@ -40,10 +42,54 @@ std::string ErrorText(HRESULT hr) {
     return text;
 }
 
+// Initialize, then raw_Parse: the parser pushes the whole document into sink.
+HRESULT Parse(const std::string& file, IFilterHost* host, IEvents* sink) {
+    ComPtr<IFileParser> parser;
+    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
+                                  parser.ReceiveVoid());
+    if (SUCCEEDED(hr)) {
+        Bstr path(Widen(file, CP_UTF8));
+        hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host, sink);
+        if (SUCCEEDED(hr))
+            hr = parser->raw_Parse(0);
+    }
+    return hr;
+}
+
+// The chain parser -> filter stage -> sink, wired from its end: the filter
+// returns its IEvents, which becomes the parser's sink. The host runs the
+// filter, whose pump makes the host run the parser.
+HRESULT RunChain(const std::string& file, ComObject<ProgressHost>* host, IEvents* sink) {
+    RegisterTervaneInteractiveParserClass();
+    ComPtr<IFilterComponent> filter;
+    HRESULT hr = CoCreateInstance(CLSID_TervaneInteractiveParser, nullptr, CLSCTX_ALL,
+                                  IFilterComponent::iid, filter.ReceiveVoid());
+    if (FAILED(hr))
+        return hr;
+    ComPtr<IEvents> filterEvents;
+    hr = filter->Initialize(nullptr, nullptr, 0, host, sink, filterEvents.Receive());
+    if (FAILED(hr))
+        return hr;
+    HRESULT parsed = S_OK;
+    bool delivered = false;
+    host->OnPump([&](LONG_PTR) {
+        // One document: the first pump delivers it whole, later ones nothing.
+        if (!delivered) {
+            delivered = true;
+            parsed = Parse(file, host, filterEvents.get());
+        }
+        return FAILED(parsed) ? E_FAIL : S_OK;
+    });
+    hr = filter->raw_Run(0);
+    host->OnPump(nullptr);
+    filter->raw_Close();
+    return FAILED(hr) ? hr : parsed;
+}
+
 } // namespace
 
 int RunExtract(const Args& args) {
-    bool events = false;
+    bool events = false, filter = false;
     std::string out, trace, file;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
@@ -51,6 +97,8 @@ int RunExtract(const Args& args) {
             events = true;
         } else if (a == "--document") {
             events = false;
+        } else if (a == "--filter") {
+            filter = true;
         } else if ((a == "-o" || a == "--trace") && i + 1 < args.size()) {
             (a == "-o" ? out : trace) = args[++i];
         } else if (!a.empty() && a[0] == '-') {
@@ -82,15 +130,8 @@ int RunExtract(const Args& args) {
     sink->Attach(log);
     host->Attach(log, ::isatty(STDERR_FILENO) != 0);
 
-    ComPtr<IFileParser> parser;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
-                                  parser.ReceiveVoid());
-    if (SUCCEEDED(hr)) {
-        Bstr path(Widen(file, CP_UTF8));
-        hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host.get(), sink.get());
-        if (SUCCEEDED(hr))
-            hr = parser->raw_Parse(0);
-    }
+    HRESULT hr =
+        filter ? RunChain(file, host.get(), sink.get()) : Parse(file, host.get(), sink.get());
     host->FinishBar();
     std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 

@@ -24,5 +24,6 @@ int RunRes(const Args& args);
 int RunTokens(const Args& args);
 int RunTables(const Args& args);
 int RunExtract(const Args& args);
+int RunScan(const Args& args);
 
 } // namespace tervane::app
