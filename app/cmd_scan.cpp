@@ -5,13 +5,15 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
 
 #include "app/commands.h"
-#include "app/json_text.h"
+#include "app/failure.h"
+#include "app/json_lines.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
@@ -25,7 +27,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* const kUsage = "Usage: tervane scan [--json] [--trace FILE] FILE|DIR...\n";
+struct ScanOptions {
+    bool json = false;
+    std::string trace;
+    std::vector<std::string> operands;
+};
 
 // "MZ", and "PE\0\0" where the DOS header points.
 bool IsPeFile(const fs::path& path) {
@@ -124,12 +130,14 @@ void PrintLine(const std::string& file, const Verdict& v) {
     std::printf("%s: %s\n", file.c_str(), text.c_str());
 }
 
-void PrintJson(const std::string& file, const Verdict& v) {
-    std::printf("{\"file\": %s, \"verdict\": \"%s\", \"status\": %u, \"text\": %s, "
-                "\"first_language\": %s}\n",
-                JsonString(std::string_view(file)).c_str(), v.verdict, v.status,
-                JsonString(std::string_view(v.text)).c_str(),
-                v.firstLanguage < 0 ? "null" : std::to_string(v.firstLanguage).c_str());
+void PrintJson(JsonLine& line, const std::string& file, const Verdict& v) {
+    std::string_view text = line.Text("file", std::string_view(file))
+                                .Text("verdict", std::string_view(v.verdict))
+                                .Number("status", v.status)
+                                .Text("text", std::string_view(v.text))
+                                .Number("first_language", v.firstLanguage)
+                                .Finish();
+    std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 void DrawBar(std::size_t done, std::size_t total) {
@@ -141,39 +149,13 @@ void DrawBar(std::size_t done, std::size_t total) {
     std::fflush(stderr);
 }
 
-} // namespace
-
-int RunScan(const Args& args) {
-    bool json = false;
-    std::string trace;
-    std::vector<std::string> operands;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "--json") {
-            json = true;
-        } else if (a == "--trace" && i + 1 < args.size()) {
-            trace = args[++i];
-        } else if (a == "--") {
-            operands.insert(operands.end(), args.begin() + static_cast<long>(i) + 1, args.end());
-            break;
-        } else if (!a.empty() && a[0] == '-') {
-            std::fprintf(stderr, "tervane scan: unknown option '%s'\n%s", a.c_str(), kUsage);
-            return 2;
-        } else {
-            operands.push_back(a);
-        }
-    }
-    if (operands.empty()) {
-        std::fprintf(stderr, "%s", kUsage);
-        return 2;
-    }
-    if (!trace.empty() && !AttachTraceFile(trace)) {
-        std::fprintf(stderr, "tervane scan: cannot write the trace file %s\n", trace.c_str());
-        return 1;
-    }
+int RunScan(const ScanOptions& options) {
+    if (!options.trace.empty() && !AttachTraceFile(options.trace))
+        throw CommandFailure(options.trace, "cannot write the trace file");
     RegisterTervaneScannerClass();
-    const std::vector<std::string> files = FilesOf(operands);
+    const std::vector<std::string> files = FilesOf(options.operands);
     const bool bar = ::isatty(STDERR_FILENO) != 0 && files.size() > 1;
+    JsonLine line;
     int status = 0;
     for (std::size_t i = 0; i < files.size(); ++i) {
         if (bar)
@@ -181,7 +163,10 @@ int RunScan(const Args& args) {
         const Verdict verdict = ScanFile(files[i]);
         if (bar)
             std::fputs("\r\033[K", stderr);
-        json ? PrintJson(files[i], verdict) : PrintLine(files[i], verdict);
+        if (options.json)
+            PrintJson(line, files[i], verdict);
+        else
+            PrintLine(files[i], verdict);
         const std::string_view v = verdict.verdict;
         if (v != "ok" && v != "empty")
             status = 1;
@@ -190,11 +175,36 @@ int RunScan(const Args& args) {
         DrawBar(files.size(), files.size());
         std::fputs("\n", stderr);
     }
-    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-        std::fprintf(stderr, "tervane scan: cannot write the output\n");
-        return 1;
-    }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+        throw CommandFailure("standard output", "cannot write");
     return status;
+}
+
+} // namespace
+
+void AddScanCommand(CLI::App& app) {
+    auto options = std::make_shared<ScanOptions>();
+    CLI::App* command = AddCommand(
+        app, "scan",
+        "Tell for each PE file whether it can be converted, as a host asks before a conversion",
+        [options] { return RunScan(*options); });
+    command->footer(
+        "For each FILE, or each PE file below it when it is a folder, prints \"ok\" or\n"
+        "the reason why the file is refused: resources in more than one code page, a\n"
+        "resource identifier twice, resources that can't be read, or a file whose size\n"
+        "changes when one of its resources is rewritten (tried on a copy beside it, named\n"
+        "NAME_Sniffer.exe, which is removed again; a file of that name already there\n"
+        "is left alone and its source is not scanned).\n\n"
+        "The exit status is 0 when every file can be handled, 1 when any is refused,\n"
+        "missing or skipped, 2 for a wrong command line.");
+    command->add_flag("--json", options->json,
+                      "one JSON object a file: file, verdict (ok, empty, refused, missing, "
+                      "skipped), status, text, first_language (-1 for none)");
+    command->add_option("--trace", options->trace, "append the scanner's progress texts to FILE")
+        ->type_name("FILE");
+    command->add_option("FILE", options->operands, "PE files, and folders to search for them")
+        ->required()
+        ->type_name("");
 }
 
 } // namespace tervane::app
