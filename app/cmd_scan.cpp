@@ -11,6 +11,10 @@
 #include <unistd.h>
 #include <vector>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 #include "app/commands.h"
 #include "app/failure.h"
 #include "app/json_lines.h"
@@ -152,6 +156,13 @@ void DrawBar(std::size_t done, std::size_t total) {
 int RunScan(const ScanOptions& options) {
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
+#if defined(__GLIBC__)
+    // A scan reads, copies and rewrites whole files, each into a buffer of the
+    // file's size. Kept in the heap, a freed buffer serves the next one; mapped
+    // afresh, each costs its size again in page faults.
+    mallopt(M_MMAP_THRESHOLD, 1 << 30);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+#endif
     RegisterTervaneScannerClass();
     const std::vector<std::string> files = FilesOf(options.operands);
     const bool bar = ::isatty(STDERR_FILENO) != 0 && files.size() > 1;
