@@ -2,12 +2,18 @@
 // host does before a conversion, whether each file can be handled, and
 // prints its verdict.
 #include <algorithm>
+#include <condition_variable>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -33,6 +39,7 @@ namespace fs = std::filesystem;
 
 struct ScanOptions {
     bool json = false;
+    unsigned jobs = 0; // 0: one for each core
     std::string trace;
     std::vector<std::string> operands;
 };
@@ -153,6 +160,57 @@ void DrawBar(std::size_t done, std::size_t total) {
     std::fflush(stderr);
 }
 
+// Scans every file on up to jobs threads and hands each verdict to report on
+// this thread, in the order of the files. Files whose copies share a path
+// (a.dll and a.exe) go in turn to one thread, so that no two scans meet there.
+void ScanAll(const std::vector<std::string>& files, unsigned jobs,
+             const std::function<void(std::size_t, const Verdict&)>& report) {
+    std::map<std::u16string, std::vector<std::size_t>> byCopy;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        byCopy[TervaneScanner::TemporaryPathFor(Widen(files[i], CP_UTF8))].push_back(i);
+    std::vector<std::vector<std::size_t>> groups;
+    for (auto& [copy, group] : byCopy)
+        groups.push_back(std::move(group));
+    std::sort(groups.begin(), groups.end()); // by the first file of each
+
+    std::vector<std::optional<Verdict>> verdicts(files.size());
+    std::mutex mutex;
+    std::condition_variable ready;
+    std::size_t nextGroup = 0;
+    auto work = [&] {
+        for (;;) {
+            std::size_t g;
+            {
+                std::lock_guard lock(mutex);
+                if (nextGroup == groups.size())
+                    return;
+                g = nextGroup++;
+            }
+            for (std::size_t i : groups[g]) {
+                Verdict verdict{"refused", 0, std::string(), -1};
+                try {
+                    verdict = ScanFile(files[i]);
+                } catch (const std::exception& failure) {
+                    verdict.text = std::string("unexpected failure: ") + failure.what();
+                }
+                std::lock_guard lock(mutex);
+                verdicts[i] = std::move(verdict);
+                ready.notify_one();
+            }
+        }
+    };
+    std::vector<std::jthread> workers;
+    for (unsigned j = 0; j < std::min<std::size_t>(jobs, groups.size()); ++j)
+        workers.emplace_back(work);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        std::unique_lock lock(mutex);
+        ready.wait(lock, [&] { return verdicts[i].has_value(); });
+        const Verdict verdict = std::move(*verdicts[i]);
+        lock.unlock();
+        report(i, verdict);
+    }
+}
+
 int RunScan(const ScanOptions& options) {
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
@@ -166,26 +224,28 @@ int RunScan(const ScanOptions& options) {
     RegisterTervaneScannerClass();
     const std::vector<std::string> files = FilesOf(options.operands);
     const bool bar = ::isatty(STDERR_FILENO) != 0 && files.size() > 1;
+    const unsigned jobs =
+        options.jobs ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
     JsonLine line;
     int status = 0;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        if (bar)
-            DrawBar(i, files.size());
-        const Verdict verdict = ScanFile(files[i]);
+    if (bar)
+        DrawBar(0, files.size());
+    ScanAll(files, jobs, [&](std::size_t i, const Verdict& verdict) {
         if (bar)
             std::fputs("\r\033[K", stderr);
         if (options.json)
             PrintJson(line, files[i], verdict);
         else
             PrintLine(files[i], verdict);
+        std::fflush(stdout);
+        if (bar)
+            DrawBar(i + 1, files.size());
         const std::string_view v = verdict.verdict;
         if (v != "ok" && v != "empty")
             status = 1;
-    }
-    if (bar) {
-        DrawBar(files.size(), files.size());
+    });
+    if (bar)
         std::fputs("\n", stderr);
-    }
     if (std::fflush(stdout) != 0 || std::ferror(stdout))
         throw CommandFailure("standard output", "cannot write");
     return status;
@@ -213,6 +273,11 @@ void AddScanCommand(CLI::App& app) {
                       "skipped), status, text, first_language (-1 for none)");
     command->add_option("--trace", options->trace, "append the scanner's progress texts to FILE")
         ->type_name("FILE");
+    command
+        ->add_option("-j,--jobs", options->jobs,
+                     "scan N files at once; the default is one for each core")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
     command->add_option("FILE", options->operands, "PE files, and folders to search for them")
         ->required()
         ->type_name("");

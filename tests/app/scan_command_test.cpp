@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 
 #include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
@@ -40,9 +39,16 @@ std::string Folder(const std::vector<std::pair<std::string, std::string>>& copie
 const std::string kDuplicate = "The selected file appears to be of an invalid or unsupported "
                                "format (The file contains resources with duplicate resource id).";
 
+// A folder is walked for PE files in name order; a file in the way of a copy
+// is the user's, and its source is not scanned.
 TEST(ScanCommand, VerdictsAndExitStatus) {
-    const std::string dir = Folder(
-        {{"scan_clean", "clean.dll"}, {"fwd_none", "raw.dll"}, {"scan_duplicates", "twice.dll"}});
+    const std::string dir = Folder({{"scan_clean", "clean.dll"},
+                                    {"fwd_none", "raw.dll"},
+                                    {"scan_duplicates", "twice.dll"},
+                                    {"scan_names", "sub/named.exe"},
+                                    {"scan_clean", "sub/in-the-way.dll"},
+                                    {"fwd_none", "sub/in-the-way_Sniffer.exe"}});
+    test::WriteFile(dir + "/sub/notes.txt", {'M', 'Z', '!'});
     struct Case {
         std::string arguments;
         int status;
@@ -50,15 +56,19 @@ TEST(ScanCommand, VerdictsAndExitStatus) {
     };
     const Case cases[] = {
         {"clean.dll raw.dll", 0, {"clean.dll: ok", "raw.dll: ok, no localisable resources"}},
-        {"clean.dll twice.dll", 1, {"clean.dll: ok", "twice.dll: " + kDuplicate}},
-        {"gone.dll", 1, {"gone.dll: File not found"}},
-        {"--json twice.dll clean.dll",
+        {"clean.dll twice.dll gone.dll",
+         1,
+         {"clean.dll: ok", "twice.dll: " + kDuplicate, "gone.dll: File not found"}},
+        {"--json twice.dll",
          1,
          {R"({"file": "twice.dll", "verdict": "refused", "status": 8, "text": "The selected file )"
           R"(appears to be of an invalid or unsupported format\n(The file contains resources )"
-          R"(with duplicate resource id).", "first_language": 1031})",
-          R"({"file": "clean.dll", "verdict": "ok", "status": 0, "text": "", )"
-          R"("first_language": 1033})"}},
+          R"(with duplicate resource id).", "first_language": 1031})"}},
+        {"sub",
+         1,
+         {"sub/in-the-way.dll: not scanned: sub/in-the-way_Sniffer.exe is in the way of the "
+          "scanner's copy",
+          "sub/in-the-way_Sniffer.exe: ok, no localisable resources", "sub/named.exe: ok"}},
         {"", 2, {}},
         {"--jsn clean.dll", 2, {}},
     };
@@ -68,27 +78,7 @@ TEST(ScanCommand, VerdictsAndExitStatus) {
         EXPECT_EQ(run.status, c.status);
         EXPECT_EQ(run.out, c.out);
     }
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 3);
-}
-
-// A folder is walked for PE files in name order; what is in the way of a
-// copy is the user's, and its source is not scanned.
-TEST(ScanCommand, FoldersAndACopyInTheWay) {
-    const std::string dir = Folder({{"scan_clean", "b/inner.dll"},
-                                    {"scan_names", "a.exe"},
-                                    {"scan_clean", "c.dll"},
-                                    {"fwd_none", "c_Sniffer.exe"}});
-    test::WriteFile(dir + "/b/notes.txt", {'M', 'Z', '!'});
-    const ScanRun run = Scan(dir);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.out, (std::vector<std::string>{
-                           dir + "/a.exe: ok",
-                           dir + "/b/inner.dll: ok",
-                           dir + "/c.dll: not scanned: " + dir +
-                               "/c_Sniffer.exe is in the way of the scanner's copy",
-                           dir + "/c_Sniffer.exe: ok, no localisable resources",
-                       }));
-    EXPECT_EQ(test::ReadFile(dir + "/c_Sniffer.exe"),
+    EXPECT_EQ(test::ReadFile(dir + "/sub/in-the-way_Sniffer.exe"),
               test::ReadFile(test::FixturePath("fwd_none", "x64")));
 }
 
@@ -111,11 +101,20 @@ TEST(ScanCommand, EveryFileOfWine) {
             ++files;
         }
     }
-    int status = -1;
-    const std::vector<std::string> lines = Lines(test::RunCommand(
-        "timeout 600 " + std::string(TERVANE_BINARY_DIR) + "/tervane scan --json " + dir, &status));
-    EXPECT_TRUE(status == 0 || status == 1) << "exit status " << status;
-    EXPECT_EQ(lines.size(), files);
+    // One file at a time, then four at once: the same verdicts in the same order.
+    std::vector<std::string> lines;
+    for (const char* jobs : {"1", "4"}) {
+        int status = -1;
+        const std::vector<std::string> run =
+            Lines(test::RunCommand("timeout 600 " + std::string(TERVANE_BINARY_DIR) +
+                                       "/tervane scan --json -j " + jobs + " " + dir,
+                                   &status));
+        EXPECT_TRUE(status == 0 || status == 1) << "exit status " << status;
+        EXPECT_EQ(run.size(), files);
+        EXPECT_TRUE(lines.empty() || run == lines)
+            << "the verdicts differ with " << jobs << " jobs";
+        lines = run;
+    }
     std::size_t accepted = 0;
     for (const std::string& line : lines) {
         EXPECT_EQ(line.find("\"verdict\": \"skipped\""), std::string::npos) << line;
