@@ -1,13 +1,10 @@
 #!/usr/bin/python3
 """usage: check_filter.py TERVANE FILE...
 
-The events of `tervane extract --events --filter FILE` must be those of
-`tervane extract --events FILE` with two changes and no other: each tag's
-name is the first keyword of the vocabulary found in its text (the text when
-none is), and an inline tag is cut into single placeholders, each starting at
-a backslash, plus, percent or ampersand. A tag whose text holds "separator"
-loses its start mark first. Prints a line per file that differs, then
-"N files, M events, K differ".
+`extract --events --filter` must give the events of `extract --events` with
+each tag named by the first keyword found in its text, each inline tag cut at
+every backslash, plus, percent and ampersand, and nothing else changed.
+Prints a line per file that differs, then "N files, M events, K differ".
 """
 import json
 import subprocess
