@@ -9,6 +9,7 @@
 #include "app/commands.h"
 #include "app/failure.h"
 #include "app/json_lines.h"
+#include "app/output_file.h"
 #include "platform/pe/resource_name_text.h"
 #include "platform/win32/last_error.h"
 #include "platform/win32/module_image.h"
@@ -100,7 +101,7 @@ std::string TableId(const pe::ResourceId& id, bool isType) {
     return text;
 }
 
-void PrintTable(const std::vector<Row>& rows) {
+std::string Table(const std::vector<Row>& rows) {
     std::vector<std::vector<std::string>> cells = {{"TYPE", "NAME", "LANG", "SIZE"}};
     for (const Row& row : rows) {
         char lang[16];
@@ -117,15 +118,15 @@ void PrintTable(const std::vector<Row>& rows) {
     for (const auto& line : cells)
         for (std::size_t i = 0; i < 4; ++i)
             widths[i] = std::max(widths[i], width(line[i]));
+    std::string out;
     for (const auto& line : cells) {
-        std::string out;
         for (std::size_t i = 0; i < 4; ++i) {
             std::string pad(static_cast<std::size_t>(widths[i] - width(line[i])), ' ');
             out += i == 3 ? pad + line[i] : line[i] + pad + "  ";
         }
-        std::printf("%s\n", out.c_str());
+        out += '\n';
     }
-    std::printf("%zu resource%s\n", rows.size(), rows.size() == 1 ? "" : "s");
+    return out + std::to_string(rows.size()) + (rows.size() == 1 ? " resource\n" : " resources\n");
 }
 
 int RunList(const ListOptions& options) {
@@ -163,17 +164,18 @@ int RunList(const ListOptions& options) {
                 }
     }
 
+    OutputFile out("-", {});
     if (!options.json) {
-        PrintTable(rows);
-        return 0;
+        out.Write(Table(rows));
+    } else {
+        JsonLine line;
+        for (const Row& row : rows) {
+            AddId(line, "type", *row.type);
+            AddId(line, "name", *row.name);
+            out.Write(line.Number("lang", row.language).Number("size", row.size).Finish());
+        }
     }
-    JsonLine line;
-    for (const Row& row : rows) {
-        AddId(line, "type", *row.type);
-        AddId(line, "name", *row.name);
-        std::string_view text = line.Number("lang", row.language).Number("size", row.size).Finish();
-        std::fwrite(text.data(), 1, text.size(), stdout);
-    }
+    out.Commit();
     return 0;
 }
 

@@ -12,6 +12,7 @@
 
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/output_file.h"
 #include "platform/diag/failure_place.h"
 
 namespace {
@@ -96,7 +97,9 @@ int main(int argc, char** argv) {
     command = command.substr(0, command.find(' '));
     tervane::ClearFailurePlace();
     try {
-        return (*run)();
+        int status = (*run)();
+        tervane::app::CloseStandardOutput();
+        return status;
     } catch (const tervane::app::CommandFailure& failure) {
         tervane::app::ReportFailure(command, failure);
     } catch (const std::bad_alloc&) {
