@@ -10,6 +10,7 @@
 #include "app/commands.h"
 #include "app/event_recorder.h"
 #include "app/failure.h"
+#include "app/input_file.h"
 #include "app/items.h"
 #include "app/output_file.h"
 #include "frame/tervane_parser.h"
@@ -50,6 +51,8 @@ int RunExtract(const ExtractOptions& options) {
     // the input or each other.
     OutputFile output(options.out, {file, options.trace});
     CheckOutputPath(options.trace, {file});
+    // The same verdict on the file as list gives, before the component sees it.
+    { PeFile judged(file); }
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
 
@@ -81,6 +84,9 @@ int RunExtract(const ExtractOptions& options) {
         output.Write(log->Rendered());
         output.Commit();
     }
+    if (SUCCEEDED(hr) && !log->ReceivedAny())
+        ReportFailure("extract", {file, "nothing to convert: no string table, menu, dialog or "
+                                        "version value holds a text"});
     if (FAILED(hr)) {
         std::string logPath = EventLogPath();
         throw CommandFailure(file, failure,

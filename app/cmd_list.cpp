@@ -7,13 +7,10 @@
 #include <vector>
 
 #include "app/commands.h"
-#include "app/failure.h"
+#include "app/input_file.h"
 #include "app/json_lines.h"
 #include "app/output_file.h"
 #include "platform/pe/resource_name_text.h"
-#include "platform/win32/last_error.h"
-#include "platform/win32/module_image.h"
-#include "platform/win32/system_messages.h"
 
 namespace tervane::app {
 
@@ -30,10 +27,6 @@ struct ListOptions {
     bool json = false;
     std::string file;
 };
-
-[[noreturn]] void Fail(const std::string& path, DWORD code) {
-    throw CommandFailure(path, SystemText(code, path));
-}
 
 void AddId(JsonLine& line, std::string_view key, const pe::ResourceId& id) {
     if (id.IsName())
@@ -130,39 +123,16 @@ std::string Table(const std::vector<Row>& rows) {
 }
 
 int RunList(const ListOptions& options) {
-    const std::string& path = options.file;
-    SetLastError(0);
-    HMODULE module = LoadLibraryExA(path.c_str(), nullptr,
-                                    DONT_RESOLVE_DLL_REFERENCES | LOAD_LIBRARY_AS_DATAFILE);
-    if (!module) {
-        Fail(path, GetLastError());
-    }
-    struct Release {
-        HMODULE module;
-        ~Release() { FreeLibrary(module); }
-    } release{module};
-
-    const Result<pe::ResourceTree>& tree = *ModuleResourceTree(module);
-    std::vector<Row> rows;
     // A file without resources lists nothing; that is no failure.
-    if (!tree && tree.error().code != ERROR_RESOURCE_DATA_NOT_FOUND) {
-        Fail(path, tree.error().code);
-    }
-    if (tree) {
-        if (const Error* damage = tree->FirstDamage()) {
-            Fail(path, damage->code);
-        }
+    PeFile file(options.file);
+    // What the list shows must be loadable.
+    file.CheckEveryResourceLoads(options.file);
+    std::vector<Row> rows;
+    if (const pe::ResourceTree* tree = file.Resources())
         for (const auto& type : tree->types)
             for (const auto& name : type.names)
-                for (const auto& language : name.languages) {
-                    // What the list shows must be loadable, as LoadResource loads it.
-                    auto data = ModuleResourceData(module, language.data);
-                    if (!data) {
-                        Fail(path, data.error().code);
-                    }
+                for (const auto& language : name.languages)
                     rows.push_back({&type.id, &name.id, language.language, language.data.size});
-                }
-    }
 
     OutputFile out("-", {});
     if (!options.json) {

@@ -8,6 +8,7 @@
 
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/input_file.h"
 #include "app/output_file.h"
 #include "platform/files/file_bytes.h"
 #include "platform/update/pending_files.h"
@@ -104,6 +105,7 @@ Result<std::vector<std::uint8_t>> Find(const Request& r) {
 }
 
 int Get(const Request& r) {
+    CheckInputFile(r.file, kMaxPeFileBytes);
     OutputFile output(r.output, {r.file});
     auto bytes = Find(r);
     if (!bytes)
@@ -118,6 +120,9 @@ int Get(const Request& r) {
 int Change(const Request& r) {
     if (r.output == "-")
         throw CommandFailure("-", "a changed PE file is not written to standard output");
+    CheckInputFile(r.file, kMaxPeFileBytes);
+    if (r.action == "put")
+        CheckInputFile(r.data, kMaxDataFileBytes);
     const std::string& target = r.output.empty() ? r.file : r.output;
     std::vector<std::string> inputs = {r.data};
     if (!r.output.empty())
