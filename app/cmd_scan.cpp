@@ -23,7 +23,9 @@
 
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/input_file.h"
 #include "app/json_lines.h"
+#include "app/output_file.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
@@ -102,6 +104,12 @@ Verdict ScanFile(const std::string& file) {
     if (fs::exists(fs::symlink_status(copy, error)))
         return {"skipped", 0, "not scanned: " + copy + " is in the way of the scanner's copy", -1};
 
+    // A FIFO or a device would block the scanner's reads or never end them.
+    try {
+        CheckInputFile(file, kMaxPeFileBytes);
+    } catch (const CommandFailure& failure) {
+        return {"skipped", 0, "not scanned: " + file + " " + failure.what(), -1};
+    }
     ComPtr<IFileScanner> scanner;
     HRESULT hr = CoCreateInstance(CLSID_TervaneScanner, nullptr, CLSCTX_ALL, IFileScanner::iid,
                                   scanner.ReceiveVoid());
@@ -131,24 +139,24 @@ Verdict ScanFile(const std::string& file) {
     return verdict;
 }
 
-void PrintLine(const std::string& file, const Verdict& v) {
+void PrintLine(OutputFile& out, const std::string& file, const Verdict& v) {
     std::string text = v.text;
     std::replace(text.begin(), text.end(), '\n', ' ');
     if (std::string_view(v.verdict) == "ok")
         text = "ok";
     else if (std::string_view(v.verdict) == "empty")
         text = "ok, no localisable resources";
-    std::printf("%s: %s\n", file.c_str(), text.c_str());
+    out.Write(file + ": " + text + "\n");
 }
 
-void PrintJson(JsonLine& line, const std::string& file, const Verdict& v) {
+void PrintJson(OutputFile& out, JsonLine& line, const std::string& file, const Verdict& v) {
     std::string_view text = line.Text("file", std::string_view(file))
                                 .Text("verdict", std::string_view(v.verdict))
                                 .Number("status", v.status)
                                 .Text("text", std::string_view(v.text))
                                 .Number("first_language", v.firstLanguage)
                                 .Finish();
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    out.Write(text);
 }
 
 void DrawBar(std::size_t done, std::size_t total) {
@@ -212,6 +220,8 @@ void ScanAll(const std::vector<std::string>& files, unsigned jobs,
 }
 
 int RunScan(const ScanOptions& options) {
+    OutputFile out("-", {});
+    CheckOutputPath(options.trace, options.operands);
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
 #if defined(__GLIBC__)
@@ -234,10 +244,11 @@ int RunScan(const ScanOptions& options) {
         if (bar)
             std::fputs("\r\033[K", stderr);
         if (options.json)
-            PrintJson(line, files[i], verdict);
+            PrintJson(out, line, files[i], verdict);
         else
-            PrintLine(files[i], verdict);
-        std::fflush(stdout);
+            PrintLine(out, files[i], verdict);
+        if (bar)
+            std::fflush(stdout);
         if (bar)
             DrawBar(i + 1, files.size());
         const std::string_view v = verdict.verdict;
@@ -246,8 +257,7 @@ int RunScan(const ScanOptions& options) {
     });
     if (bar)
         std::fputs("\n", stderr);
-    if (std::fflush(stdout) != 0 || std::ferror(stdout))
-        throw CommandFailure("standard output", "cannot write");
+    out.Commit();
     return status;
 }
 

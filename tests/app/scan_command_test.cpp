@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sys/stat.h>
 
 #include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
@@ -49,6 +50,7 @@ TEST(ScanCommand, VerdictsAndExitStatus) {
                                     {"scan_clean", "sub/in-the-way.dll"},
                                     {"fwd_none", "sub/in-the-way_Sniffer.exe"}});
     test::WriteFile(dir + "/sub/notes.txt", {'M', 'Z', '!'});
+    ::mkfifo((dir + "/pipe.dll").c_str(), 0644);
     struct Case {
         std::string arguments;
         int status;
@@ -69,6 +71,9 @@ TEST(ScanCommand, VerdictsAndExitStatus) {
          {"sub/in-the-way.dll: not scanned: sub/in-the-way_Sniffer.exe is in the way of the "
           "scanner's copy",
           "sub/in-the-way_Sniffer.exe: ok, no localisable resources", "sub/named.exe: ok"}},
+        {"pipe.dll",
+         1,
+         {"pipe.dll: not scanned: pipe.dll is a FIFO, not a regular file; not read"}},
         {"", 2, {}},
         {"--jsn clean.dll", 2, {}},
     };
