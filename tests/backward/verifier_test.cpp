@@ -2,6 +2,8 @@
 // written out as the document spells them.
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,6 +15,14 @@
 
 namespace tervane {
 namespace {
+
+// A row's description as the name of its test.
+template <typename Info> std::string RowName(const Info& info) {
+    std::string name;
+    for (const char* c = info.param.what; *c; ++c)
+        name += std::isalnum(static_cast<unsigned char>(*c)) ? *c : '_';
+    return name;
+}
 
 // "<x a>" opens, "</x>" closes, "<x/>" stands alone, anything else is an
 // inline tag; tags are separated by blanks outside quotes, "~" stands for a blank.
@@ -93,8 +103,9 @@ TEST_P(VerifierRows, Judges) {
         EXPECT_STREQ(e.className, "CResourceVerifier");
     }
     EXPECT_EQ(error, row.error);
-    if (!row.error.empty())
+    if (!row.error.empty()) {
         EXPECT_EQ(operation, row.operation);
+    }
     EXPECT_EQ(Narrow(verifier.messages()), row.messages);
     // Each message stands in the run's list too.
     std::u16string all;
@@ -167,7 +178,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"inline run at the very end", "<resources> %s", "<resources> %s", "", "", ""},
         Row{"nothing received", kString, "",
             "Error: Unexpected end found, tag 'resources' is expected.\n" + kTrailer,
-            "VerifyTagStructure", ""}));
+            "VerifyTagStructure", ""}),
+    [](const auto& info) { return RowName(info); });
 
 // Two classes at once: the numbered class is judged before the special one,
 // and a failing class stops the rest.
