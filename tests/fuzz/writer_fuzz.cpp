@@ -91,7 +91,7 @@ public:
     int pumps = 0;
 };
 
-std::vector<std::uint8_t> Bytes(const std::string& path) {
+std::vector<std::uint8_t> FileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
@@ -117,7 +117,7 @@ const Source& TheSource() {
         for (const auto& resource : engine.Resources())
             resources.push_back(resource.get());
         CResourceVerifier::BuildExpectedTags(resources, made.tags);
-        made.bytes = Bytes(made.path);
+        made.bytes = FileBytes(made.path);
         return made;
     }();
     return source;
@@ -216,7 +216,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (int call = 0; call < 3 && SUCCEEDED(hr); ++call)
         hr = writer->raw_Write(0);
     host->sink = nullptr;
-    if (Bytes(source.path) != source.bytes)
+    if (FileBytes(source.path) != source.bytes)
         std::abort(); // the source changed
     for (const auto& entry : fs::directory_iterator(source.dir)) {
         const std::string name = entry.path().filename();
