@@ -65,7 +65,10 @@ std::u16string CUpdateVisitor::GetTranslatedText(const CLabelPieceList& pieces, 
         const TagDescriptor* tag = TagOf(*piece);
         if (tag == nullptr)
             continue;
-        isSeparator = Contains(tag->tagText, u"separator") ? 1 : 0;
+        // A separator that closes its pop-up is followed by </menu>, which
+        // leaves it a separator.
+        if (tag->tagText != u"</menu>")
+            isSeparator = Contains(tag->tagText, u"separator") ? 1 : 0;
         if (tag->startTag && !tag->endTag) {
             if (first) {
                 controlName = Narrow(GetTagWord(*tag));

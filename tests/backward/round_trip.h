@@ -70,6 +70,14 @@ private:
     CResourceParserImpl engine_;
 };
 
+// The bytes with zeros up to a multiple of 4: a rebuilt template aligns its
+// last item, where the resource compiler leaves it unpadded.
+inline std::vector<std::uint8_t> Padded(std::vector<std::uint8_t> bytes) {
+    while (bytes.size() % 4 != 0)
+        bytes.push_back(0);
+    return bytes;
+}
+
 // Pieces spelt as [text], {inline tag}, <open>, </close> and <empty/>.
 inline CLabelPieceList Pieces(const std::u16string& spelt) {
     CLabelPieceList pieces;
