@@ -52,7 +52,9 @@ std::vector<std::string> Titles(const std::vector<std::uint8_t>& bytes) {
 }
 
 TEST(DialogRebuild, UnchangedPiecesGiveTheSourceDialog) {
-    for (const std::string& path : test::FixtureImages("fwd_dialogs")) {
+    std::vector<std::string> paths = test::FixtureImages("fwd_dialogs");
+    paths.push_back(test::FixturePath("bwd_dialogs", "x86"));
+    for (const std::string& path : paths) {
         test::SourceFile source(path);
         for (auto& resource : source.Resources()) {
             auto* dialog = dynamic_cast<CDialogResource*>(resource.get());
@@ -75,11 +77,12 @@ TEST(DialogRebuild, UnchangedPiecesGiveTheSourceDialog) {
                 auto expected = Described(original);
                 EXPECT_EQ(Described(written[0].bytes), expected);
             }
-            if (dialog->identifierText == "103") {
-                // The init data of its list boxes goes out behind it.
+            // The init data of its list boxes goes out behind it.
+            if (dialog->identifierText == "103" || dialog->identifierText == "301") {
                 ASSERT_EQ(written.size(), 2u);
                 EXPECT_EQ(written[1].type, 240);
-                EXPECT_EQ(written[1].bytes, source.BytesOf(source.Find(240, "103")));
+                EXPECT_EQ(written[1].bytes,
+                          source.BytesOf(source.Find(240, dialog->identifierText)));
             } else {
                 EXPECT_EQ(written.size(), 1u);
             }
@@ -181,6 +184,13 @@ TEST(DialogRebuild, TranslatedTitlesAndTheirChecks) {
          "Error: There is no text between the opening and the closing tag (dialog resource  id = "
          "102\ncontrol 'checkbox' id = '60').\n" +
              kTrailer},
+        {"titles that join a list or give no element take no new text",
+         "301",
+         {{"[After]", u"[Danach]"}},
+         1,
+         {{3, "'Danach'"}},
+         {},
+         ""},
         {"a line end in a named dialog",
          "SETTINGS",
          {{"[Line one]{\\n}", u"[Zeile eins]{\\n}"}},
@@ -192,7 +202,8 @@ TEST(DialogRebuild, TranslatedTitlesAndTheirChecks) {
     for (const DialogCase& c : cases) {
         SCOPED_TRACE(c.name);
         ConversionMode mode(c.mode);
-        test::SourceFile source(test::FixturePath("fwd_dialogs", "x64"));
+        test::SourceFile source(
+            test::FixturePath(c.dialog == "301" ? "bwd_dialogs" : "fwd_dialogs", "x64"));
         auto& dialog = static_cast<CDialogResource&>(source.Find(5, c.dialog));
         auto expected = Titles(source.BytesOf(dialog));
         test::Merge(dialog, test::Stream(dialog, c.changes));
