@@ -58,6 +58,9 @@ void CDialogItem::ComposeTexts() {
     std::u16string text;
     bool stale = true;
     bool open = false;
+    // The element's text was offered for translation; an edit's or a list's
+    // title stands outside a segment and never comes back from the host.
+    bool offered = false;
     bool afterDialog = false;
     bool isCaption = false;
     bool isList = false;
@@ -120,6 +123,7 @@ void CDialogItem::ComposeTexts() {
                 controlId = GetIdAttribute(*tag);
             }
             open = true;
+            offered = IsSegmentOpen(*tag);
             if (Contains(tagText, u"combobox") || Contains(tagText, u"listbox")) {
                 listControl = ListControlId(tagText);
                 isList = true;
@@ -131,7 +135,7 @@ void CDialogItem::ComposeTexts() {
                 isCaption = false;
             if (open) {
                 const std::size_t limit = isList ? kListItemTextLimit : kDialogTextLimit;
-                if (text.empty() || text.size() > limit)
+                if ((text.empty() && offered) || text.size() > limit)
                     VerifyTextLength(text, limit, kind, resourceId, controlName, controlId);
                 // A text of inline tags alone is no translation.
                 if (stale)
