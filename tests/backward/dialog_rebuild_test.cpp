@@ -5,6 +5,7 @@
 #include "frame/diagnostics/exceptions.h"
 #include "model/dialog_resource.h"
 #include "model/dlginit_table.h"
+#include "tests/backward/decoders.h"
 #include "tests/backward/round_trip.h"
 
 namespace tervane {
@@ -13,82 +14,6 @@ namespace {
 using test::ConversionMode;
 using test::kTrailer;
 using namespace std::string_literals;
-
-std::string Shown(const OptionalText& text) {
-    return text ? "'" + Narrow(*text) + "'" : "none";
-}
-
-// Every field the template keeps, header first, then the controls in template order.
-std::vector<std::string> Described(const std::vector<std::uint8_t>& bytes) {
-    CDialogTemplateReader reader;
-    const DialogHeader h = reader.ReadHeader(bytes);
-    std::vector<std::string> out;
-    std::ostringstream header;
-    header << h.style << ' ' << h.extendedStyle << ' ' << h.helpId << ' ' << h.itemCount << ' '
-           << h.x << ' ' << h.y << ' ' << h.cx << ' ' << h.cy << ' ' << Shown(h.menuName) << ' '
-           << h.menuOrdinal << ' ' << Shown(h.className) << ' ' << Shown(h.title) << ' '
-           << h.pointSize << ' ' << h.weight << ' ' << int(h.italic) << ' ' << int(h.charset) << ' '
-           << Shown(h.fontName);
-    out.push_back(header.str());
-    for (WORD i = 0; i < h.itemCount; ++i) {
-        const DialogControl c = reader.ReadControl();
-        std::ostringstream control;
-        control << c.helpId << ' ' << c.style << ' ' << c.extendedStyle << ' ' << c.x << ' ' << c.y
-                << ' ' << c.width << ' ' << c.height << ' ' << c.id << ' ' << c.idHigh << ' '
-                << Shown(c.className) << ' ' << c.classOrdinal << ' ' << Shown(c.title) << ' '
-                << c.titleOrdinal << ' ' << c.creationData.size();
-        out.push_back(control.str());
-    }
-    return out;
-}
-
-std::vector<std::string> Titles(const std::vector<std::uint8_t>& bytes) {
-    CDialogTemplateReader reader;
-    const DialogHeader h = reader.ReadHeader(bytes);
-    std::vector<std::string> out{Shown(h.title)};
-    for (WORD i = 0; i < h.itemCount; ++i)
-        out.push_back(Shown(reader.ReadControl().title));
-    return out;
-}
-
-TEST(DialogRebuild, UnchangedPiecesGiveTheSourceDialog) {
-    std::vector<std::string> paths = test::FixtureImages("fwd_dialogs");
-    paths.push_back(test::FixturePath("bwd_dialogs", "x86"));
-    for (const std::string& path : paths) {
-        test::SourceFile source(path);
-        for (auto& resource : source.Resources()) {
-            auto* dialog = dynamic_cast<CDialogResource*>(resource.get());
-            if (dialog == nullptr)
-                continue;
-            SCOPED_TRACE(path + " dialog " + dialog->identifierText);
-            ConversionMode mode(1);
-            const CDialogItem& item = *dialog->dialogs.front();
-            if (!item.skipped)
-                test::Merge(*dialog, test::Stream(*dialog, {}));
-            const auto written = test::Rebuild(*dialog);
-            ASSERT_GE(written.size(), 1u);
-            EXPECT_EQ(written[0].type, 5);
-            EXPECT_EQ(mode.Messages(), std::vector<std::string>{});
-            const auto original = source.BytesOf(*dialog);
-            if (item.header.isExtended) {
-                EXPECT_EQ(written[0].bytes, test::Padded(original));
-            } else {
-                // A plain template comes back in the extended form, with the same fields.
-                auto expected = Described(original);
-                EXPECT_EQ(Described(written[0].bytes), expected);
-            }
-            // The init data of its list boxes goes out behind it.
-            if (dialog->identifierText == "103" || dialog->identifierText == "301") {
-                ASSERT_EQ(written.size(), 2u);
-                EXPECT_EQ(written[1].type, 240);
-                EXPECT_EQ(written[1].bytes,
-                          source.BytesOf(source.Find(240, dialog->identifierText)));
-            } else {
-                EXPECT_EQ(written.size(), 1u);
-            }
-        }
-    }
-}
 
 const std::u16string kLongest(256, u'd');
 
@@ -213,7 +138,7 @@ TEST(DialogRebuild, TranslatedTitlesAndTheirChecks) {
         test::SourceFile source(
             test::FixturePath(c.dialog == "301" ? "bwd_dialogs" : "fwd_dialogs", "x64"));
         auto& dialog = static_cast<CDialogResource&>(source.Find(5, c.dialog));
-        auto expected = Titles(source.BytesOf(dialog));
+        auto expected = test::Titles(source.BytesOf(dialog));
         test::Merge(dialog, test::Stream(dialog, c.changes));
         if (!c.error.empty()) {
             EXPECT_EQ(test::RebuildError(dialog), c.error);
@@ -223,7 +148,7 @@ TEST(DialogRebuild, TranslatedTitlesAndTheirChecks) {
         ASSERT_GE(written.size(), 1u);
         for (const auto& [place, title] : c.titles)
             expected.at(static_cast<std::size_t>(place)) = title;
-        EXPECT_EQ(Titles(written[0].bytes), expected);
+        EXPECT_EQ(test::Titles(written[0].bytes), expected);
         EXPECT_EQ(mode.Messages(), c.messages);
     }
 }

@@ -35,29 +35,6 @@ std::vector<std::string> ItemTexts(const std::vector<std::uint8_t>& b, bool exte
     return texts;
 }
 
-TEST(MenuRebuild, UnchangedPiecesGiveTheSourceMenu) {
-    for (const char* fixture : {"fwd_menus", "bwd_menus"}) {
-        for (const std::string& path : test::FixtureImages(fixture)) {
-            test::SourceFile source(path);
-            for (auto& resource : source.Resources()) {
-                auto* menu = dynamic_cast<CMenuResource*>(resource.get());
-                if (menu == nullptr)
-                    continue;
-                SCOPED_TRACE(path + " menu " + menu->identifierText);
-                ConversionMode mode(1);
-                test::Merge(*menu, test::Stream(*menu, {}));
-                const auto written = test::Rebuild(*menu);
-                ASSERT_EQ(written.size(), 1u);
-                EXPECT_EQ(written[0].type, 4);
-                const auto original = source.BytesOf(*menu);
-                EXPECT_EQ(written[0].bytes, menu->IsExtended() ? test::Padded(original) : original);
-                // A separator that ends its pop-up is no empty item either.
-                EXPECT_EQ(mode.Messages(), std::vector<std::string>{});
-            }
-        }
-    }
-}
-
 struct MenuCase {
     const char* name;
     std::string menu;

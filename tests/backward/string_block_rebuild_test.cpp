@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "tests/backward/decoders.h"
 #include "tests/backward/round_trip.h"
 
 namespace tervane {
@@ -9,51 +10,6 @@ namespace {
 
 using test::ConversionMode;
 using test::kTrailer;
-
-// The counted strings of a block, by their place.
-std::vector<std::string> Strings(const std::vector<std::uint8_t>& b) {
-    std::vector<std::string> out;
-    for (std::size_t at = 0; at + 2 <= b.size();) {
-        std::u16string text(b[at] | b[at + 1] << 8, u'\0');
-        at += 2;
-        for (char16_t& unit : text) {
-            unit = static_cast<char16_t>(b.at(at) | b.at(at + 1) << 8);
-            at += 2;
-        }
-        out.push_back(Narrow(text));
-    }
-    return out;
-}
-
-TEST(StringBlockRebuild, UnchangedPiecesGiveTheSourceBlock) {
-    for (const std::string& path : test::FixtureImages("fwd_strings")) {
-        test::SourceFile source(path);
-        for (auto& resource : source.Resources()) {
-            auto* block = dynamic_cast<CStringBlockResource*>(resource.get());
-            if (block == nullptr)
-                continue;
-            SCOPED_TRACE(path + " block " + block->identifierText);
-            const std::u16string before = test::SpeltPieces(*block);
-            test::Merge(*block, test::Stream(*block, {}));
-            const auto written = test::Rebuild(*block);
-            ASSERT_EQ(written.size(), 1u);
-            EXPECT_EQ(written[0].type, 6);
-            EXPECT_EQ(written[0].language, 0x407);
-            const auto original = source.BytesOf(*block);
-            if (block->identifierText != "1" || block->language != 0x409) {
-                EXPECT_EQ(written[0].bytes, original);
-                continue;
-            }
-            // "a&&b" comes back as "a&b": '&' is plain text in a string table.
-            EXPECT_EQ(Strings(written[0].bytes).at(4), "a&b");
-            CStringBlockResource again;
-            again.identifierText = "1";
-            again.size = static_cast<DWORD>(written[0].bytes.size());
-            CStringBlockCommand().Execute(written[0].bytes, &again);
-            EXPECT_EQ(test::SpeltPieces(again), before);
-        }
-    }
-}
 
 struct TextCase {
     const char* name;
@@ -120,7 +76,7 @@ TEST(StringBlockRebuild, TranslatedTextsAndTheirLimits) {
         ConversionMode mode(c.mode);
         test::SourceFile source(test::FixturePath("fwd_strings", "x64"));
         auto& block = source.Find(6, c.block);
-        auto expected = Strings(source.BytesOf(block));
+        auto expected = test::Strings(source.BytesOf(block));
         test::Merge(block, test::Stream(block, c.changes));
         if (!c.error.empty()) {
             EXPECT_EQ(test::RebuildError(block), c.error + kTrailer);
@@ -133,7 +89,7 @@ TEST(StringBlockRebuild, TranslatedTextsAndTheirLimits) {
         ASSERT_EQ(written.size(), 1u);
         for (const auto& [place, text] : c.strings)
             expected.at(static_cast<std::size_t>(place)) = text;
-        EXPECT_EQ(Strings(written[0].bytes), expected);
+        EXPECT_EQ(test::Strings(written[0].bytes), expected);
     }
 }
 
