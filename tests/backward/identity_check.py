@@ -1,13 +1,11 @@
-#!/ usr / bin / python3
-""
-    "usage: identity_check.py TERVANE LANG FILE...
+#!/usr/bin/python3
+"""usage: identity_check.py TERVANE LANG FILE...
 
-    Extracts each FILE,
-    merges its events unchanged into the language LANG, and checks the result : the merge succeeds; every menu, dialog, string block and
+Extracts each FILE, merges its events unchanged into the language LANG, and
+checks the result: the merge succeeds; every menu, dialog, string block and
 version block (and the dialog init data of a dialog) stands under LANG alone,
-one for each name of the source;
-every other resource keeps its bytes;
-python3 - pefile and windres read the file; and extracting it gives the events
+one for each name of the source; every other resource keeps its bytes;
+python3-pefile and windres read the file; and extracting it gives the events
 of the source (the progress lines aside). Where the source holds one resource
 in several languages, the last written wins, so there the output's own events
 must come back unchanged through a second merge. Prints a line for each file
@@ -90,8 +88,7 @@ def check(tervane, lang, path, work):
     out_events = events(tervane, out)
     if out_events is None:
         return 'the output does not extract'
-    several = len({
-        (t, n, l) for (t, n, l) in before if localisable ((t, n, l), dialogs)}) != len(names)
+    several = len({(t, n, l) for (t, n, l) in before if localisable((t, n, l), dialogs)}) != len(names)
     if not several:
         if out_events != source_events:
             at = next(i for i, (a, b) in enumerate(zip(out_events + [''], source_events + ['']))
