@@ -10,14 +10,15 @@
 #include "app/commands.h"
 #include "app/event_recorder.h"
 #include "app/failure.h"
+#include "app/input_file.h"
 #include "app/items.h"
+#include "app/output_file.h"
 #include "frame/tervane_parser.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
 #include "platform/diag/event_log.h"
 #include "platform/diag/trace_sink.h"
-#include "platform/files/file_replace.h"
 #include "platform/locale/code_pages.h"
 
 namespace tervane::app {
@@ -46,7 +47,12 @@ std::string ErrorText(HRESULT hr) {
 
 int RunExtract(const ExtractOptions& options) {
     const std::string& file = options.file;
-    const std::string& out = options.out;
+    // Both outputs are refused before any work when they would overwrite
+    // the input or each other.
+    OutputFile output(options.out, {file, options.trace});
+    CheckOutputPath(options.trace, {file});
+    // The same verdict on the file as list gives, before the component sees it.
+    { PeFile judged(file); }
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
 
@@ -72,17 +78,15 @@ int RunExtract(const ExtractOptions& options) {
     host->FinishBar();
     std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
-    // What was received is written even when the conversion failed.
-    std::string_view rendered = log->Rendered();
-    if (out.empty()) {
-        std::fwrite(rendered.data(), 1, rendered.size(), stdout);
-        std::fflush(stdout);
-    } else if (auto error = files::ReplaceFileContent(
-                   out,
-                   Bytes(reinterpret_cast<const std::uint8_t*>(rendered.data()), rendered.size()),
-                   0644)) {
-        throw CommandFailure(out, "cannot write");
+    // What was received still reaches standard output when the conversion
+    // failed; a file is only replaced by a whole result.
+    if (SUCCEEDED(hr) || output.IsStandardOutput()) {
+        output.Write(log->Rendered());
+        output.Commit();
     }
+    if (SUCCEEDED(hr) && !log->ReceivedAny())
+        ReportFailure("extract", {file, "nothing to convert: no string table, menu, dialog or "
+                                        "version value holds a text"});
     if (FAILED(hr)) {
         std::string logPath = EventLogPath();
         throw CommandFailure(file, failure,
@@ -104,14 +108,16 @@ void AddExtractCommand(CLI::App& app) {
         "Reads the string tables, menus, dialogs (with the entries of their combo and list\n"
         "boxes) and version values of FILE (.exe, .dll, .ocx, .lng), as data.\n\n"
         "On a failure the error goes to standard error, what was received until then is\n"
-        "still written, and the exit status is 1; a wrong command line gives 2.");
+        "still written to standard output, a file named by -o is left as it was, and the\n"
+        "exit status is 1; a wrong command line gives 2.");
     command->add_flag("--events", options->events,
                       "write every event the host receives, one JSON object a line");
     command->add_flag_callback(
         "--document", [options] { options->events = false; },
         "write the tagged document, UTF-8 (the default)");
     command
-        ->add_option("-o", options->out, "write to OUT, replaced whole, instead of standard output")
+        ->add_option("-o", options->out,
+                     "write to OUT, replaced only by a whole result; - is standard output")
         ->type_name("OUT");
     command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
         ->type_name("FILE");
