@@ -2,6 +2,7 @@
 // side of the backward conversion. Replays the events into the writer over
 // several raw_Write calls, as a framework drives it, and reports the run's
 // messages.
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <sys/stat.h>
@@ -9,9 +10,11 @@
 
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/input_file.h"
 #include "app/items.h"
 #include "app/json_lines.h"
 #include "app/language_tags.h"
+#include "app/output_file.h"
 #include "app/replay_host.h"
 #include "backward/tervane_writer.h"
 #include "frame/conversion_state.h"
@@ -85,25 +88,7 @@ std::string LogHint() {
     return logPath.empty() ? "" : "The system's messages are in " + logPath;
 }
 
-struct FileStamp {
-    bool exists = false;
-    ino_t inode = 0;
-    struct timespec modified = {};
-    bool operator==(const FileStamp& other) const {
-        return exists == other.exists && inode == other.inode &&
-               modified.tv_sec == other.modified.tv_sec &&
-               modified.tv_nsec == other.modified.tv_nsec;
-    }
-};
-
-FileStamp Stamp(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0)
-        return {};
-    return {true, info.st_ino, info.st_mtim};
-}
-
-// The name the writer gives the target: the source's extension is appended
+// The name the writer gives its target: the source's extension is appended
 // unless the target ends in it.
 std::string FinalTarget(const std::string& target, const std::string& source) {
     const std::size_t slash = source.rfind('/');
@@ -118,10 +103,17 @@ std::string FinalTarget(const std::string& target, const std::string& source) {
 
 int RunMerge(const MergeOptions& options) {
     const std::string& source = options.source;
-    const std::string& out = options.out;
     const std::optional<LANGID> target = ParseLanguage(options.language);
-    if (!options.trace.empty() && !AttachTraceFile(options.trace))
-        throw CommandFailure(options.trace, "cannot write the trace file");
+    CheckInputFile(options.events, kMaxDataFileBytes);
+    CheckInputFile(source, kMaxPeFileBytes);
+    OutputFile out(options.out, {options.events, source});
+    if (out.IsStandardOutput())
+        throw CommandFailure(options.out, "a translated executable is no text: name a file");
+    if (!options.trace.empty()) {
+        CheckOutputPath(options.trace, {options.events, source, options.out});
+        if (!AttachTraceFile(options.trace))
+            throw CommandFailure(options.trace, "cannot write the trace file");
+    }
     auto content = files::ReadFileBytes(options.events);
     if (!content)
         throw CommandFailure(options.events, SystemText(content.error().code, options.events));
@@ -139,10 +131,12 @@ int RunMerge(const MergeOptions& options) {
     ComPtr<IFileWriter> writer;
     HRESULT hr = CoCreateInstance(CLSID_TervaneWriter, nullptr, CLSCTX_ALL, IFileWriter::iid,
                                   writer.ReceiveVoid());
-    const std::string finalTarget = FinalTarget(out, source);
-    const FileStamp before = Stamp(finalTarget);
+    // The writer moves its work file onto the output's temporary file, which
+    // takes the target's place only when everything went well.
+    const std::string& work = out.WorkPath();
+    const std::string written = FinalTarget(work, source);
     if (SUCCEEDED(hr)) {
-        Bstr path(Widen(out, CP_UTF8));
+        Bstr path(Widen(work, CP_UTF8));
         ComPtr<IEvents> sink;
         hr = writer->Initialize(path.get(), nullptr, *target, 0, 0, host.get(), sink.Receive());
         if (SUCCEEDED(hr))
@@ -173,12 +167,17 @@ int RunMerge(const MergeOptions& options) {
         std::fflush(stdout);
         throw CommandFailure(source, failure, LogHint());
     }
-    const FileStamp after = Stamp(finalTarget);
-    if (!after.exists || after == before)
+    struct stat info {};
+    if (::stat(written.c_str(), &info) != 0)
         throw CommandFailure(source,
                              "nothing was written: the source lists no resource, or a file call "
                              "failed",
                              LogHint());
+    if (written != work && std::rename(written.c_str(), work.c_str()) != 0) {
+        std::remove(written.c_str());
+        throw CommandFailure(options.out, SystemText(files::Win32ErrorFromErrno(errno), work));
+    }
+    out.Commit();
     return 0;
 }
 
@@ -193,7 +192,7 @@ void AddMergeCommand(CLI::App& app) {
         "Replays EVENTS (as 'extract --events' writes them, texts edited or not) into the\n"
         "backward converter, which checks their tags against SRC, puts their texts into a\n"
         "copy of SRC with every localisable resource under the language L, and moves that\n"
-        "copy onto OUT at the very end. OUT takes the extension of SRC unless it ends in it.\n\n"
+        "copy onto OUT at the very end.\n\n"
         "Alerts and Warnings go to standard error, one a line, behind the file's name; the\n"
         "file is written all the same. An Error names the resource, leaves OUT as it was and\n"
         "gives the exit status 1; a wrong command line gives 2.");

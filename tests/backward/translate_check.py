@@ -70,7 +70,7 @@ def check(tervane, lang, path, work):
                             capture_output=True)
     if merged.returncode != 0:
         return 'merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()
-    got = events(tervane, out if os.path.exists(out) else out + os.path.splitext(path)[1])
+    got = events(tervane, out)
     if got != wanted:
         at = next(i for i, (a, b) in enumerate(zip(got + [None], wanted + [None])) if a != b)
         return 'differs at event %d: got %s, wanted %s' % (at, got[at:at + 1], wanted[at:at + 1])
