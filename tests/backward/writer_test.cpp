@@ -2,6 +2,7 @@
 // machine reads and runs, and the texts of its failures.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -166,6 +167,10 @@ struct IntakeRow {
     std::string pieces;
 };
 
+void PrintTo(const IntakeRow& row, std::ostream* out) {
+    *out << row.what;
+}
+
 class Intake : public ::testing::TestWithParam<IntakeRow> {};
 
 TEST_P(Intake, KeepsWhatTheTargetNeeds) {
@@ -237,18 +242,26 @@ TEST(WriterStates, MissingSource) {
 }
 
 // The source is read in the call after the input opens, and the run takes
-// place in the call after the one that pumped the end of the input.
-TEST(WriterStates, RunsAfterTheEnd) {
+// place in the call after the one that pumped the end of the input. A
+// read-only source passes its mark to the target and keeps it.
+class RunsAfterTheEnd : public ::testing::TestWithParam<bool> {};
+
+TEST_P(RunsAfterTheEnd, WritesTheTargetThen) {
+    const bool readOnly = GetParam();
     const std::string dir = test::TempDir();
     const std::string source = dir + "/src.dll";
     fs::copy_file(test::FixturePath("fwd_blocks", "x64"), source);
     const std::string events =
         test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract --document " + source);
+    if (readOnly)
+        fs::permissions(source,
+                        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                        fs::perm_options::remove);
     Writer writer(dir + "/out.dll");
     writer.host_->script = {[&] { return writer.Start(source); },
                             [&] {
-                                // The document of extract --document, tag by tag, as a host keeps
-                                // it.
+                                // The document of extract --document, tag by tag: this one holds no
+                                // inline tag.
                                 for (std::size_t at = 0; at < events.size();) {
                                     const std::size_t end = events[at] == '<'
                                                                 ? events.find('>', at) + 1
@@ -263,9 +276,21 @@ TEST(WriterStates, RunsAfterTheEnd) {
     EXPECT_FALSE(fs::exists(dir + "/out.dll"));
     const HRESULT run = writer.writer_->raw_Write(0); // runs
     EXPECT_EQ(run, S_OK) << LastErrorText();
-    EXPECT_TRUE(fs::exists(dir + "/out.dll"));
     EXPECT_EQ(writer.host_->pumps, 3);
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(dir))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"out.dll", "src.dll"}));
+    const auto writable = [](const std::string& path) {
+        return (fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none;
+    };
+    EXPECT_EQ(writable(dir + "/out.dll"), !readOnly);
+    EXPECT_EQ(writable(source), !readOnly);
 }
+
+INSTANTIATE_TEST_SUITE_P(Source, RunsAfterTheEnd, ::testing::Values(false, true),
+                         [](const auto& info) { return info.param ? "ReadOnly" : "Writable"; });
 
 // A source that lists no resource is read again on every call and never run.
 TEST(WriterStates, SourceWithoutResources) {
