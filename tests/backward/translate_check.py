@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """usage: translate_check.py TERVANE LANG FILE...
 
-A deterministic pseudo-translation of every text of each FILE's document
+A deterministic pseudo-translation of every translatable text of each FILE's document
 (vowels accented, about 40% longer; tags, and so placeholders, hotkey marks
 and the text of shortcuts, kept) is merged into the language LANG; extracting
 the result must give the translated document. Files that hold one resource in
@@ -18,7 +18,8 @@ ACCENTS = str.maketrans('aeiouAEIOU', 'áéíóúÁÉÍÓÚ')
 
 
 def pseudo(text):
-    if not text.strip():
+    # A caption's hotkey mark comes as a text of its own.
+    if not text.strip() or text == '&':
         return text
     return text.translate(ACCENTS) + '·' * max(1, (len(text) * 2 + 4) // 5)
 
@@ -31,13 +32,21 @@ def events(tervane, path):
             if '"Progress"' not in l]
 
 
+# The elements whose text is a segment of the host's; the text of any other
+# (an edit control, a combo box's own title) does not go back.
+SEGMENTS = {'string', 'item', 'button', 'label', 'radiobutton', 'checkbox', 'caption', 'comments',
+            'legalcopyright', 'productversion', 'productname', 'legaltrademarks'}
+
+
 def translated(document):
-    out, in_shortcut = [], False
+    out, in_segment, in_shortcut = [], False, False
     for event in document:
         event = dict(event)
         if event['event'] == 'Tag' and event['name'] == 'shortcut':
             in_shortcut = event['start'] == 1
-        elif event['event'] == 'Text' and not in_shortcut:
+        elif event['event'] == 'Tag' and event['name'] in SEGMENTS and not event['inline']:
+            in_segment = event['start'] == 1
+        elif event['event'] == 'Text' and in_segment and not in_shortcut:
             event['text'] = pseudo(event['text'])
         out.append(event)
     return out
