@@ -18,22 +18,23 @@ public:
         JsonLine line;
         Blank();
         if (!Take('{'))
-            return Fail(line, "an object must start with '{'");
+            return Fail(std::move(line), "an object must start with '{'");
         Blank();
         if (Take('}'))
-            return Finish(line);
+            return Finish(std::move(line));
         for (;;) {
             Blank();
             std::u16string key;
             if (!String(key))
-                return Fail(line, error_.empty() ? "a key must be a string" : error_);
+                return Fail(std::move(line), error_.empty() ? "a key must be a string" : error_);
             Blank();
             if (!Take(':'))
-                return Fail(line, "':' must follow a key");
+                return Fail(std::move(line), "':' must follow a key");
             Blank();
             JsonValue value;
             if (!Value(value))
-                return Fail(line, error_.empty() ? "a value must be a string, a number or a "
+                return Fail(std::move(line), error_.empty()
+                                                 ? "a value must be a string, a number or a "
                                                    "boolean"
                                                  : error_);
             std::string narrowKey;
@@ -43,20 +44,21 @@ public:
             if (Take(','))
                 continue;
             if (Take('}'))
-                return Finish(line);
-            return Fail(line, "',' or '}' must follow a value");
+                return Finish(std::move(line));
+            return Fail(std::move(line), "',' or '}' must follow a value");
         }
     }
 
 private:
-    JsonLine& Fail(JsonLine& line, std::string why) {
+    // The line is moved, never copied: its object holds every member.
+    JsonLine Fail(JsonLine line, std::string why) {
         line.error = std::move(why) + " (at byte " + std::to_string(pos_ + 1) + ")";
         return line;
     }
-    JsonLine& Finish(JsonLine& line) {
+    JsonLine Finish(JsonLine line) {
         Blank();
         if (pos_ != text_.size())
-            return Fail(line, "nothing may follow the object");
+            return Fail(std::move(line), "nothing may follow the object");
         return line;
     }
     void Blank() {
