@@ -30,6 +30,7 @@ void AddCommands(CLI::App& app) {
     AddTokensCommand(app);
     AddTablesCommand(app);
     AddExtractCommand(app);
+    AddMergeCommand(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {
