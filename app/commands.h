@@ -38,5 +38,6 @@ void AddTokensCommand(CLI::App& app);
 void AddTablesCommand(CLI::App& app);
 void AddExtractCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
+void AddPreviewCommand(CLI::App& app);
 
 } // namespace tervane::app
