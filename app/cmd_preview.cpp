@@ -19,6 +19,7 @@
 #include "platform/files/file_bytes.h"
 #include "platform/locale/code_pages.h"
 #include "platform/registry/registry.h"
+#include "platform/update/pending_files.h"
 #include "preview/tervane_preview_writer.h"
 
 namespace tervane::app {
@@ -169,6 +170,7 @@ int RunPreview(const PreviewOptions& options) {
                                 options.resource.substr(colon + 1) + "' --png '" + options.out +
                                 "' --fit-json";
     std::fflush(stdout);
+    update::FlushAllPendingFiles();
     const int status = std::system(command.c_str());
     if (status != 0)
         throw CommandFailure(options.out, "the previewer could not draw the resource");

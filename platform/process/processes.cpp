@@ -10,6 +10,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/update/pending_files.h"
+
 namespace tervane {
 
 namespace {
@@ -126,14 +128,24 @@ std::optional<pid_t> StartDetached(const std::string& program,
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
 
+    // The new process reads what this one has written.
+    update::FlushAllPendingFiles();
+    // Detached: no standard handles of the caller, whose readers would wait
+    // for the end of their pipe as long as the new process lives.
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (nothing < 0)
+        return std::nullopt;
     // The grandchild writes its number, then, only if exec fails, its error.
     int report[2];
-    if (::pipe2(report, O_CLOEXEC) != 0)
+    if (::pipe2(report, O_CLOEXEC) != 0) {
+        ::close(nothing);
         return std::nullopt;
+    }
     const pid_t child = ::fork();
     if (child < 0) {
         ::close(report[0]);
         ::close(report[1]);
+        ::close(nothing);
         return std::nullopt;
     }
     if (child == 0) {
@@ -142,6 +154,8 @@ std::optional<pid_t> StartDetached(const std::string& program,
         const pid_t grandchild = ::fork();
         if (grandchild != 0)
             ::_exit(grandchild < 0 ? 1 : 0);
+        for (int fd = 0; fd < 3; ++fd)
+            ::dup2(nothing, fd);
         const pid_t self = ::getpid();
         (void)!::write(report[1], &self, sizeof self);
         sigset_t none;
@@ -153,6 +167,7 @@ std::optional<pid_t> StartDetached(const std::string& program,
         ::_exit(127);
     }
     ::close(report[1]);
+    ::close(nothing);
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
