@@ -32,6 +32,7 @@ void AddCommands(CLI::App& app) {
     AddExtractCommand(app);
     AddMergeCommand(app);
     AddScanCommand(app);
+    AddPreviewCommand(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

@@ -44,5 +44,6 @@ void AddTablesCommand(CLI::App& app);
 void AddExtractCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
 void AddScanCommand(CLI::App& app);
+void AddPreviewCommand(CLI::App& app);
 
 } // namespace tervane::app

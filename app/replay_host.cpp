@@ -105,6 +105,7 @@ HRESULT ReplayHost::Deliver(const ReplayEvent& event) {
         ComObject<DocumentInfo>::Create(info.Receive());
         Bstr path(sourcePath_);
         info->put_SourceFile(path.get());
+        info->put_DocumentNumber(documentNumber_);
         return sink_->raw_StartOfInput(info.get());
     }
     case ReplayEvent::kEndOfInput:
@@ -153,6 +154,8 @@ HRESULT ReplayHost::raw_Pump(LONG_PTR) {
         return S_OK;
     std::size_t budget = perPump_;
     while (next_ < events_.size() && budget-- > 0) {
+        if (next_ == cursorIndex_ && cursor_)
+            Note(sink_->raw_Property(cursor_.get()));
         const ReplayEvent& event = events_[next_++];
         const HRESULT hr = Deliver(event);
         if (event.kind == ReplayEvent::kStartOfInput) {

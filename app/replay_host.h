@@ -35,6 +35,13 @@ public:
     // sink: the writer's IEvents. perPump: events a pump delivers at most.
     void Attach(std::vector<ReplayEvent> events, std::u16string sourcePath, IEvents* sink,
                 std::size_t perPump, bool showBar);
+    // A preview's host gives the cursor's place as a property before the
+    // event at index, and the side through the document number.
+    void SetCursor(std::size_t index, IProperty* cursor) {
+        cursorIndex_ = index;
+        cursor_ = ComPtr<IProperty>(cursor);
+    }
+    void SetDocumentNumber(LONG number) { documentNumber_ = number; }
     // Drops the sink, which holds this host in turn.
     void Detach() { sink_.Reset(); }
     bool AllDelivered() const { return next_ >= events_.size(); }
@@ -62,6 +69,9 @@ private:
     bool inSegment_ = false;
     HRESULT sinkFailure_ = S_OK;
     bool showBar_ = false;
+    std::size_t cursorIndex_ = static_cast<std::size_t>(-1);
+    ComPtr<IProperty> cursor_;
+    LONG documentNumber_ = 0;
     bool drawn_ = false;
 };
 

@@ -10,6 +10,8 @@ packages=(
   # the command line of the tervane program
   libcli11-dev
   clang libclang-rt-14-dev clang-format
+  # the previewer draws with cairo and pango in Arial's metrics
+  libcairo2-dev libpango1.0-dev fonts-liberation
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64
 )
