@@ -62,9 +62,14 @@ std::string WithName(const std::u16string& units) {
     return path;
 }
 
-// A lone surrogate, a pair, control characters and characters beyond ASCII.
+// A lone surrogate, a pair, every control character (three to a name) and
+// characters beyond ASCII.
 TEST(List, NamesNoCompilerWritesAreEscaped) {
-    for (const char16_t* units : {u"\xD800-B", u"\xD83D\xDE00", u"\n\x01\t", u"\xE9\x20AC\x7F"})
+    std::vector<std::u16string> names = {u"\xD800-B", u"\xD83D\xDE00", u"\xE9\x20AC\x7F"};
+    for (char16_t c = 0; c < 0x20; c += 3)
+        names.push_back(
+            {c, static_cast<char16_t>(c + 1), static_cast<char16_t>(c + 2 < 0x20 ? c + 2 : 'x')});
+    for (const std::u16string& units : names)
         ExpectSameAsPefile(WithName(units));
     int status = -1;
     EXPECT_NE(ListJson(WithName(u"\xD800-B"), &status)
