@@ -2,12 +2,14 @@
 // the forward converter as a host framework does (Initialize, then raw_Parse)
 // and writes what the host received.
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "app/commands.h"
 #include "app/event_recorder.h"
+#include "app/failure.h"
 #include "app/items.h"
 #include "frame/tervane_parser.h"
 #include "platform/com/class_objects.h"
@@ -22,8 +24,10 @@ namespace tervane::app {
 
 namespace {
 
-const char* const kUsage =
-    "Usage: tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE\n";
+struct ExtractOptions {
+    bool events = false;
+    std::string out, trace, file;
+};
 
 // The error information the component left on this thread.
 std::string ErrorText(HRESULT hr) {
@@ -40,41 +44,15 @@ std::string ErrorText(HRESULT hr) {
     return text;
 }
 
-} // namespace
-
-int RunExtract(const Args& args) {
-    bool events = false;
-    std::string out, trace, file;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "--events") {
-            events = true;
-        } else if (a == "--document") {
-            events = false;
-        } else if ((a == "-o" || a == "--trace") && i + 1 < args.size()) {
-            (a == "-o" ? out : trace) = args[++i];
-        } else if (!a.empty() && a[0] == '-') {
-            std::fprintf(stderr, "tervane extract: unknown option '%s'\n%s", a.c_str(), kUsage);
-            return 2;
-        } else if (file.empty()) {
-            file = a;
-        } else {
-            std::fprintf(stderr, "tervane extract: only one FILE\n%s", kUsage);
-            return 2;
-        }
-    }
-    if (file.empty()) {
-        std::fprintf(stderr, "%s", kUsage);
-        return 2;
-    }
-    if (!trace.empty() && !AttachTraceFile(trace)) {
-        std::fprintf(stderr, "tervane extract: cannot write the trace file %s\n", trace.c_str());
-        return 1;
-    }
+int RunExtract(const ExtractOptions& options) {
+    const std::string& file = options.file;
+    const std::string& out = options.out;
+    if (!options.trace.empty() && !AttachTraceFile(options.trace))
+        throw CommandFailure(options.trace, "cannot write the trace file");
 
     RegisterItemClasses();
     RegisterTervaneParserClass();
-    auto log = std::make_shared<EventOutput>(events);
+    auto log = std::make_shared<EventOutput>(options.events);
     ComPtr<ComObject<RecordingSink>> sink;
     ComPtr<ComObject<ProgressHost>> host;
     ComObject<RecordingSink>::Create(sink.Receive());
@@ -103,17 +81,41 @@ int RunExtract(const Args& args) {
                    out,
                    Bytes(reinterpret_cast<const std::uint8_t*>(rendered.data()), rendered.size()),
                    0644)) {
-        std::fprintf(stderr, "tervane extract: cannot write %s\n", out.c_str());
-        return 1;
+        throw CommandFailure(out, "cannot write");
     }
     if (FAILED(hr)) {
-        std::fprintf(stderr, "tervane extract: %s: %s\n", file.c_str(), failure.c_str());
         std::string logPath = EventLogPath();
-        if (!logPath.empty())
-            std::fprintf(stderr, "The system's messages are in %s\n", logPath.c_str());
-        return 1;
+        throw CommandFailure(file, failure,
+                             logPath.empty() ? "" : "The system's messages are in " + logPath);
     }
     return 0;
+}
+
+} // namespace
+
+void AddExtractCommand(CLI::App& app) {
+    auto options = std::make_shared<ExtractOptions>();
+    CLI::App* command = AddCommand(
+        app, "extract",
+        "Convert the resources of a PE file into the tagged document, or into the events a host "
+        "receives",
+        [options] { return RunExtract(*options); });
+    command->footer(
+        "Reads the string tables, menus, dialogs (with the entries of their combo and list\n"
+        "boxes) and version values of FILE (.exe, .dll, .ocx, .lng), as data.\n\n"
+        "On a failure the error goes to standard error, what was received until then is\n"
+        "still written, and the exit status is 1; a wrong command line gives 2.");
+    command->add_flag("--events", options->events,
+                      "write every event the host receives, one JSON object a line");
+    command->add_flag_callback(
+        "--document", [options] { options->events = false; },
+        "write the tagged document, UTF-8 (the default)");
+    command
+        ->add_option("-o", options->out, "write to OUT, replaced whole, instead of standard output")
+        ->type_name("OUT");
+    command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
+        ->type_name("FILE");
+    command->add_option("FILE", options->file, "the PE file")->required()->type_name("");
 }
 
 } // namespace tervane::app

@@ -2,11 +2,13 @@
 // resource enumeration reports it (types, then names, then languages).
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "app/commands.h"
-#include "app/json_text.h"
+#include "app/failure.h"
+#include "app/json_lines.h"
 #include "platform/pe/resource_name_text.h"
 #include "platform/win32/last_error.h"
 #include "platform/win32/module_image.h"
@@ -23,21 +25,20 @@ struct Row {
     std::uint32_t size;
 };
 
-// The system's text for the code, with the file in place of %1.
-void ReportFailure(const std::string& path, DWORD code) {
-    char buffer[512];
-    DWORD length = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                  nullptr, code, 0, buffer, sizeof buffer, nullptr);
-    std::string text = length ? std::string(buffer, length) : "Error " + std::to_string(code) + ".";
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
-        text.pop_back();
-    if (auto at = text.find("%1"); at != std::string::npos)
-        text.replace(at, 2, path);
-    std::fprintf(stderr, "tervane list: %s: %s\n", path.c_str(), text.c_str());
+struct ListOptions {
+    bool json = false;
+    std::string file;
+};
+
+[[noreturn]] void Fail(const std::string& path, DWORD code) {
+    throw CommandFailure(path, SystemText(code, path));
 }
 
-std::string JsonId(const pe::ResourceId& id) {
-    return id.IsName() ? JsonString(std::u16string_view(id.Name())) : std::to_string(id.Ordinal());
+void AddId(JsonLine& line, std::string_view key, const pe::ResourceId& id) {
+    if (id.IsName())
+        line.Text(key, std::u16string_view(id.Name()));
+    else
+        line.Number(key, id.Ordinal());
 }
 
 const char* KnownType(std::uint16_t type) {
@@ -127,29 +128,13 @@ void PrintTable(const std::vector<Row>& rows) {
     std::printf("%zu resource%s\n", rows.size(), rows.size() == 1 ? "" : "s");
 }
 
-} // namespace
-
-int RunList(const Args& args) {
-    bool json = false;
-    std::vector<std::string> files;
-    for (const auto& arg : args) {
-        if (arg == "--json")
-            json = true;
-        else
-            files.push_back(arg);
-    }
-    if (files.size() != 1) {
-        std::fprintf(stderr, "Usage: tervane list [--json] FILE\n");
-        return 2;
-    }
-    const std::string& path = files[0];
-
+int RunList(const ListOptions& options) {
+    const std::string& path = options.file;
     SetLastError(0);
     HMODULE module = LoadLibraryExA(path.c_str(), nullptr,
                                     DONT_RESOLVE_DLL_REFERENCES | LOAD_LIBRARY_AS_DATAFILE);
     if (!module) {
-        ReportFailure(path, GetLastError());
-        return 1;
+        Fail(path, GetLastError());
     }
     struct Release {
         HMODULE module;
@@ -160,13 +145,11 @@ int RunList(const Args& args) {
     std::vector<Row> rows;
     // A file without resources lists nothing; that is no failure.
     if (!tree && tree.error().code != ERROR_RESOURCE_DATA_NOT_FOUND) {
-        ReportFailure(path, tree.error().code);
-        return 1;
+        Fail(path, tree.error().code);
     }
     if (tree) {
         if (const Error* damage = tree->FirstDamage()) {
-            ReportFailure(path, damage->code);
-            return 1;
+            Fail(path, damage->code);
         }
         for (const auto& type : tree->types)
             for (const auto& name : type.names)
@@ -174,21 +157,37 @@ int RunList(const Args& args) {
                     // What the list shows must be loadable, as LoadResource loads it.
                     auto data = ModuleResourceData(module, language.data);
                     if (!data) {
-                        ReportFailure(path, data.error().code);
-                        return 1;
+                        Fail(path, data.error().code);
                     }
                     rows.push_back({&type.id, &name.id, language.language, language.data.size});
                 }
     }
 
-    if (!json) {
+    if (!options.json) {
         PrintTable(rows);
         return 0;
     }
-    for (const Row& row : rows)
-        std::printf("{\"type\": %s, \"name\": %s, \"lang\": %u, \"size\": %u}\n",
-                    JsonId(*row.type).c_str(), JsonId(*row.name).c_str(), row.language, row.size);
+    JsonLine line;
+    for (const Row& row : rows) {
+        AddId(line, "type", *row.type);
+        AddId(line, "name", *row.name);
+        std::string_view text = line.Number("lang", row.language).Number("size", row.size).Finish();
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
     return 0;
+}
+
+} // namespace
+
+void AddListCommand(CLI::App& app) {
+    auto options = std::make_shared<ListOptions>();
+    CLI::App* command = AddCommand(app, "list", "List the resources of a PE file",
+                                   [options] { return RunList(*options); });
+    command->add_flag("--json", options->json,
+                      "one JSON object a resource: type, name, lang, size");
+    command->add_option("FILE", options->file, "the PE file (.exe, .dll, .ocx, .lng)")
+        ->required()
+        ->type_name("");
 }
 
 } // namespace tervane::app

@@ -1,11 +1,13 @@
 // tervane res get|put|delete FILE --type T --name N --lang L: one resource of a
 // PE file by hand, through the same Win32 calls that the conversions use.
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "app/commands.h"
+#include "app/failure.h"
 #include "platform/files/file_bytes.h"
 #include "platform/files/file_replace.h"
 #include "platform/update/pending_files.h"
@@ -29,21 +31,8 @@ struct Request {
     std::string data;
 };
 
-void ReportFailure(const std::string& path, DWORD code) {
-    std::string text = SystemMessageText(code).value_or("Error " + std::to_string(code) + ".");
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
-        text.pop_back();
-    if (auto at = text.find("%1"); at != std::string::npos)
-        text.replace(at, 2, path);
-    std::fprintf(stderr, "tervane res: %s: %s\n", path.c_str(), text.c_str());
-}
-
-int Usage(const std::string& why) {
-    std::fprintf(stderr,
-                 "tervane res: %s\nUsage: tervane res get|put|delete FILE --type T --name N "
-                 "--lang L [-o OUT] [--data DATAFILE]\n",
-                 why.c_str());
-    return 2;
+[[noreturn]] void Fail(const std::string& path, DWORD code) {
+    throw CommandFailure(path, SystemText(code, path));
 }
 
 std::optional<unsigned long> Number(const std::string& text, int base) {
@@ -81,43 +70,6 @@ std::optional<WORD> Language(const std::string& text) {
     return static_cast<WORD>(*number);
 }
 
-std::optional<std::string> Parse(const Args& args, Request& r) {
-    std::vector<std::string> positional;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& arg = args[i];
-        bool option =
-            arg == "--type" || arg == "--name" || arg == "--lang" || arg == "-o" || arg == "--data";
-        if (!option) {
-            positional.push_back(arg);
-            continue;
-        }
-        if (i + 1 >= args.size())
-            return arg + " needs a value";
-        const std::string& value = args[++i];
-        if (arg == "--type" && !(r.type = Identifier(value)))
-            return "bad type '" + value + "'";
-        if (arg == "--name" && !(r.name = Identifier(value)))
-            return "bad name '" + value + "'";
-        if (arg == "--lang" && !(r.language = Language(value)))
-            return "bad language '" + value + "'";
-        if (arg == "-o")
-            r.output = value;
-        if (arg == "--data")
-            r.data = value;
-    }
-    if (positional.size() != 2)
-        return "expected an action and one FILE";
-    r.action = positional[0];
-    r.file = positional[1];
-    if (r.action != "get" && r.action != "put" && r.action != "delete")
-        return "unknown action '" + r.action + "'";
-    if (!r.type || !r.name || !r.language)
-        return "--type, --name and --lang are required";
-    if (r.action == "put" && r.data.empty())
-        return "put needs --data DATAFILE";
-    return std::nullopt;
-}
-
 // The resource in exactly this language: FindResourceExA falls back to
 // neutral languages, which a user asking for one language must not get.
 Result<std::vector<std::uint8_t>> Find(const Request& r) {
@@ -153,22 +105,16 @@ Result<std::vector<std::uint8_t>> Find(const Request& r) {
 
 int Get(const Request& r) {
     auto bytes = Find(r);
-    if (!bytes) {
-        ReportFailure(r.file, bytes.error().code);
-        return 1;
-    }
+    if (!bytes)
+        Fail(r.file, bytes.error().code);
     if (r.output.empty()) {
         if (std::fwrite(bytes->data(), 1, bytes->size(), stdout) != bytes->size() ||
-            std::fflush(stdout) != 0) {
-            ReportFailure("standard output", ERROR_WRITE_FAULT);
-            return 1;
-        }
+            std::fflush(stdout) != 0)
+            Fail("standard output", ERROR_WRITE_FAULT);
         return 0;
     }
-    if (auto error = files::ReplaceFileContent(r.output, *bytes, files::PermissionsFor(r.output))) {
-        ReportFailure(r.output, error->code);
-        return 1;
-    }
+    if (auto error = files::ReplaceFileContent(r.output, *bytes, files::PermissionsFor(r.output)))
+        Fail(r.output, error->code);
     return 0;
 }
 
@@ -176,22 +122,17 @@ int Change(const Request& r) {
     std::vector<std::uint8_t> data;
     if (r.action == "put") {
         auto bytes = files::ReadFileBytes(r.data);
-        if (!bytes) {
-            ReportFailure(r.data, bytes.error().code);
-            return 1;
-        }
+        if (!bytes)
+            Fail(r.data, bytes.error().code);
         data = std::move(*bytes);
     } else if (auto existing = Find(r); !existing) {
         // Win32 deletes a missing resource without a word; a user is told.
-        ReportFailure(r.file, existing.error().code);
-        return 1;
+        Fail(r.file, existing.error().code);
     }
     SetLastError(0);
     HANDLE update = BeginUpdateResourceA(r.file.c_str(), FALSE);
-    if (!update) {
-        ReportFailure(r.file, GetLastError());
-        return 1;
-    }
+    if (!update)
+        Fail(r.file, GetLastError());
     // Win32 treats a null pointer with size 0 as a deletion: an empty
     // resource is put with a non-null pointer.
     static const std::uint8_t empty = 0;
@@ -200,30 +141,79 @@ int Change(const Request& r) {
                          static_cast<DWORD>(data.size()))) {
         DWORD code = GetLastError();
         EndUpdateResourceA(update, TRUE);
-        ReportFailure(r.file, code);
-        return 1;
+        Fail(r.file, code);
     }
-    if (!EndUpdateResourceA(update, FALSE)) {
-        ReportFailure(r.file, GetLastError());
-        return 1;
-    }
+    if (!EndUpdateResourceA(update, FALSE))
+        Fail(r.file, GetLastError());
     // Written now, so that a failure is reported while the exit status can
     // still say so; on failure the file is as it was.
     if (auto error = update::FlushPendingFile(r.file)) {
         update::DiscardPendingFile(r.file);
-        ReportFailure(r.file, error->code);
-        return 1;
+        Fail(r.file, error->code);
     }
     return 0;
 }
 
+// The identifier options of every action, checked as they are read.
+void AddKey(CLI::App& action, Request& r) {
+    action.add_option("FILE", r.file, "the PE file")->required()->type_name("");
+    action
+        .add_option_function<std::string>(
+            "--type", [&r](const std::string& text) { r.type = Identifier(text); },
+            "the resource type: a number below 65536, or a name")
+        ->required()
+        ->type_name("T")
+        ->check([](const std::string& text) {
+            return Identifier(text) ? std::string() : "bad type '" + text + "'";
+        });
+    action
+        .add_option_function<std::string>(
+            "--name", [&r](const std::string& text) { r.name = Identifier(text); },
+            "the resource name: a number below 65536, or a name")
+        ->required()
+        ->type_name("N")
+        ->check([](const std::string& text) {
+            return Identifier(text) ? std::string() : "bad name '" + text + "'";
+        });
+    action
+        .add_option_function<std::string>(
+            "--lang", [&r](const std::string& text) { r.language = Language(text); },
+            "the language identifier, decimal or 0x hexadecimal")
+        ->required()
+        ->type_name("L")
+        ->check([](const std::string& text) {
+            return Language(text) ? std::string() : "bad language '" + text + "'";
+        });
+}
+
 } // namespace
 
-int RunRes(const Args& args) {
-    Request r;
-    if (auto problem = Parse(args, r))
-        return Usage(*problem);
-    return r.action == "get" ? Get(r) : Change(r);
+void AddResCommand(CLI::App& app) {
+    auto r = std::make_shared<Request>();
+    CLI::App* res =
+        AddCommand(app, "res", "Read, add, replace or delete one resource of a PE file");
+    CLI::App* get = AddCommand(*res, "get", "Write one resource's bytes to standard output or OUT",
+                               [r] { return Get(*r); });
+    AddKey(*get, *r);
+    get->add_option("-o", r->output, "write to OUT instead of standard output")->type_name("OUT");
+    CLI::App* put =
+        AddCommand(*res, "put", "Add or replace one resource with the bytes of DATAFILE", [r] {
+            r->action = "put";
+            return Change(*r);
+        });
+    AddKey(*put, *r);
+    put->add_option("--data", r->data, "the resource's new bytes")
+        ->required()
+        ->type_name("DATAFILE");
+    put->add_option("-o", r->output, "write the changed file to OUT; FILE stays as it is")
+        ->type_name("OUT");
+    CLI::App* remove = AddCommand(*res, "delete", "Delete one resource", [r] {
+        r->action = "delete";
+        return Change(*r);
+    });
+    AddKey(*remove, *r);
+    remove->add_option("-o", r->output, "write the changed file to OUT; FILE stays as it is")
+        ->type_name("OUT");
 }
 
 } // namespace tervane::app

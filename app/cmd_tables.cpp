@@ -5,18 +5,18 @@
 #include <vector>
 
 #include "app/commands.h"
-#include "app/json_text.h"
+#include "app/failure.h"
+#include "app/json_lines.h"
 #include "platform/win32/resources.h"
 
 namespace tervane::app {
 
-int RunTables(const Args& args) {
-    if (!args.empty()) {
-        std::fprintf(stderr, "usage: tervane tables\n");
-        return 2;
-    }
+namespace {
+
+int RunTables() {
     HMODULE module = TervaneModuleHandle();
     int status = 0;
+    JsonLine line;
     for (const char* type : {"SSLEXTABLE", "SSYACCTABLE"}) {
         std::vector<ResName> names;
         EnumResourceNamesA(
@@ -29,18 +29,26 @@ int RunTables(const Args& args) {
         for (const ResName& name : names) {
             HRSRC found = FindResourceA(module, name, type);
             if (!found) {
-                std::fprintf(stderr, "tervane tables: %s %s cannot be found\n", type,
-                             name.ToString().c_str());
+                // The others are still worth listing.
+                ReportFailure("tables",
+                              {std::string(type) + " " + name.ToString(), "cannot be found"});
                 status = 1;
                 continue;
             }
-            std::printf("{\"type\": %s, \"name\": %s, \"size\": %u}\n",
-                        JsonString(std::string_view(type)).c_str(),
-                        JsonString(std::string_view(name.ToString())).c_str(),
-                        static_cast<unsigned>(SizeofResource(module, found)));
+            std::string_view text = line.Text("type", std::string_view(type))
+                                        .Text("name", std::string_view(name.ToString()))
+                                        .Number("size", SizeofResource(module, found))
+                                        .Finish();
+            std::fwrite(text.data(), 1, text.size(), stdout);
         }
     }
     return status;
+}
+
+} // namespace
+
+void AddTablesCommand(CLI::App& app) {
+    AddCommand(app, "tables", "List the built-in label tables", RunTables);
 }
 
 } // namespace tervane::app

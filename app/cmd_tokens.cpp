@@ -1,10 +1,12 @@
 // tervane tokens --kind string|menu|dialog TEXT: the label tokens of TEXT,
 // which is given in the escaped input form, one JSON object a line.
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "app/commands.h"
-#include "app/json_text.h"
+#include "app/json_lines.h"
 #include "label/grammars/label_parser.h"
 #include "platform/pe/resource_name_text.h"
 
@@ -12,47 +14,49 @@ namespace tervane::app {
 
 namespace {
 
-bool KindOf(const std::string& name, LabelKind* kind) {
+struct TokensOptions {
+    LabelKind kind = LabelKind::String;
+    std::string text;
+};
+
+std::optional<LabelKind> KindOf(const std::string& name) {
     if (name == "string")
-        *kind = LabelKind::String;
-    else if (name == "menu")
-        *kind = LabelKind::Menu;
-    else if (name == "dialog")
-        *kind = LabelKind::Dialog;
-    else
-        return false;
-    return true;
+        return LabelKind::String;
+    if (name == "menu")
+        return LabelKind::Menu;
+    if (name == "dialog")
+        return LabelKind::Dialog;
+    return std::nullopt;
 }
 
-int Usage() {
-    std::fprintf(stderr, "usage: tervane tokens --kind string|menu|dialog TEXT\n");
-    return 2;
+int RunTokens(const TokensOptions& options) {
+    JsonLine line;
+    for (const LabelToken& token : ParseLabel(options.kind, pe::Utf8ToUtf16(options.text))) {
+        std::string_view text = line.Number("type", token.type).Text("text", token.text).Finish();
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
+    return 0;
 }
 
 } // namespace
 
-int RunTokens(const Args& args) {
-    std::string kindName;
-    const std::string* text = nullptr;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--kind" && i + 1 < args.size())
-            kindName = args[++i];
-        else if (!text)
-            text = &args[i];
-        else
-            return Usage();
-    }
-    if (kindName.empty() || !text)
-        return Usage();
-    LabelKind kind;
-    if (!KindOf(kindName, &kind)) {
-        std::fprintf(stderr, "tervane tokens: unknown kind '%s' (string, menu or dialog)\n",
-                     kindName.c_str());
-        return 2;
-    }
-    for (const LabelToken& token : ParseLabel(kind, pe::Utf8ToUtf16(*text)))
-        std::printf("{\"type\": %u, \"text\": %s}\n", token.type, JsonString(token.text).c_str());
-    return 0;
+void AddTokensCommand(CLI::App& app) {
+    auto options = std::make_shared<TokensOptions>();
+    CLI::App* command = AddCommand(app, "tokens", "Show the label tokens of an escaped label text",
+                                   [options] { return RunTokens(*options); });
+    command
+        ->add_option_function<std::string>(
+            "--kind", [options](const std::string& name) { options->kind = *KindOf(name); },
+            "the grammar of the label")
+        ->required()
+        ->check([](const std::string& name) {
+            return KindOf(name) ? std::string()
+                                : "unknown kind '" + name + "' (string, menu or dialog)";
+        })
+        ->type_name("string|menu|dialog");
+    command->add_option("TEXT", options->text, "the label, escaped; after -- if it starts with -")
+        ->required()
+        ->type_name("");
 }
 
 } // namespace tervane::app

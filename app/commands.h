@@ -1,28 +1,41 @@
 #pragma once
-// The commands of the tervane program. Each takes the arguments after its own
-// name and returns the exit status.
+// The commands of the tervane program, declared once on CLI11: the options,
+// `--help` at every level, `--` and the errors of a wrong command line all come
+// from the declarations.
+//
+// To add a command NAME: write app/cmd_NAME.cpp with
+//     void AddNameCommand(CLI::App& app) {
+//         auto options = std::make_shared<NameOptions>();
+//         CLI::App* command = AddCommand(app, "name", "One line for the overview",
+//                                        [options] { return RunName(*options); });
+//         command->add_option("FILE", options->file, "...")->required();
+//     }
+// declare it below and call it from AddCommands in commands.cpp. A run gives
+// the exit status; a failure is thrown as a CommandFailure (app/failure.h),
+// which main reports, and anything written goes through app/output_file.h.
+#include <functional>
 #include <string>
-#include <vector>
+
+#include <CLI/CLI.hpp>
 
 namespace tervane::app {
 
-using Args = std::vector<std::string>;
+// A subcommand of parent whose run is called, after a successful parse, with
+// its options bound. A command with actions (res get|put|delete) adds them as
+// commands of its own and has no run itself.
+CLI::App* AddCommand(CLI::App& parent, const std::string& name, const std::string& summary,
+                     std::function<int()> run = {});
 
-struct Command {
-    const char* name;
-    const char* usage;   // after "tervane "
-    const char* summary; // one line for the overview
-    int (*run)(const Args& args);
-    const char* details = nullptr; // options and behaviour, for COMMAND --help
-};
+// Every command of the program, on the main CLI::App.
+void AddCommands(CLI::App& app);
 
-// Defined in commands.cpp: the table that main dispatches on.
-const std::vector<Command>& Commands();
+// The run of the deepest command the parse chose, or none.
+const std::function<int()>* ChosenRun(const CLI::App& app);
 
-int RunList(const Args& args);
-int RunRes(const Args& args);
-int RunTokens(const Args& args);
-int RunTables(const Args& args);
-int RunExtract(const Args& args);
+void AddListCommand(CLI::App& app);
+void AddResCommand(CLI::App& app);
+void AddTokensCommand(CLI::App& app);
+void AddTablesCommand(CLI::App& app);
+void AddExtractCommand(CLI::App& app);
 
 } // namespace tervane::app

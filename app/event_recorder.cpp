@@ -1,13 +1,11 @@
 #include "app/event_recorder.h"
 
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <new>
 
 #include "app/items.h"
-#include "app/json_text.h"
 #include "platform/locale/code_pages.h"
 #include "platform/locale/utf8.h"
 
@@ -42,66 +40,48 @@ void EventOutput::Append(std::string_view bytes) {
     size_ += bytes.size();
 }
 
-void EventOutput::AppendNumber(LONG value) {
-    char digits[16];
-    auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
-    (void)error; // sixteen places hold any LONG
-    Append(std::string_view(digits, static_cast<std::size_t>(end - digits)));
-}
-
 void EventOutput::StartOfInput(bool info) {
     if (jsonLines_)
-        Append(info ? "{\"event\": \"StartOfInput\", \"info\": true}\n"
-                    : "{\"event\": \"StartOfInput\", \"info\": false}\n");
+        Append(line_.Text("event", std::string_view("StartOfInput")).Bool("info", info).Finish());
 }
 
 void EventOutput::EndOfInput() {
     if (jsonLines_)
-        Append("{\"event\": \"EndOfInput\"}\n");
+        Append(line_.Text("event", std::string_view("EndOfInput")).Finish());
 }
 
 void EventOutput::Progress(LONG value) {
-    if (!jsonLines_)
-        return;
-    Append("{\"event\": \"Progress\", \"value\": ");
-    AppendNumber(value);
-    Append("}\n");
+    if (jsonLines_)
+        Append(line_.Text("event", std::string_view("Progress")).Number("value", value).Finish());
 }
 
 void EventOutput::TagLine(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
                           LONG inlineMark) {
-    Append("{\"event\": \"Tag\", \"text\": ");
-    Append(JsonString(text));
-    Append(", \"name\": ");
-    Append(JsonString(name));
-    Append(", \"start\": ");
-    AppendNumber(start);
-    Append(", \"end\": ");
-    AppendNumber(end);
-    Append(", \"inline\": ");
-    AppendNumber(inlineMark);
-    Append("}\n");
+    Append(line_.Text("event", std::string_view("Tag"))
+               .Text("text", text)
+               .Text("name", name)
+               .Number("start", start)
+               .Number("end", end)
+               .Number("inline", inlineMark)
+               .Finish());
 }
 
 void EventOutput::TextLine(std::u16string_view text) {
-    Append("{\"event\": \"Text\", \"text\": ");
-    Append(JsonString(text));
-    Append("}\n");
+    Append(line_.Text("event", std::string_view("Text")).Text("text", text).Finish());
 }
 
 void EventOutput::Property(std::u16string_view name, std::u16string_view value) {
-    if (!jsonLines_)
-        return;
-    Append("{\"event\": \"Property\", \"name\": ");
-    Append(JsonString(name));
-    Append(", \"value\": ");
-    Append(JsonString(value));
-    Append("}\n");
+    if (jsonLines_)
+        Append(line_.Text("event", std::string_view("Property"))
+                   .Text("name", name)
+                   .Text("value", value)
+                   .Finish());
 }
 
 void EventOutput::Segment(bool start) {
     if (jsonLines_)
-        Append(start ? "{\"event\": \"StartOfSegment\"}\n" : "{\"event\": \"EndOfSegment\"}\n");
+        Append(line_.Text("event", std::string_view(start ? "StartOfSegment" : "EndOfSegment"))
+                   .Finish());
 }
 
 InterfaceMap<RecordingSink> RecordingSink::Interfaces() {

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/json_lines.h"
 #include "host/events.h"
 #include "platform/com/component.h"
 #include "platform/com/dispatch.h"
@@ -70,9 +71,9 @@ private:
         char* at = Room(text.size() * locale::kUtf8PerUnit);
         size_ += static_cast<std::size_t>(locale::WriteUtf8(at, text) - at);
     }
-    void AppendNumber(LONG value);
 
     bool jsonLines_;
+    JsonLine line_;
     // Grown by realloc: the document of a large file runs to megabytes,
     // which then move by remapping rather than copying.
     std::unique_ptr<char, Free> data_;

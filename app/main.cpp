@@ -1,22 +1,62 @@
 #include <cstdio>
-#include <cstring>
+#include <exception>
+#include <new>
 #include <string>
+#include <vector>
 
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
 
+#include <CLI/CLI.hpp>
+
 #include "app/commands.h"
+#include "app/failure.h"
+#include "platform/diag/failure_place.h"
 
 namespace {
 
-void PrintUsage(FILE* out) {
-    std::fprintf(out, "Usage: tervane COMMAND [OPTIONS] ...\n\n"
-                      "Localisation filter for the resources of Win32 executables.\n\n"
-                      "Commands:\n");
-    for (const auto& command : tervane::app::Commands())
-        std::fprintf(out, "  %-12s %s\n", command.name, command.summary);
-    std::fprintf(out, "\nRun 'tervane COMMAND --help' for the options of one command.\n");
+// The deepest command chosen, whose help a --help at its level asks for.
+const CLI::App* Chosen(const CLI::App& app) {
+    const CLI::App* at = &app;
+    while (!at->get_subcommands().empty())
+        at = at->get_subcommands().front();
+    return at;
+}
+
+// The words of the command line that name commands, for messages and help.
+std::string CommandPath(const CLI::App& app) {
+    std::string path = app.get_name();
+    for (const CLI::App* at = &app; !at->get_subcommands().empty();) {
+        at = at->get_subcommands().front();
+        path += " " + at->get_name();
+    }
+    return path;
+}
+
+// A wrong command line: what is wrong, then where to look; exit status 2.
+// A word left over names the mistake better than a missing FILE does.
+int CommandLineError(const CLI::App& app, const CLI::ParseError& error) {
+    std::string path = CommandPath(app);
+    std::string what = error.what();
+    const CLI::App* chosen = Chosen(app);
+    std::vector<std::string> left = chosen->remaining();
+    if (!left.empty() && !left.front().empty() && left.front()[0] == '-')
+        what = "unknown option '" + left.front() + "'";
+    else if (!left.empty() && !chosen->get_subcommands({}).empty())
+        what = "unknown command '" + left.front() + "'";
+    std::fprintf(stderr, "%s: %s\nRun '%s --help' for more information.\n", path.c_str(),
+                 what.c_str(), path.c_str());
+    return 2;
+}
+
+// The help of one command, under its whole name.
+std::string Help(const CLI::App& app) {
+    const CLI::App* chosen = Chosen(app);
+    if (chosen == &app)
+        return app.help();
+    std::string path = CommandPath(app);
+    return chosen->help(path.substr(0, path.rfind(' ')));
 }
 
 } // namespace
@@ -28,30 +68,41 @@ int main(int argc, char** argv) {
     // which cost more than the bins saved.
     mallopt(M_MXFAST, 0);
 #endif
+    CLI::App app("Localisation filter for the resources of Win32 executables.", "tervane");
+    app.set_version_flag("--version", "tervane " TERVANE_VERSION);
+    app.require_subcommand(1);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    tervane::app::AddCommands(app);
+    app.footer("Run 'tervane COMMAND --help' for the options of one command.");
+
     if (argc < 2) {
-        PrintUsage(stderr);
+        std::fputs(app.help().c_str(), stderr);
         return 2;
     }
-    std::string name = argv[1];
-    if (name == "--help" || name == "-h" || name == "help") {
-        PrintUsage(stdout);
-        return 0;
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        std::fputs(Help(app).c_str(), stdout);
+        return std::fflush(stdout) == 0 ? 0 : 1;
+    } catch (const CLI::CallForVersion& version) {
+        std::printf("%s\n", version.what());
+        return std::fflush(stdout) == 0 ? 0 : 1;
+    } catch (const CLI::ParseError& error) {
+        return CommandLineError(app, error);
     }
-    for (const auto& command : tervane::app::Commands()) {
-        if (name != command.name)
-            continue;
-        tervane::app::Args args(argv + 2, argv + argc);
-        for (const auto& arg : args) {
-            if (arg == "--help" || arg == "-h") {
-                std::printf("Usage: tervane %s\n\n%s\n", command.usage, command.summary);
-                if (command.details)
-                    std::printf("\n%s\n", command.details);
-                return 0;
-            }
-        }
-        return command.run(args);
+
+    const auto* run = tervane::app::ChosenRun(app);
+    std::string command = CommandPath(app).substr(app.get_name().size() + 1);
+    command = command.substr(0, command.find(' '));
+    tervane::ClearFailurePlace();
+    try {
+        return (*run)();
+    } catch (const tervane::app::CommandFailure& failure) {
+        tervane::app::ReportFailure(command, failure);
+    } catch (const std::bad_alloc&) {
+        tervane::app::ReportFailure(command, {{}, "out of memory"});
+    } catch (const std::exception& error) {
+        tervane::app::ReportFailure(command, {{}, error.what()});
     }
-    std::fprintf(stderr, "tervane: unknown command '%s'\n\n", name.c_str());
-    PrintUsage(stderr);
-    return 2;
+    return 1;
 }

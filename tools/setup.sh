@@ -7,6 +7,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   binutils-mingw-w64-x86-64 binutils-mingw-w64-i686
   python3 python3-pefile icoutils
+  # the command line of the tervane program
+  libcli11-dev
   clang libclang-rt-14-dev clang-format
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64

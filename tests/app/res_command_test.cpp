@@ -57,9 +57,9 @@ TEST(ResCommand, FailuresLeaveTheFileAlone) {
     const std::tuple<std::string, int, std::string> cases[] = {
         {"delete " + file + " --type 6 --name 1 --lang 0x40c", 1,
          "The specified resource language ID cannot be found in the image file."},
-        {"get " + file + " --type 6 --name 1", 2, "--type, --name and --lang are required"},
-        {"get " + file + " --type 6 --name 70000 --lang 0", 2, "bad name"},
-        {"rename " + file + key, 2, "unknown action"},
+        {"get " + file + " --type 6 --name 1", 2, "--lang is required"},
+        {"get " + file + " --type 6 --name 70000 --lang 0", 2, "bad name '70000'"},
+        {"rename " + file + key, 2, "unknown command 'rename'"},
     };
     for (const auto& [arguments, status, message] : cases) {
         Outcome outcome = Res(arguments);

@@ -1,5 +1,6 @@
-#include "app/json_text.h"
+#include "app/json_lines.h"
 
+#include <charconv>
 #include <cstdio>
 
 #include "platform/locale/utf8.h"
@@ -55,10 +56,8 @@ void AppendUtf8(std::string& out, char32_t c) {
     out.append(bytes, static_cast<std::size_t>(locale::EncodeUtf8(c, bytes)));
 }
 
-} // namespace
-
-std::string JsonString(std::u16string_view text) {
-    std::string out = "\"";
+void AppendString(std::string& out, std::u16string_view text) {
+    out += '"';
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t u = text[i];
         bool high = u >= 0xD800 && u <= 0xDBFF;
@@ -71,14 +70,62 @@ std::string JsonString(std::u16string_view text) {
             AppendUtf8(out, u);
         }
     }
-    return out + "\"";
+    out += '"';
 }
 
-std::string JsonString(std::string_view text) {
-    std::string out = "\"";
+void AppendString(std::string& out, std::string_view text) {
+    out += '"';
     for (char c : text)
         AppendAscii(out, c);
-    return out + "\"";
+    out += '"';
+}
+
+} // namespace
+
+void JsonLine::Key(std::string_view key) {
+    if (finished_) {
+        line_.assign("{");
+        finished_ = false;
+    } else {
+        line_ += ", ";
+    }
+    AppendString(line_, key);
+    line_ += ": ";
+}
+
+JsonLine& JsonLine::Text(std::string_view key, std::u16string_view text) {
+    Key(key);
+    AppendString(line_, text);
+    return *this;
+}
+
+JsonLine& JsonLine::Text(std::string_view key, std::string_view utf8) {
+    Key(key);
+    AppendString(line_, utf8);
+    return *this;
+}
+
+JsonLine& JsonLine::Number(std::string_view key, std::int64_t value) {
+    Key(key);
+    char digits[24];
+    auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+    (void)error; // 24 places hold any 64-bit number
+    line_.append(digits, end);
+    return *this;
+}
+
+JsonLine& JsonLine::Bool(std::string_view key, bool value) {
+    Key(key);
+    line_ += value ? "true" : "false";
+    return *this;
+}
+
+std::string_view JsonLine::Finish() {
+    if (finished_)
+        line_.assign("{");
+    line_ += "}\n";
+    finished_ = true;
+    return line_;
 }
 
 } // namespace tervane::app
