@@ -111,7 +111,9 @@ HRESULT CResourceParserImpl::Load(const char* context) {
                              DONT_RESOLVE_DLL_REFERENCES | LOAD_LIBRARY_AS_DATAFILE);
     // The last error decides, not the handle.
     if (CheckLastError(context)) {
-        PrependFailurePlace(Narrow(path_));
+        // A file that can't be read at all has nothing to add to its name.
+        if (!FailurePlace().empty())
+            PrependFailurePlace(Narrow(path_));
         return E_ACCESSDENIED;
     }
     return 0;

@@ -242,7 +242,9 @@ HMODULE LoadLibraryExA(const char* path, void* reserved, DWORD flags) {
     }
     auto bytes = tervane::files::ReadFileContent(path);
     if (!bytes) {
-        Fail(bytes.error());
+        // The reader knows the file's name only, which the caller has already.
+        SetLastError(bytes.error().code);
+        tervane::ClearFailurePlace();
         return nullptr;
     }
     return tervane::LoadModuleFromBytes(std::move(*bytes), path);
