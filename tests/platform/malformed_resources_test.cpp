@@ -2,8 +2,8 @@
 // step that meets the damage, with Win32's last error, and nothing else.
 #include <cstdio>
 #include <functional>
-#include <string>
 #include <gtest/gtest.h>
+#include <string>
 
 #include "platform/byte_reader.h"
 #include "platform/diag/failure_place.h"
@@ -116,6 +116,10 @@ TEST(MalformedResources, DamageFailsTheStepThatMeetsIt) {
          [](const Layout&) {
              return std::string("resource directory at offset 0x0: 5 entries run past the section");
          }},
+        // The loader looks ordinals up behind the named entries the header counts.
+        {"named entries counted over an ordinal type",
+         [&](Layout& l) { StoreU16LE(&l.bytes[l.root + 12], 3); }, find(RT_STRING, 1, 0x409),
+         ERROR_RESOURCE_TYPE_NOT_FOUND, find(RT_RCDATA, "AB", 0x409)},
         {"no resource directory", [&](Layout& l) { set(l, l.dataDirectory, 0); }, enumTypes,
          ERROR_RESOURCE_DATA_NOT_FOUND, nullptr},
         {"huge root entry count", [&](Layout& l) { StoreU16LE(&l.bytes[l.root + 14], 0xFFFF); },
