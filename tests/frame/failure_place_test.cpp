@@ -113,8 +113,6 @@ TEST(FailurePlace, NamesTheFileTheResourceTheOffsetAndTheField) {
              file[at.entry + 5] = static_cast<std::uint8_t>(size >> 8);
              return CutString(at.bytes, size);
          }},
-        {"a menu whose last text runs to its end", "fwd_menu_corrupt", 4, 2, 0x409,
-         [](Bytes8&, const Located&) { return std::string("offset 0x14, field mtString"); }},
         {"the file cut inside its resources", "fwd_dialogs", 5, 100, 0x409,
          [](Bytes8& file, const Located& at) {
              file.resize(at.data + 4);
