@@ -28,6 +28,9 @@ cleanup() { [[ -n "${PROBE_KEEP:-}" ]] || rm -rf "$work"; }
 trap cleanup EXIT
 tree=$work/tree
 mkdir -p "$tree"
+# The list as it stands now: it may be edited while the probe runs.
+cp "$list" "$work/list"
+list=$work/list
 git -C "$root" archive HEAD | tar -x -C "$tree"
 
 if command -v ccache >/dev/null; then
