@@ -8,7 +8,7 @@
 #   + its replacement
 # and, after a change that no test can notice because nothing it gives differs,
 #   ? harmless: why
-# ONLY, a number, runs that entry alone.
+# ONLY, numbers separated by commas, runs those entries alone.
 #
 # The probe exports HEAD into a temporary folder, builds it once (through
 # ccache where there is one), then for each entry changes the line, rebuilds
@@ -84,7 +84,7 @@ number=0
 probe_one() { # file filter old new reason
     local file=$1 filter=$2 old=$3 new=$4 reason=$5 verdict
     number=$((number + 1))
-    if [[ -n "$only" && "$only" != "$number" ]]; then
+    if [[ -n "$only" && ",$only," != *",$number,"* ]]; then
         return 0
     fi
     cp "$tree/$file" "$work/original"
