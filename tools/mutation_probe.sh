@@ -137,7 +137,7 @@ flush
 
 explained=$(grep -A3 ' SURVIVED ' "$report" | grep -c '^      ? ' || true)
 echo
-echo "probe: $number changes, $killed killed, $survived survived ($explained with a reason), $broken not applied or not built"
+echo "probe: $((killed + survived + broken)) of $number changes run, $killed killed, $survived survived ($explained with a reason), $broken not applied or not built"
 if ((survived > 0)); then
     echo "survivors:"
     grep -A3 ' SURVIVED ' "$report" | grep -v '^--$'
