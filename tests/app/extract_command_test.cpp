@@ -39,6 +39,12 @@ TEST(Extract, EdgesOfTheStream) {
          {R"({"event": "StartOfInput", "info": true})", R"({"event": "Progress", "value": 0})",
           R"({"event": "Progress", "value": 50})", R"({"event": "Progress", "value": 100})",
           R"({"event": "Progress", "value": 100})", R"({"event": "EndOfInput"})"}},
+        // A dialog with nothing to translate opens no group, even when alone.
+        {{"fwd_skipped_only"},
+         0,
+         {R"({"event": "StartOfInput", "info": true})", R"({"event": "Progress", "value": 0})",
+          R"({"event": "Progress", "value": 100})", R"({"event": "Progress", "value": 100})",
+          R"({"event": "EndOfInput"})"}},
         // A block that can't be read takes everything with it: no end of input,
         // not even the good menu read before a broken one.
         {{"fwd_corrupt"},
