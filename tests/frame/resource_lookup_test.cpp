@@ -65,7 +65,7 @@ TEST(ResourceLookup, EachResourceReadsItsOwnBytesWhateverTheOrder) {
         {"reversed", [](List& list) { std::reverse(list.begin(), list.end()); }},
         {"first dropped", [](List& list) { list.erase(list.begin()); }},
     };
-    for (const char* fixture : {"fwd_dialogs", "fwd_menus", "sample"}) {
+    for (const char* fixture : {"fwd_dialogs", "fwd_menus", "fwd_strings", "sample"}) {
         for (const std::string& path : test::FixtureImages(fixture)) {
             const Labels expected = Extract(path, [](List&) {});
             ASSERT_GT(expected.size(), 1u) << path;

@@ -111,6 +111,16 @@ TEST(MenuRecords, TreesOfPiecesFromTemplates) {
          },
          {"<menu id=\"1\">", "<item>[a]</item>", "<item id=\"65534\">[b]</item>", "<separator/>",
           "<item>[Z]</item>", "<item>[End]</item></menu>"}},
+        // The separator that ends a pop-up closes it; the items behind are the menu's.
+        {"pop-up ending in a separator, items behind",
+         false,
+         [](MenuImage& m) {
+             m.Popup(0, u"File").Plain(0, 1, u"Open").Plain(kEnd, 0, u"");
+             m.Plain(0, 2, u"Help").Plain(kEnd, 3, u"Exit");
+         },
+         {"<menu id=\"1\">", "<item>[File]</item><menu>", "  <item id=\"1\">[Open]</item>",
+          "  <separator/></menu>", "<item id=\"2\">[Help]</item>",
+          "<item id=\"3\">[Exit]</item></menu>"}},
         {"extended",
          true,
          [](MenuImage& m) {
