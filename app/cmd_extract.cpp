@@ -1,47 +1,65 @@
-// tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE: drives
-// the forward converter as a host framework does (Initialize, then raw_Parse)
-// and writes what the host received.
+// tervane extract [--events | --document | --xliff] [-o OUT] [--trace FILE] FILE:
+// drives the forward converter as a host framework does (Initialize, then
+// raw_Parse) and writes what the host received, or the bilingual document.
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "app/bilingual_file.h"
 #include "app/commands.h"
 #include "app/event_recorder.h"
 #include "app/failure.h"
-#include "app/items.h"
-#include "frame/tervane_parser.h"
-#include "platform/com/class_objects.h"
+#include "app/forward_run.h"
+#include "app/xliff/bilingual.h"
+#include "app/xliff/pseudo.h"
 #include "platform/com/com_ptr.h"
-#include "platform/com/error_info.h"
 #include "platform/diag/event_log.h"
 #include "platform/diag/trace_sink.h"
 #include "platform/files/file_replace.h"
-#include "platform/locale/code_pages.h"
 
 namespace tervane::app {
 
 namespace {
 
 struct ExtractOptions {
-    bool events = false;
-    std::string out, trace, file;
+    bool events = false, xliff = false, pseudo = false;
+    int expand = 40;
+    std::string out, trace, file, sourceLanguage, targetLanguage;
 };
 
-// The error information the component left on this thread.
-std::string ErrorText(HRESULT hr) {
-    ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
-        BSTR description = nullptr;
-        info->GetDescription(&description);
-        Bstr owned = Bstr::Attach(description);
-        if (owned.length())
-            return Narrow(owned.view(), CP_UTF8);
+bool WantsXliff(const ExtractOptions& options) {
+    auto endsWith = [&](std::string_view tail) {
+        return options.out.size() >= tail.size() &&
+               options.out.compare(options.out.size() - tail.size(), tail.size(), tail) == 0;
+    };
+    return options.xliff || options.pseudo || endsWith(".xlf") || endsWith(".xliff");
+}
+
+// The bilingual document: the units of the forward conversion's events, the
+// source file's facts in the header, and with --pseudo a pseudo target each.
+int RunExtractXliff(const ExtractOptions& options) {
+    SourceFacts facts = ReadSourceFacts(options.file);
+    xliff::EventList events = ExtractEvents(options.file);
+    xliff::Document document;
+    try {
+        document = xliff::MakeDocument(events);
+    } catch (const xliff::DocumentError& error) {
+        throw DocumentFailure(options.file, error);
     }
-    char text[64];
-    std::snprintf(text, sizeof text, "the conversion failed (0x%08X)", static_cast<unsigned>(hr));
-    return text;
+    document.original = OriginalFor(options.file, options.out);
+    document.sha256 = facts.sha256;
+    document.size = facts.size;
+    document.sourceLanguage = !options.sourceLanguage.empty()
+                                  ? LanguageTagOption(options.sourceLanguage, "--source-lang")
+                                  : (facts.language.empty() ? "en-US" : facts.language);
+    if (!options.targetLanguage.empty())
+        document.targetLanguage = LanguageTagOption(options.targetLanguage, "--target-lang");
+    if (options.pseudo)
+        xliff::PseudoLocalise(document, options.expand);
+    SaveDocument(document, options.out);
+    return 0;
 }
 
 int RunExtract(const ExtractOptions& options) {
@@ -49,9 +67,9 @@ int RunExtract(const ExtractOptions& options) {
     const std::string& out = options.out;
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
+    if (WantsXliff(options))
+        return RunExtractXliff(options);
 
-    RegisterItemClasses();
-    RegisterTervaneParserClass();
     auto log = std::make_shared<EventOutput>(options.events);
     ComPtr<ComObject<RecordingSink>> sink;
     ComPtr<ComObject<ProgressHost>> host;
@@ -60,17 +78,9 @@ int RunExtract(const ExtractOptions& options) {
     sink->Attach(log);
     host->Attach(log, ::isatty(STDERR_FILENO) != 0);
 
-    ComPtr<IFileParser> parser;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
-                                  parser.ReceiveVoid());
-    if (SUCCEEDED(hr)) {
-        Bstr path(Widen(file, CP_UTF8));
-        hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host.get(), sink.get());
-        if (SUCCEEDED(hr))
-            hr = parser->raw_Parse(0);
-    }
+    std::string failure;
+    HRESULT hr = RunForwardConversion(file, sink.get(), host.get(), &failure);
     host->FinishBar();
-    std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
     // What was received is written even when the conversion failed.
     std::string_view rendered = log->Rendered();
@@ -103,13 +113,33 @@ void AddExtractCommand(CLI::App& app) {
     command->footer(
         "Reads the string tables, menus, dialogs (with the entries of their combo and list\n"
         "boxes) and version values of FILE (.exe, .dll, .ocx, .lng), as data.\n\n"
+        "An OUT ending in .xlf or .xliff, --xliff or --pseudo write the bilingual document:\n"
+        "XLIFF 1.2, one unit per translatable text in a group per resource, what must not\n"
+        "change in <ph>. Its source language is that of the resources (en-US for a neutral\n"
+        "one) unless --source-lang says otherwise.\n\n"
         "On a failure the error goes to standard error, what was received until then is\n"
-        "still written, and the exit status is 1; a wrong command line gives 2.");
+        "still written (but no bilingual document), and the exit status is 1; a wrong\n"
+        "command line gives 2.");
     command->add_flag("--events", options->events,
                       "write every event the host receives, one JSON object a line");
     command->add_flag_callback(
         "--document", [options] { options->events = false; },
         "write the tagged document, UTF-8 (the default)");
+    command->add_flag("--xliff", options->xliff,
+                      "write the bilingual document, XLIFF 1.2 (also chosen by OUT's extension)");
+    command->add_flag("--pseudo", options->pseudo,
+                      "the bilingual document with a pseudo-localised target in every unit");
+    command->add_option("--expand", options->expand, "with --pseudo: growth in percent (40)")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0, 1000));
+    command
+        ->add_option("--target-lang", options->targetLanguage,
+                     "the bilingual document's target language: de-DE, 0x407 or 1031")
+        ->type_name("LANG");
+    command
+        ->add_option("--source-lang", options->sourceLanguage,
+                     "the bilingual document's source language, if not the resources'")
+        ->type_name("LANG");
     command
         ->add_option("-o", options->out, "write to OUT, replaced whole, instead of standard output")
         ->type_name("OUT");

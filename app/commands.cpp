@@ -30,6 +30,9 @@ void AddCommands(CLI::App& app) {
     AddTokensCommand(app);
     AddTablesCommand(app);
     AddExtractCommand(app);
+    AddPseudoCommand(app);
+    AddStatsCommand(app);
+    AddMergeCommand(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

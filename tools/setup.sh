@@ -9,6 +9,9 @@ packages=(
   python3 python3-pefile icoutils
   # the command line of the tervane program
   libcli11-dev
+  # the bilingual document: XLIFF written and read by libxml2 (xmllint checks
+  # it against the schema), the source file's SHA-256 from nettle
+  libxml2-dev libxml2-utils nettle-dev
   clang libclang-rt-14-dev clang-format
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64

@@ -1,0 +1,167 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include "tests/app/extract_run.h"
+#include "tests/support/fixtures.h"
+
+namespace tervane {
+namespace {
+
+const std::string kTervane = std::string(TERVANE_BINARY_DIR) + "/tervane";
+const std::string kSchema =
+    std::string(TERVANE_SOURCE_DIR) + "/tests/data/xliff/xliff-core-1.2-strict.xsd";
+
+std::string Text(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void Write(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// The check of check_xliff.py over files: schema, identity and pseudo.
+void CheckDocuments(const std::string& files) {
+    const std::string dir = test::TempDir();
+    std::string report = test::RunCommand(test::DebianPython() + " " + TERVANE_SOURCE_DIR +
+                                          "/tests/app/check_xliff.py " + kTervane + " " + kSchema +
+                                          " " + dir + " " + files + " 2>&1");
+    std::vector<std::string> lines = test::Lines(report);
+    ASSERT_FALSE(lines.empty());
+    EXPECT_NE(lines.back().find(" 0 faults"), std::string::npos) << report;
+    EXPECT_EQ(lines.back().find(" 0 documents"), std::string::npos) << report;
+}
+
+TEST(XliffCommands, FixturesValidateReplayAndPseudo) {
+    std::string files;
+    for (const char* name : {"fwd_strings", "fwd_menus", "fwd_dialogs", "fwd_version", "fwd_blocks",
+                             "fwd_edges", "fwd_layout", "fwd_dlginit_only", "sample"})
+        for (const std::string& image : test::FixtureImages(name))
+            files += " '" + image + "'";
+    CheckDocuments(files);
+}
+
+TEST(XliffCommands, WineFilesValidateReplayAndPseudo) {
+    const std::string dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    if (test::RunCommand("ls " + dir + "/shell32.dll 2>/dev/null").empty())
+        GTEST_SKIP() << "wine64 is not installed";
+    CheckDocuments(dir + "/*");
+}
+
+// The document of fwd_strings, written as a user would.
+std::string StringsDocument(const std::string& dir) {
+    int status = -1;
+    test::RunCommand(kTervane + " extract -o " + dir + "/a.xlf --target-lang de-de '" +
+                         test::FixturePath("fwd_strings", "x64") + "'",
+                     &status);
+    EXPECT_EQ(status, 0);
+    return Text(dir + "/a.xlf");
+}
+
+TEST(XliffCommands, HeaderNamesTheSourceAndTheLanguages) {
+    const std::string dir = test::TempDir();
+    std::string xml = StringsDocument(dir);
+    std::string image = test::FixturePath("fwd_strings", "x64");
+    int status = -1;
+    std::string sha = test::RunCommand("sha256sum '" + image + "' | cut -c1-64", &status);
+    sha.pop_back();
+    for (const std::string& expected :
+         {std::string("original=\"") + image.substr(0, 0), std::string("datatype=\"winres\""),
+          std::string("source-language=\"de-DE\""), std::string("target-language=\"de-DE\""),
+          "crc=\"sha256:" + sha + "\"",
+          ">" + std::to_string(test::ReadFile(image).size()) + "</count>",
+          std::string("<trans-unit id=\"str.1\" resname=\"1\" restype=\"string\"")})
+        EXPECT_NE(xml.find(expected), std::string::npos) << expected << "\n" << xml;
+}
+
+// A change to the document and what merge must say: one line, with the
+// document's name and the line, exit status 1, and no output file.
+struct BadInputRow {
+    const char* what;
+    std::string from, to;
+    std::string expected; // in the one line of standard error; @ the line changed
+};
+
+class MergeBadInput : public testing::TestWithParam<BadInputRow> {};
+
+TEST_P(MergeBadInput, OneErrorAndNoOutput) {
+    const BadInputRow& row = GetParam();
+    const std::string dir = test::TempDir();
+    std::string xml = StringsDocument(dir);
+    // A translation, so that a missing placeholder shows.
+    std::string target = "<source>Save <ph id=\"1\">%s</ph>?</source>";
+    std::size_t at = xml.find(target);
+    ASSERT_NE(at, std::string::npos);
+    xml.insert(at + target.size(), "<target>Sichern <ph id=\"1\">%s</ph>?</target>");
+    at = xml.find(row.from);
+    ASSERT_NE(at, std::string::npos) << row.from;
+    xml.replace(at, row.from.size(), row.to);
+    Write(dir + "/a.xlf", xml);
+    std::string expected = row.expected;
+    if (std::size_t mark = expected.find('@'); mark != std::string::npos)
+        expected.replace(mark, 1,
+                         std::to_string(1 + std::count(xml.begin(), xml.begin() + at, '\n')));
+    int status = -1;
+    std::string err = test::RunCommand(kTervane + " merge " + dir + "/a.xlf --dry-run -o " + dir +
+                                           "/out 2>&1 >/dev/null",
+                                       &status);
+    EXPECT_EQ(status, 1) << err;
+    EXPECT_EQ(test::Lines(err).size(), 1u) << err;
+    EXPECT_NE(err.find(expected), std::string::npos) << expected << "\n" << err;
+    EXPECT_EQ(test::RunCommand("ls " + dir + "/out 2>/dev/null"), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, MergeBadInput,
+    testing::Values(
+        BadInputRow{"malformed", "<target>", "<target state=>", "a.xlf:@: malformed XML"},
+        BadInputRow{"removed ph", "Sichern <ph id=\"1\">%s</ph>?", "Sichern ?",
+                    "a.xlf:@: unit str.1~2: the target lacks the placeholder <ph>%s</ph>"},
+        BadInputRow{"added ph", "Sichern <ph id=\"1\">%s</ph>?",
+                    "Sichern <ph id=\"1\">%s</ph><ph id=\"2\">%d</ph>?",
+                    "a.xlf:@: unit str.1~2: the target has the placeholder <ph>%d</ph>"},
+        BadInputRow{"unknown id", "<trans-unit id=\"str.37\"", "<trans-unit id=\"str.38\"",
+                    "a.xlf:@: unit str.38: the source file has no unit of this id"},
+        BadInputRow{"another file", "crc=\"sha256:", "crc=\"sha256:0",
+                    "a.xlf:3: the document was made from another file"}),
+    [](const testing::TestParamInfo<BadInputRow>& info) { return std::to_string(info.index); });
+
+TEST(XliffCommands, StatsCountByKind) {
+    const std::string dir = test::TempDir();
+    StringsDocument(dir);
+    int status = -1;
+    std::string json = test::RunCommand(kTervane + " stats --json " + dir + "/a.xlf", &status);
+    EXPECT_EQ(status, 0);
+    // Eight strings, none translated: "Speichern %s?" 1 word, "Save %s?" 1, " " 0,
+    // "100% of %d" 2, "a&b" 2, "back\slash" 2, "Line one\r\nLine two" 4,
+    // "Thirty-seven" 2.
+    EXPECT_NE(json.find("{\"kind\": \"strings\", \"state\": \"untranslated\", \"units\": 8, "
+                        "\"words\": 14, \"characters\": 67}"),
+              std::string::npos)
+        << json;
+    EXPECT_NE(json.find("{\"kind\": \"total\", \"state\": \"translated\", \"units\": 0"),
+              std::string::npos)
+        << json;
+}
+
+TEST(XliffCommands, PseudoDialogTextsShowInTheReplay) {
+    const std::string dir = test::TempDir();
+    int status = -1;
+    test::RunCommand(kTervane + " extract --pseudo -o " + dir + "/p.xlf '" +
+                         test::FixturePath("fwd_dialogs", "x86") + "'",
+                     &status);
+    ASSERT_EQ(status, 0);
+    std::string replay = test::RunCommand(kTervane + " merge --dry-run " + dir + "/p.xlf", &status);
+    EXPECT_EQ(status, 0);
+    // Cancel: six letters, 40 % more is three characters; &Help keeps its hotkey.
+    for (const char* text : {"\"text\": \"[Çáñçél ~~]\"", "\"text\": \"Hélp ~]\""})
+        EXPECT_NE(replay.find(text), std::string::npos) << text;
+}
+
+} // namespace
+} // namespace tervane
