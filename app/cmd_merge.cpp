@@ -1,99 +1,247 @@
-// tervane merge DOC.xlf --dry-run [-o OUT] [--source FILE]: checks a bilingual
-// document against its source file and writes the events a merge replays.
-// The source's extraction is the skeleton: its events outside the units stay
-// as they are, and each unit's content comes from the document.
+// tervane merge --events EVENTS.jsonl --source SRC --lang L -o OUT, or
+// tervane merge DOC.xlf -o OUT [--lang L] [--source SRC] [--dry-run]: the host
+// side of the backward conversion. Replays the events (of the file, or of the
+// source with the bilingual document's translations) into the writer over
+// several raw_Write calls, as a framework drives it, and reports the run's
+// messages.
 #include <cstdio>
-#include <memory>
+#include <functional>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "app/bilingual_file.h"
+#include "app/bilingual_merge.h"
 #include "app/commands.h"
-#include "app/event_recorder.h"
 #include "app/failure.h"
-#include "app/forward_run.h"
-#include "app/xliff/bilingual.h"
-#include "platform/files/file_replace.h"
+#include "app/items.h"
+#include "app/json_lines.h"
+#include "app/language_tags.h"
+#include "app/replay_host.h"
+#include "backward/tervane_writer.h"
+#include "frame/conversion_state.h"
+#include "platform/com/class_objects.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/error_info.h"
+#include "platform/diag/event_log.h"
+#include "platform/diag/trace_sink.h"
+#include "platform/files/file_bytes.h"
+#include "platform/locale/code_pages.h"
 
 namespace tervane::app {
 
 namespace {
 
 struct MergeOptions {
-    std::string file, out, source;
-    bool dryRun = false;
+    bool json = false, dryRun = false;
+    std::string document, events, source, language, out, trace;
 };
 
-// So many warnings are shown one by one; the rest are counted.
-constexpr std::size_t kWarningsShown = 10;
+// Events a pump delivers at most: a host hands its document over in parts.
+constexpr std::size_t kEventsPerPump = 4096;
 
-void ReportWarnings(const std::string& document, const std::vector<xliff::Notice>& warnings) {
-    for (std::size_t i = 0; i < warnings.size() && i < kWarningsShown; ++i) {
-        const xliff::Notice& notice = warnings[i];
-        std::string where = document;
-        if (notice.line > 0)
-            where += ":" + std::to_string(notice.line);
-        std::fprintf(stderr, "tervane merge: warning: %s: unit %s: %s\n", where.c_str(),
-                     notice.unitId.c_str(), notice.text.c_str());
+std::string ErrorText(HRESULT hr) {
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
+        BSTR description = nullptr;
+        info->GetDescription(&description);
+        Bstr owned = Bstr::Attach(description);
+        if (owned.length())
+            return Narrow(owned.view(), CP_UTF8);
     }
-    if (warnings.size() > kWarningsShown)
-        std::fprintf(stderr, "tervane merge: warning: %zu more units as above\n",
-                     warnings.size() - kWarningsShown);
+    char text[64];
+    std::snprintf(text, sizeof text, "the conversion failed (0x%08X)", static_cast<unsigned>(hr));
+    return text;
 }
 
-// A document made from another file (or another version of it) cannot fit.
-void CheckSource(const xliff::Document& document, const std::string& file,
-                 const std::string& source, const SourceFacts& facts) {
-    std::string where = file + (document.line ? ":" + std::to_string(document.line) : "");
-    if (document.sha256.empty())
-        throw CommandFailure(where, "the document does not record its source file's SHA-256");
-    if (document.sha256 != facts.sha256 || (document.size && document.size != facts.size))
-        throw CommandFailure(where, "the document was made from another file than " + source +
-                                        " (SHA-256 " + document.sha256 + ", the file's is " +
-                                        facts.sha256 + ")");
+// The word a message begins with: Error, Alert or Warning.
+std::string Severity(const std::string& message) {
+    for (const char* word : {"Error", "Alert", "Warning"})
+        if (message.rfind(word, 0) == 0)
+            return word;
+    return "Error";
 }
 
-void WriteEvents(const xliff::EventList& events, const std::string& out) {
-    EventOutput log(true);
-    log.StartOfInput(true);
-    for (const xliff::Event& event : events) {
-        if (event.IsTag())
-            log.Tag(event.text, event.name, event.start, event.end, event.inlineMark);
-        else
-            log.Text(event.text);
+// One line: the line ends inside a message become blanks.
+std::string OneLine(std::string text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
+        text.pop_back();
+    for (char& c : text)
+        if (c == '\n' || c == '\r')
+            c = ' ';
+    return text;
+}
+
+void PrintMessage(bool json, const std::string& file, const std::string& message) {
+    if (json) {
+        JsonLine line;
+        line.Text("file", std::string_view(file));
+        line.Text("severity", std::string_view(Severity(message)));
+        line.Text("message", std::string_view(message));
+        const std::string_view text = line.Finish();
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    } else {
+        std::fprintf(stderr, "%s: %s\n", file.c_str(), OneLine(message).c_str());
     }
-    log.EndOfInput();
-    std::string_view rendered = log.Rendered();
-    if (out.empty()) {
-        std::fwrite(rendered.data(), 1, rendered.size(), stdout);
-        if (std::fflush(stdout) != 0)
-            throw CommandFailure("standard output", "cannot write");
-    } else if (files::ReplaceFileContent(
-                   out,
-                   Bytes(reinterpret_cast<const std::uint8_t*>(rendered.data()), rendered.size()),
-                   0644)) {
-        throw CommandFailure(out, "cannot write");
+}
+
+std::string LogHint() {
+    const std::string logPath = EventLogPath();
+    return logPath.empty() ? "" : "The system's messages are in " + logPath;
+}
+
+struct FileStamp {
+    bool exists = false;
+    ino_t inode = 0;
+    struct timespec modified = {};
+    bool operator==(const FileStamp& other) const {
+        return exists == other.exists && inode == other.inode &&
+               modified.tv_sec == other.modified.tv_sec &&
+               modified.tv_nsec == other.modified.tv_nsec;
     }
+};
+
+FileStamp Stamp(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+        return {};
+    return {true, info.st_ino, info.st_mtim};
+}
+
+// The name the writer gives the target: the source's extension is appended
+// unless the target ends in it.
+std::string FinalTarget(const std::string& target, const std::string& source) {
+    const std::size_t slash = source.rfind('/');
+    const std::size_t dot = source.rfind('.');
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
+        return target;
+    const std::string extension = source.substr(dot);
+    if (target.size() >= 4 && target.find(extension) == target.size() - 4)
+        return target;
+    return target + extension;
+}
+
+std::vector<ReplayEvent> ReplayEvents(const xliff::EventList& events) {
+    std::vector<ReplayEvent> replay;
+    replay.reserve(events.size() + 2);
+    replay.push_back({ReplayEvent::kStartOfInput, {}, {}, 0, 0, 0});
+    for (const xliff::Event& event : events)
+        replay.push_back({event.IsTag() ? ReplayEvent::kTag : ReplayEvent::kText, event.text,
+                          event.name, event.start, event.end, event.inlineMark});
+    replay.push_back({ReplayEvent::kEndOfInput, {}, {}, 0, 0, 0});
+    return replay;
+}
+
+// locate: where a message points in the bilingual document, if there is one.
+using Locator = std::function<std::string(const std::string& message)>;
+
+int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const std::string& source,
+           LANGID target, const Locator& locate = {});
+
+// The source's events with the document's translations, into the writer; the
+// target language is the document's unless --lang names one.
+int MergeDocument(const MergeOptions& options) {
+    DocumentMerge merge = PrepareDocumentMerge(options.document, options.source);
+    if (options.dryRun) {
+        WriteEventLines(merge.events, options.out);
+        return 0;
+    }
+    std::string language =
+        !options.language.empty() ? options.language : merge.document.targetLanguage;
+    if (language.empty())
+        throw CommandFailure(options.document,
+                             "the document names no target language: give one with --lang");
+    std::optional<LANGID> target = ParseLanguage(language);
+    if (!target)
+        throw CommandFailure(options.document, "'" + language + "' is no language");
+    if (options.out.empty())
+        throw CommandFailure(options.document, "the translated file needs a name: give -o OUT");
+    const std::string& path = options.document;
+    return Replay(
+        ReplayEvents(merge.events), options, merge.source, *target,
+        [&](const std::string& message) { return LocateMessage(merge.document, path, message); });
 }
 
 int RunMerge(const MergeOptions& options) {
-    if (!options.dryRun)
-        throw CommandFailure(options.file,
-                             "this build has no backward conversion yet: use --dry-run to check "
-                             "the document and write the events a merge replays");
-    xliff::Document document = LoadDocument(options.file);
-    std::string source = !options.source.empty()
-                             ? options.source
-                             : SourceFromOriginal(document.original, options.file);
-    CheckSource(document, options.file, source, ReadSourceFacts(source));
-    xliff::EventList events = ExtractEvents(source);
-    xliff::Merged merged;
-    try {
-        merged = xliff::ApplyDocument(events, document);
-    } catch (const xliff::DocumentError& error) {
-        throw DocumentFailure(options.file, error);
+    if (!options.trace.empty() && !AttachTraceFile(options.trace))
+        throw CommandFailure(options.trace, "cannot write the trace file");
+    if (options.document.empty() == options.events.empty())
+        throw CommandFailure({}, "give either a bilingual document or --events, not both");
+    if (!options.document.empty())
+        return MergeDocument(options);
+    for (auto [value, name] :
+         {std::pair{&options.source, "--source"}, std::pair{&options.language, "--lang"},
+          std::pair{&options.out, "-o"}})
+        if (value->empty())
+            throw CommandFailure({}, std::string("merge --events needs ") + name);
+    if (options.dryRun)
+        throw CommandFailure({}, "--dry-run goes with a bilingual document");
+    auto content = files::ReadFileBytes(options.events);
+    if (!content)
+        throw CommandFailure(options.events, SystemText(content.error().code, options.events));
+    std::string readError;
+    std::vector<ReplayEvent> events = ReadReplayEvents(
+        std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
+        readError);
+    if (!readError.empty())
+        throw CommandFailure(options.events, readError);
+    return Replay(std::move(events), options, options.source, *ParseLanguage(options.language));
+}
+
+int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const std::string& source,
+           LANGID target, const Locator& locate) {
+    auto located = [&](const std::string& message) {
+        std::string where = locate ? locate(message) : std::string();
+        return where.empty() ? message : OneLine(message) + " [" + where + "]";
+    };
+    const std::string& out = options.out;
+    RegisterItemClasses();
+    RegisterTervaneWriterClass();
+    ComPtr<ComObject<ReplayHost>> host;
+    ComObject<ReplayHost>::Create(host.Receive());
+    ComPtr<IFileWriter> writer;
+    HRESULT hr = CoCreateInstance(CLSID_TervaneWriter, nullptr, CLSCTX_ALL, IFileWriter::iid,
+                                  writer.ReceiveVoid());
+    const std::string finalTarget = FinalTarget(out, source);
+    const FileStamp before = Stamp(finalTarget);
+    if (SUCCEEDED(hr)) {
+        Bstr path(Widen(out, CP_UTF8));
+        ComPtr<IEvents> sink;
+        hr = writer->Initialize(path.get(), nullptr, target, 0, 0, host.get(), sink.Receive());
+        if (SUCCEEDED(hr))
+            host->Attach(std::move(events), Widen(source, CP_UTF8), sink.get(), kEventsPerPump,
+                         ::isatty(STDERR_FILENO) != 0);
     }
-    ReportWarnings(options.file, merged.warnings);
-    WriteEvents(merged.events, options.out);
+    // Every pump delivers a part; the call after the one that delivered the
+    // end of the input runs the conversion.
+    while (SUCCEEDED(hr) && !host->AllDelivered())
+        hr = writer->raw_Write(0);
+    if (SUCCEEDED(hr))
+        hr = writer->raw_Write(0);
+    if (SUCCEEDED(hr) && host->SinkFailure() != S_OK)
+        hr = host->SinkFailure();
+    host->FinishBar();
+    host->Detach();
+    const std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
+
+    for (const std::u16string& message : g_messages) {
+        const std::string text = Narrow(message, CP_UTF8);
+        if (Severity(text) != "Error")
+            PrintMessage(options.json, source, located(text));
+    }
+    std::fflush(stdout);
+    if (FAILED(hr)) {
+        if (options.json)
+            PrintMessage(true, source, located(failure));
+        std::fflush(stdout);
+        throw CommandFailure(source, located(failure), LogHint());
+    }
+    const FileStamp after = Stamp(finalTarget);
+    if (!after.exists || after == before)
+        throw CommandFailure(source,
+                             "nothing was written: the source lists no resource, or a file call "
+                             "failed",
+                             LogHint());
     return 0;
 }
 
@@ -101,27 +249,52 @@ int RunMerge(const MergeOptions& options) {
 
 void AddMergeCommand(CLI::App& app) {
     auto options = std::make_shared<MergeOptions>();
-    CLI::App* command = AddCommand(app, "merge",
-                                   "Turn a translated bilingual document back into the events of "
-                                   "its source file",
-                                   [options] { return RunMerge(*options); });
+    CLI::App* command =
+        AddCommand(app, "merge",
+                   "Write a translated copy of a PE file from its bilingual document or its events",
+                   [options] { return RunMerge(*options); });
     command->footer(
-        "Reads the source file again (the document's original, from the document's folder,\n"
-        "or --source), checks its SHA-256 against the document's header, and matches each\n"
-        "unit by id with the source's segment: a unit the source lacks, a source text that\n"
-        "is no longer the file's, or a target whose <ph> differ from the source's is an\n"
-        "error with the unit's id and line, exit status 1 and no output. A unit without a\n"
-        "target keeps its source, with a warning.");
-    command->add_flag("--dry-run", options->dryRun,
-                      "write the events a merge replays, one JSON object a line, as extract "
-                      "--events does");
-    command->add_option("--source", options->source, "the source file, if not the original")
-        ->type_name("FILE");
-    command
-        ->add_option("-o", options->out, "write to OUT, replaced whole, instead of standard output")
+        "From a bilingual document (XLIFF 1.2, as extract writes it): reads the source\n"
+        "file again (the document's original, from the document's folder, or SRC), checks\n"
+        "its SHA-256 against the document's header and each unit's source against the\n"
+        "file's, takes each non-empty target (a unit without one keeps its source, with a\n"
+        "warning), turns <ph> back into their codes, and replays the result as below, in\n"
+        "the document's target language unless --lang names one. A unit the file lacks, a\n"
+        "stale source or a target whose <ph> differ from the source's is an error with the\n"
+        "unit's id and line, exit status 1 and no output. --dry-run writes the events\n"
+        "instead, as 'extract --events' does.\n\n"
+        "Replays EVENTS (as 'extract --events' writes them, texts edited or not) into the\n"
+        "backward converter, which checks their tags against SRC, puts their texts into a\n"
+        "copy of SRC with every localisable resource under the language L, and moves that\n"
+        "copy onto OUT at the very end. OUT takes the extension of SRC unless it ends in it.\n\n"
+        "Alerts and Warnings go to standard error, one a line, behind the file's name; the\n"
+        "file is written all the same. An Error names the resource, leaves OUT as it was and\n"
+        "gives the exit status 1; a wrong command line gives 2.");
+    command->add_option("--events", options->events, "the events, one JSON object a line")
+        ->type_name("EVENTS");
+    command->add_option("--source", options->source, "the executable the events came from")
+        ->type_name("SRC");
+    command->add_option("--lang", options->language, "the target language: 1031, 0x407 or de-DE")
+        ->type_name("L")
+        ->check(CLI::Validator(
+            [](const std::string& value) {
+                return ParseLanguage(value) ? std::string()
+                                            : "'" + value +
+                                                  "' is no language: give a number "
+                                                  "(1031, 0x407) or a language tag "
+                                                  "(de-DE)";
+            },
+            "L"));
+    command->add_option("-o", options->out, "the translated file (with --dry-run: the events)")
         ->type_name("OUT");
-    command->add_option("FILE", options->file, "the bilingual document (XLIFF 1.2)")
-        ->required()
+    command->add_flag("--dry-run", options->dryRun,
+                      "check the document and write the events a merge replays, one JSON object "
+                      "a line, instead of the translated file");
+    command->add_flag("--json", options->json,
+                      "print the messages as JSON Lines on standard output");
+    command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
+        ->type_name("FILE");
+    command->add_option("FILE", options->document, "the bilingual document (XLIFF 1.2)")
         ->type_name("");
 }
 

@@ -65,6 +65,9 @@ public:
 class CResourceVisitor {
 public:
     virtual ~CResourceVisitor() = default;
+    // The file that a rebuilding visitor writes to; set right after it is made.
+    std::u16string workPath;
+
     virtual int VisitVersionInfo(CVersionInfoResource*) { return 0; }
     virtual int VisitDlgInit(CDlgInitResource*) { return 0; }
     virtual int VisitDialog(CDialogResource*) { return 0; }

@@ -12,6 +12,8 @@
 #include "label/pieces/label_piece.h"
 #include "model/dialog_controls.h"
 #include "model/dialog_template.h"
+#include "model/resource_buffer.h"
+#include "model/text_checks.h"
 
 namespace tervane {
 
@@ -59,6 +61,23 @@ public:
     // Appends the pieces of a dialog title (isCaption) or a control's text.
     void AnalyseDialogText(std::u16string_view text, std::string_view marks, bool isCaption);
 
+    // The translated titles from the merged pieces, in document order, into
+    // newTexts; combo and list box items go to the table of init data.
+    void ComposeTexts();
+    // The template in the extended form, with the new titles, into buffer.
+    void ConstructDialogBuffer();
+    // An empty text is an Error; one over maximum is an Error in a final
+    // conversion and is cut in a preview.
+    static void VerifyTextLength(std::u16string& text, std::size_t maximum, const std::string& kind,
+                                 const std::string& resourceId, const std::string& controlName,
+                                 const std::string& controlId);
+    // Whether the control's title stood as an element of its own in the
+    // document, so that a new text of newTexts belongs to it.
+    static bool TakesNewText(const DialogControl& control);
+
+    // Composed by ComposeTexts: the title first if the dialog has one.
+    std::vector<std::u16string> newTexts;
+
     DialogHeader header;
     // In template order, then the top level of the dialog.
     ControlList controls;
@@ -70,7 +89,11 @@ public:
     // The label parser of this dialog; without one, the thread's serves.
     std::unique_ptr<CLabelParser> parser;
     long skipped = 0;
+    // Hotkeys of the translated dialog, with the controls that use them.
+    HotkeyTable hotkeys;
     WORD language = 0;
+    WORD targetLanguage = 0;
+    CResourceBuffer buffer;
 
 private:
     void ReadAndEmitControls(CDialogTemplateReader& reader);

@@ -61,32 +61,28 @@ void CDlgInitData::SetStrings(WORD controlId, NarrowTextList list) {
 
 void CDlgInitData::Rebuild() {
     buffer.clear();
-    auto word = [this](WORD value) {
-        buffer.push_back(static_cast<std::uint8_t>(value & 0xFF));
-        buffer.push_back(static_cast<std::uint8_t>(value >> 8));
-    };
     for (const auto& [control, list] : records) {
         const NarrowTextList& texts = strings[control];
         for (std::size_t i = 0; i < list.size(); ++i) {
             const DlgInitRecord& record = list[i];
-            const std::string* text = &record.text;
-            WORD length = record.lengthLow;
-            std::string replaced;
-            if (i < texts.size() && !texts[i].empty() && texts[i] != record.text) {
-                // The record's text keeps its zero byte; a translation has none.
-                replaced = texts[i];
-                replaced.push_back('\0');
-                text = &replaced;
-                length = static_cast<WORD>(replaced.size());
+            const bool translated =
+                i < texts.size() && !texts[i].empty() && texts[i] != record.text;
+            buffer.WriteWord(record.controlId);
+            buffer.WriteWord(record.message);
+            if (translated) {
+                // A translation has no zero byte of its own; the record's text keeps its.
+                buffer.WriteWord(buffer.Narrowed(texts[i].size() + 1, "a list box text"));
+                buffer.WriteWord(0);
+                buffer.WriteNarrowText(texts[i]);
+                buffer.WriteByte(0);
+            } else {
+                buffer.WriteWord(record.lengthLow);
+                buffer.WriteWord(0);
+                buffer.WriteNarrowText(record.text);
             }
-            word(record.controlId);
-            word(record.message);
-            word(length);
-            word(0);
-            buffer.insert(buffer.end(), text->begin(), text->end());
         }
     }
-    word(0);
+    buffer.WriteWord(0);
 }
 
 CDlgInitTable& CDlgInitTable::GetInstance() {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "model/resource_buffer.h"
 #include "platform/byte_reader.h"
 #include "platform/win32/types.h"
 
@@ -31,7 +32,8 @@ public:
     NarrowTextList GetStrings(WORD controlId) const;
     void SetStrings(WORD controlId, NarrowTextList list);
     // Writes the records by ascending control id, with the strings that differ
-    // from the source in place of theirs, and a closing word of 0.
+    // from the source in place of theirs, and a closing word of 0. A string
+    // too long for its 16-bit length raises TervaneFilterException.
     void Rebuild();
 
     long recordCount = 0;
@@ -42,7 +44,7 @@ public:
     std::vector<DlgInitRecord> pendingRecords;
     NarrowTextList pendingStrings;
     long hasPending = 0;
-    std::vector<std::uint8_t> buffer;
+    CResourceBuffer buffer;
     WORD language = 0;
 
 private:

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "frame/conversion_state.h"
 #include "frame/diagnostics/exceptions.h"
 #include "label/grammars/label_parser.h"
 #include "label/pieces/tag_predicates.h"
+#include "model/menu_checks.h"
 
 namespace tervane {
 
@@ -27,15 +29,32 @@ bool StopsMenu(const CLabelPiece& piece) {
     return IsClose(piece, u"menus") || IsOpen(piece, u"menu id");
 }
 
-// Depth first, as the records stood in the flat stream. False once other runs out.
-bool MergeRecord(MenuItemRecord& record, std::vector<MenuItemRecord>& flat, std::size_t& next) {
-    if (next >= flat.size())
-        return false;
-    record.pieces = std::move(flat[next++].pieces);
-    for (MenuItemRecord& child : record.children)
-        if (!MergeRecord(child, flat, next))
-            return false;
-    return true;
+// Depth first, as the records stood in the flat stream, each record's new
+// pieces checked before they replace its old ones. One level of the menu
+// has one table of hotkeys. False once other runs out.
+bool MergeLevel(std::vector<MenuItemRecord>& level, std::vector<MenuItemRecord>& flat,
+                std::size_t& next, CMenuResource& menu) {
+    HotkeyTable hotkeys;
+    bool more = true;
+    for (MenuItemRecord& record : level) {
+        if (next >= flat.size()) {
+            more = false;
+            break;
+        }
+        CLabelPieceList pieces = std::move(flat[next++].pieces);
+        if (g_writerMode == 1)
+            RemoveSurplusHotkeys(pieces);
+        NormaliseMenuPieces(pieces);
+        CheckMenuHotkey(pieces, hotkeys, menu.menuId);
+        CheckMenuShortcut(pieces, menu.shortcuts);
+        record.pieces = std::move(pieces);
+        if (!MergeLevel(record.children, flat, next, menu)) {
+            more = false;
+            break;
+        }
+    }
+    ReportDuplicateHotkeys(hotkeys, "menu", menu.menuId);
+    return more;
 }
 
 } // namespace
@@ -96,9 +115,8 @@ void CMenuResource::ExtractPieces(CLabelPieceList& stream) {
 void CMenuResource::MergePieces(CResource& other) {
     auto& source = static_cast<CMenuResource&>(other);
     std::size_t next = 0;
-    for (MenuItemRecord& record : items)
-        if (!MergeRecord(record, source.items, next))
-            return;
+    MergeLevel(items, source.items, next, *this);
+    ReportDuplicateShortcuts(shortcuts, "menu", menuId);
 }
 
 CResource* CMenuCommand::Execute(Bytes data, CResource* resource) {

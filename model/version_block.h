@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "model/resource_buffer.h"
 #include "platform/byte_reader.h"
 
 namespace tervane {
@@ -76,6 +77,11 @@ public:
     void Parse(Bytes data);
     // The value of a normalised key, or the empty text.
     std::u16string GetValue(const std::u16string& key) const;
+    // Puts each new value that is not empty in place of the first string
+    // whose normalised key contains its name, corrects the lengths, and
+    // writes the whole block into buffer, StringFileInfo first. A length that
+    // outgrows its 16-bit field raises TervaneFilterException.
+    void Rebuild();
 
     std::map<std::u16string, std::u16string> values; // by normalised key; the last one wins
     VersionBlockHeader root;
@@ -89,6 +95,10 @@ public:
     VersionTexts newValues;
     bool varFirst = false;
     std::uint16_t remaining = 0; // bytes of the root's length not yet read
+    CResourceBuffer buffer;
+
+private:
+    void ReplaceValue(std::u16string_view name, const std::u16string& text);
 };
 
 // The first of the ten known names that the lower-cased key contains, or the

@@ -24,6 +24,7 @@ struct Unit {
 struct Group {
     std::string id, restype, resname;
     std::vector<Unit> units;
+    int line = 0; // where the reader met it
 };
 
 struct Document {

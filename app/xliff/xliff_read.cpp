@@ -115,7 +115,8 @@ private:
                 document.groups.push_back({Attribute(child, "id"),
                                            Attribute(child, "restype"),
                                            Attribute(child, "resname"),
-                                           {}});
+                                           {},
+                                           LineOf(child)});
                 Body(child, document, document.groups.size() - 1);
             } else if (IsXliff(child, "trans-unit")) {
                 if (group == kNone) {

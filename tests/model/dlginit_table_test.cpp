@@ -56,7 +56,7 @@ TEST(DlgInitTable, RebuildOrdersByControlAndKeepsSourceBytes) {
         for (const auto& [control, list] : c.translated)
             data.SetStrings(control, list);
         data.Rebuild();
-        EXPECT_EQ(data.buffer, c.rebuilt) << c.name;
+        EXPECT_EQ(data.buffer.bytes(), c.rebuilt) << c.name;
     }
 }
 
