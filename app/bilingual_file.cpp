@@ -1,12 +1,10 @@
 #include "app/bilingual_file.h"
 
-#include <cstdio>
 #include <filesystem>
 
 #include "app/xliff/sha256.h"
 #include "app/xliff/xliff_io.h"
 #include "platform/files/file_content.h"
-#include "platform/files/file_replace.h"
 #include "platform/locale/language_code_pages.h"
 #include "platform/pe/pe_image.h"
 #include "platform/pe/resource_directory.h"
@@ -111,17 +109,9 @@ xliff::Document LoadDocument(const std::string& path) {
     }
 }
 
-void SaveDocument(const xliff::Document& document, const std::string& path) {
-    std::string bytes = xliff::WriteXliff(document, TERVANE_VERSION);
-    if (path.empty()) {
-        std::fwrite(bytes.data(), 1, bytes.size(), stdout);
-        if (std::fflush(stdout) != 0)
-            throw CommandFailure("standard output", "cannot write");
-        return;
-    }
-    if (files::ReplaceFileContent(
-            path, Bytes(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()), 0644))
-        throw CommandFailure(path, "cannot write");
+void SaveDocument(const xliff::Document& document, OutputFile& output) {
+    output.Write(xliff::WriteXliff(document, TERVANE_VERSION));
+    output.Commit();
 }
 
 } // namespace tervane::app

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/failure.h"
+#include "app/output_file.h"
 #include "app/xliff/document.h"
 
 namespace tervane::app {
@@ -30,8 +31,8 @@ std::string LanguageTagOption(const std::string& text, const std::string& option
 
 // Throws CommandFailure with the path and the line for a fault of the document.
 xliff::Document LoadDocument(const std::string& path);
-// To standard output when path is empty; a file is replaced whole, or not at all.
-void SaveDocument(const xliff::Document& document, const std::string& path);
+// Writes and commits the whole document.
+void SaveDocument(const xliff::Document& document, OutputFile& output);
 
 CommandFailure DocumentFailure(const std::string& path, const xliff::DocumentError& error);
 

@@ -7,7 +7,6 @@
 #include "app/event_recorder.h"
 #include "app/failure.h"
 #include "app/forward_run.h"
-#include "platform/files/file_replace.h"
 
 namespace tervane::app {
 
@@ -44,7 +43,7 @@ void CheckSource(const xliff::Document& document, const std::string& file,
 
 } // namespace
 
-void WriteEventLines(const xliff::EventList& events, const std::string& out) {
+void WriteEventLines(const xliff::EventList& events, OutputFile& output) {
     EventOutput log(true);
     log.StartOfInput(true);
     for (const xliff::Event& event : events) {
@@ -54,17 +53,8 @@ void WriteEventLines(const xliff::EventList& events, const std::string& out) {
             log.Text(event.text);
     }
     log.EndOfInput();
-    std::string_view rendered = log.Rendered();
-    if (out.empty()) {
-        std::fwrite(rendered.data(), 1, rendered.size(), stdout);
-        if (std::fflush(stdout) != 0)
-            throw CommandFailure("standard output", "cannot write");
-    } else if (files::ReplaceFileContent(
-                   out,
-                   Bytes(reinterpret_cast<const std::uint8_t*>(rendered.data()), rendered.size()),
-                   0644)) {
-        throw CommandFailure(out, "cannot write");
-    }
+    output.Write(log.Rendered());
+    output.Commit();
 }
 
 std::string LocateMessage(const xliff::Document& document, const std::string& documentPath,

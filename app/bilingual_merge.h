@@ -5,6 +5,7 @@
 // the writer, as `merge --events` does.
 #include <string>
 
+#include "app/output_file.h"
 #include "app/xliff/bilingual.h"
 #include "app/xliff/document.h"
 
@@ -27,7 +28,7 @@ DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
 std::string LocateMessage(const xliff::Document& document, const std::string& documentPath,
                           const std::string& message);
 
-// The events as `extract --events` writes them, to OUT or standard output.
-void WriteEventLines(const xliff::EventList& events, const std::string& out);
+// The events as `extract --events` writes them; commits the output.
+void WriteEventLines(const xliff::EventList& events, OutputFile& output);
 
 } // namespace tervane::app

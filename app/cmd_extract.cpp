@@ -12,12 +12,13 @@
 #include "app/event_recorder.h"
 #include "app/failure.h"
 #include "app/forward_run.h"
+#include "app/input_file.h"
+#include "app/output_file.h"
 #include "app/xliff/bilingual.h"
 #include "app/xliff/pseudo.h"
 #include "platform/com/com_ptr.h"
 #include "platform/diag/event_log.h"
 #include "platform/diag/trace_sink.h"
-#include "platform/files/file_replace.h"
 
 namespace tervane::app {
 
@@ -39,7 +40,7 @@ bool WantsXliff(const ExtractOptions& options) {
 
 // The bilingual document: the units of the forward conversion's events, the
 // source file's facts in the header, and with --pseudo a pseudo target each.
-int RunExtractXliff(const ExtractOptions& options) {
+int RunExtractXliff(const ExtractOptions& options, OutputFile& output) {
     SourceFacts facts = ReadSourceFacts(options.file);
     xliff::EventList events = ExtractEvents(options.file);
     xliff::Document document;
@@ -58,17 +59,22 @@ int RunExtractXliff(const ExtractOptions& options) {
         document.targetLanguage = LanguageTagOption(options.targetLanguage, "--target-lang");
     if (options.pseudo)
         xliff::PseudoLocalise(document, options.expand);
-    SaveDocument(document, options.out);
+    SaveDocument(document, output);
     return 0;
 }
 
 int RunExtract(const ExtractOptions& options) {
     const std::string& file = options.file;
-    const std::string& out = options.out;
+    // Both outputs are refused before any work when they would overwrite
+    // the input or each other.
+    OutputFile output(options.out, {file, options.trace});
+    CheckOutputPath(options.trace, {file});
+    // The same verdict on the file as list gives, before the component sees it.
+    { PeFile judged(file); }
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
     if (WantsXliff(options))
-        return RunExtractXliff(options);
+        return RunExtractXliff(options, output);
 
     auto log = std::make_shared<EventOutput>(options.events);
     ComPtr<ComObject<RecordingSink>> sink;
@@ -82,17 +88,15 @@ int RunExtract(const ExtractOptions& options) {
     HRESULT hr = RunForwardConversion(file, sink.get(), host.get(), &failure);
     host->FinishBar();
 
-    // What was received is written even when the conversion failed.
-    std::string_view rendered = log->Rendered();
-    if (out.empty()) {
-        std::fwrite(rendered.data(), 1, rendered.size(), stdout);
-        std::fflush(stdout);
-    } else if (auto error = files::ReplaceFileContent(
-                   out,
-                   Bytes(reinterpret_cast<const std::uint8_t*>(rendered.data()), rendered.size()),
-                   0644)) {
-        throw CommandFailure(out, "cannot write");
+    // What was received still reaches standard output when the conversion
+    // failed; a file is only replaced by a whole result.
+    if (SUCCEEDED(hr) || output.IsStandardOutput()) {
+        output.Write(log->Rendered());
+        output.Commit();
     }
+    if (SUCCEEDED(hr) && !log->ReceivedAny())
+        ReportFailure("extract", {file, "nothing to convert: no string table, menu, dialog or "
+                                        "version value holds a text"});
     if (FAILED(hr)) {
         std::string logPath = EventLogPath();
         throw CommandFailure(file, failure,
@@ -118,8 +122,8 @@ void AddExtractCommand(CLI::App& app) {
         "change in <ph>. Its source language is that of the resources (en-US for a neutral\n"
         "one) unless --source-lang says otherwise.\n\n"
         "On a failure the error goes to standard error, what was received until then is\n"
-        "still written (but no bilingual document), and the exit status is 1; a wrong\n"
-        "command line gives 2.");
+        "still written to standard output (but no bilingual document), a file named by -o\n"
+        "is left as it was, and the exit status is 1; a wrong command line gives 2.");
     command->add_flag("--events", options->events,
                       "write every event the host receives, one JSON object a line");
     command->add_flag_callback(
@@ -141,7 +145,8 @@ void AddExtractCommand(CLI::App& app) {
                      "the bilingual document's source language, if not the resources'")
         ->type_name("LANG");
     command
-        ->add_option("-o", options->out, "write to OUT, replaced whole, instead of standard output")
+        ->add_option("-o", options->out,
+                     "write to OUT, replaced only by a whole result; - is standard output")
         ->type_name("OUT");
     command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
         ->type_name("FILE");

@@ -7,12 +7,10 @@
 #include <vector>
 
 #include "app/commands.h"
-#include "app/failure.h"
+#include "app/input_file.h"
 #include "app/json_lines.h"
+#include "app/output_file.h"
 #include "platform/pe/resource_name_text.h"
-#include "platform/win32/last_error.h"
-#include "platform/win32/module_image.h"
-#include "platform/win32/system_messages.h"
 
 namespace tervane::app {
 
@@ -29,10 +27,6 @@ struct ListOptions {
     bool json = false;
     std::string file;
 };
-
-[[noreturn]] void Fail(const std::string& path, DWORD code) {
-    throw CommandFailure(path, SystemText(code, path));
-}
 
 void AddId(JsonLine& line, std::string_view key, const pe::ResourceId& id) {
     if (id.IsName())
@@ -100,7 +94,7 @@ std::string TableId(const pe::ResourceId& id, bool isType) {
     return text;
 }
 
-void PrintTable(const std::vector<Row>& rows) {
+std::string Table(const std::vector<Row>& rows) {
     std::vector<std::vector<std::string>> cells = {{"TYPE", "NAME", "LANG", "SIZE"}};
     for (const Row& row : rows) {
         char lang[16];
@@ -117,63 +111,41 @@ void PrintTable(const std::vector<Row>& rows) {
     for (const auto& line : cells)
         for (std::size_t i = 0; i < 4; ++i)
             widths[i] = std::max(widths[i], width(line[i]));
+    std::string out;
     for (const auto& line : cells) {
-        std::string out;
         for (std::size_t i = 0; i < 4; ++i) {
             std::string pad(static_cast<std::size_t>(widths[i] - width(line[i])), ' ');
             out += i == 3 ? pad + line[i] : line[i] + pad + "  ";
         }
-        std::printf("%s\n", out.c_str());
+        out += '\n';
     }
-    std::printf("%zu resource%s\n", rows.size(), rows.size() == 1 ? "" : "s");
+    return out + std::to_string(rows.size()) + (rows.size() == 1 ? " resource\n" : " resources\n");
 }
 
 int RunList(const ListOptions& options) {
-    const std::string& path = options.file;
-    SetLastError(0);
-    HMODULE module = LoadLibraryExA(path.c_str(), nullptr,
-                                    DONT_RESOLVE_DLL_REFERENCES | LOAD_LIBRARY_AS_DATAFILE);
-    if (!module) {
-        Fail(path, GetLastError());
-    }
-    struct Release {
-        HMODULE module;
-        ~Release() { FreeLibrary(module); }
-    } release{module};
-
-    const Result<pe::ResourceTree>& tree = *ModuleResourceTree(module);
-    std::vector<Row> rows;
     // A file without resources lists nothing; that is no failure.
-    if (!tree && tree.error().code != ERROR_RESOURCE_DATA_NOT_FOUND) {
-        Fail(path, tree.error().code);
-    }
-    if (tree) {
-        if (const Error* damage = tree->FirstDamage()) {
-            Fail(path, damage->code);
-        }
+    PeFile file(options.file);
+    // What the list shows must be loadable.
+    file.CheckEveryResourceLoads(options.file);
+    std::vector<Row> rows;
+    if (const pe::ResourceTree* tree = file.Resources())
         for (const auto& type : tree->types)
             for (const auto& name : type.names)
-                for (const auto& language : name.languages) {
-                    // What the list shows must be loadable, as LoadResource loads it.
-                    auto data = ModuleResourceData(module, language.data);
-                    if (!data) {
-                        Fail(path, data.error().code);
-                    }
+                for (const auto& language : name.languages)
                     rows.push_back({&type.id, &name.id, language.language, language.data.size});
-                }
-    }
 
+    OutputFile out("-", {});
     if (!options.json) {
-        PrintTable(rows);
-        return 0;
+        out.Write(Table(rows));
+    } else {
+        JsonLine line;
+        for (const Row& row : rows) {
+            AddId(line, "type", *row.type);
+            AddId(line, "name", *row.name);
+            out.Write(line.Number("lang", row.language).Number("size", row.size).Finish());
+        }
     }
-    JsonLine line;
-    for (const Row& row : rows) {
-        AddId(line, "type", *row.type);
-        AddId(line, "name", *row.name);
-        std::string_view text = line.Number("lang", row.language).Number("size", row.size).Finish();
-        std::fwrite(text.data(), 1, text.size(), stdout);
-    }
+    out.Commit();
     return 0;
 }
 

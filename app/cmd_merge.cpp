@@ -17,6 +17,7 @@
 #include "app/items.h"
 #include "app/json_lines.h"
 #include "app/language_tags.h"
+#include "app/output_file.h"
 #include "app/replay_host.h"
 #include "backward/tervane_writer.h"
 #include "frame/conversion_state.h"
@@ -141,11 +142,12 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
 // The source's events with the document's translations, into the writer; the
 // target language is the document's unless --lang names one.
 int MergeDocument(const MergeOptions& options) {
-    DocumentMerge merge = PrepareDocumentMerge(options.document, options.source);
     if (options.dryRun) {
-        WriteEventLines(merge.events, options.out);
+        OutputFile output(options.out, {options.document, options.source});
+        WriteEventLines(PrepareDocumentMerge(options.document, options.source).events, output);
         return 0;
     }
+    DocumentMerge merge = PrepareDocumentMerge(options.document, options.source);
     std::string language =
         !options.language.empty() ? options.language : merge.document.targetLanguage;
     if (language.empty())

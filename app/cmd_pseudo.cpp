@@ -17,9 +17,10 @@ struct PseudoOptions {
 };
 
 int RunPseudo(const PseudoOptions& options) {
+    OutputFile output(options.out, {options.file});
     xliff::Document document = LoadDocument(options.file);
     xliff::PseudoLocalise(document, options.expand);
-    SaveDocument(document, options.out);
+    SaveDocument(document, output);
     return 0;
 }
 
@@ -39,7 +40,8 @@ void AddPseudoCommand(CLI::App& app) {
         ->type_name("PERCENT")
         ->check(CLI::Range(0, 1000));
     command
-        ->add_option("-o", options->out, "write to OUT, replaced whole, instead of standard output")
+        ->add_option("-o", options->out,
+                     "write to OUT, replaced only by a whole result; - is standard output")
         ->type_name("OUT");
     command->add_option("FILE", options->file, "the bilingual document (XLIFF 1.2)")
         ->required()

@@ -8,8 +8,9 @@
 
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/input_file.h"
+#include "app/output_file.h"
 #include "platform/files/file_bytes.h"
-#include "platform/files/file_replace.h"
 #include "platform/update/pending_files.h"
 #include "platform/update/resource_update.h"
 #include "platform/win32/last_error.h"
@@ -104,21 +105,30 @@ Result<std::vector<std::uint8_t>> Find(const Request& r) {
 }
 
 int Get(const Request& r) {
+    CheckInputFile(r.file, kMaxPeFileBytes);
+    OutputFile output(r.output, {r.file});
     auto bytes = Find(r);
     if (!bytes)
         Fail(r.file, bytes.error().code);
-    if (r.output.empty()) {
-        if (std::fwrite(bytes->data(), 1, bytes->size(), stdout) != bytes->size() ||
-            std::fflush(stdout) != 0)
-            Fail("standard output", ERROR_WRITE_FAULT);
-        return 0;
-    }
-    if (auto error = files::ReplaceFileContent(r.output, *bytes, files::PermissionsFor(r.output)))
-        Fail(r.output, error->code);
+    output.Write(*bytes);
+    output.Commit();
     return 0;
 }
 
+// The change is made in a copy of FILE beside the target, which replaces the
+// target (OUT, or FILE itself without -o) only once it is complete.
 int Change(const Request& r) {
+    if (r.output == "-")
+        throw CommandFailure("-", "a changed PE file is not written to standard output");
+    CheckInputFile(r.file, kMaxPeFileBytes);
+    if (r.action == "put")
+        CheckInputFile(r.data, kMaxDataFileBytes);
+    const std::string& target = r.output.empty() ? r.file : r.output;
+    std::vector<std::string> inputs = {r.data};
+    if (!r.output.empty())
+        inputs.push_back(r.file);
+    OutputFile output(target, inputs);
+
     std::vector<std::uint8_t> data;
     if (r.action == "put") {
         auto bytes = files::ReadFileBytes(r.data);
@@ -129,8 +139,19 @@ int Change(const Request& r) {
         // Win32 deletes a missing resource without a word; a user is told.
         Fail(r.file, existing.error().code);
     }
+    auto source = files::ReadFileBytes(r.file);
+    if (!source)
+        Fail(r.file, source.error().code);
+    output.Write(*source);
+    const std::string& work = output.WorkPath();
+    // Whatever happens, the work file's updates are not written at exit.
+    struct Forget {
+        const std::string& path;
+        ~Forget() { update::DiscardPendingFile(path); }
+    } forget{work};
+
     SetLastError(0);
-    HANDLE update = BeginUpdateResourceA(r.file.c_str(), FALSE);
+    HANDLE update = BeginUpdateResourceA(work.c_str(), FALSE);
     if (!update)
         Fail(r.file, GetLastError());
     // Win32 treats a null pointer with size 0 as a deletion: an empty
@@ -146,11 +167,10 @@ int Change(const Request& r) {
     if (!EndUpdateResourceA(update, FALSE))
         Fail(r.file, GetLastError());
     // Written now, so that a failure is reported while the exit status can
-    // still say so; on failure the file is as it was.
-    if (auto error = update::FlushPendingFile(r.file)) {
-        update::DiscardPendingFile(r.file);
-        Fail(r.file, error->code);
-    }
+    // still say so.
+    if (auto error = update::FlushPendingFile(work))
+        Fail(target, error->code);
+    output.Commit();
     return 0;
 }
 
@@ -195,7 +215,8 @@ void AddResCommand(CLI::App& app) {
     CLI::App* get = AddCommand(*res, "get", "Write one resource's bytes to standard output or OUT",
                                [r] { return Get(*r); });
     AddKey(*get, *r);
-    get->add_option("-o", r->output, "write to OUT instead of standard output")->type_name("OUT");
+    get->add_option("-o", r->output, "write to OUT instead of standard output (-)")
+        ->type_name("OUT");
     CLI::App* put =
         AddCommand(*res, "put", "Add or replace one resource with the bytes of DATAFILE", [r] {
             r->action = "put";
@@ -205,14 +226,19 @@ void AddResCommand(CLI::App& app) {
     put->add_option("--data", r->data, "the resource's new bytes")
         ->required()
         ->type_name("DATAFILE");
-    put->add_option("-o", r->output, "write the changed file to OUT; FILE stays as it is")
+    put->add_option(
+           "-o", r->output,
+           "write the changed file to OUT, FILE staying as it is; without -o, FILE is changed")
         ->type_name("OUT");
     CLI::App* remove = AddCommand(*res, "delete", "Delete one resource", [r] {
         r->action = "delete";
         return Change(*r);
     });
     AddKey(*remove, *r);
-    remove->add_option("-o", r->output, "write the changed file to OUT; FILE stays as it is")
+    remove
+        ->add_option(
+            "-o", r->output,
+            "write the changed file to OUT, FILE staying as it is; without -o, FILE is changed")
         ->type_name("OUT");
 }
 

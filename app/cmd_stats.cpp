@@ -7,6 +7,7 @@
 #include "app/bilingual_file.h"
 #include "app/commands.h"
 #include "app/json_lines.h"
+#include "app/output_file.h"
 #include "app/xliff/stats.h"
 
 namespace tervane::app {
@@ -19,6 +20,7 @@ struct StatsOptions {
 };
 
 int RunStats(const StatsOptions& options) {
+    OutputFile out("-", {});
     xliff::Document document = LoadDocument(options.file);
     std::vector<xliff::KindStats> kinds = xliff::CountDocument(document);
     if (options.json) {
@@ -34,23 +36,28 @@ int RunStats(const StatsOptions& options) {
                         .Number("words", static_cast<std::int64_t>(tally->words))
                         .Number("characters", static_cast<std::int64_t>(tally->characters))
                         .Finish();
-                std::fwrite(text.data(), 1, text.size(), stdout);
+                out.Write(text);
             }
         }
     } else {
-        std::printf("%-10s %27s %27s %19s\n", "", "translated", "untranslated", "locked");
-        std::printf("%-10s %7s %9s %9s %7s %9s %9s %7s %11s\n", "kind", "units", "words", "chars",
-                    "units", "words", "chars", "units", "words");
+        auto row = [&](const char* format, auto... values) {
+            char line[256];
+            std::snprintf(line, sizeof line, format, values...);
+            out.Write(std::string_view(line));
+        };
+        row("%-10s %27s %27s %19s\n", "", "translated", "untranslated", "locked");
+        row("%-10s %7s %9s %9s %7s %9s %9s %7s %11s\n", "kind", "units", "words", "chars", "units",
+            "words", "chars", "units", "words");
         for (const xliff::KindStats& kind : kinds) {
             auto u = [](std::uint64_t n) { return static_cast<unsigned long long>(n); };
-            std::printf("%-10s %7llu %9llu %9llu %7llu %9llu %9llu %7llu %11llu\n",
-                        kind.kind.c_str(), u(kind.translated.units), u(kind.translated.words),
-                        u(kind.translated.characters), u(kind.untranslated.units),
-                        u(kind.untranslated.words), u(kind.untranslated.characters),
-                        u(kind.locked.units), u(kind.locked.words));
+            row("%-10s %7llu %9llu %9llu %7llu %9llu %9llu %7llu %11llu\n", kind.kind.c_str(),
+                u(kind.translated.units), u(kind.translated.words), u(kind.translated.characters),
+                u(kind.untranslated.units), u(kind.untranslated.words),
+                u(kind.untranslated.characters), u(kind.locked.units), u(kind.locked.words));
         }
     }
-    return std::fflush(stdout) == 0 ? 0 : 1;
+    out.Commit();
+    return 0;
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "app/commands.h"
 #include "app/failure.h"
 #include "app/json_lines.h"
+#include "app/output_file.h"
 #include "platform/win32/resources.h"
 
 namespace tervane::app {
@@ -16,6 +17,7 @@ namespace {
 int RunTables() {
     HMODULE module = TervaneModuleHandle();
     int status = 0;
+    OutputFile out("-", {});
     JsonLine line;
     for (const char* type : {"SSLEXTABLE", "SSYACCTABLE"}) {
         std::vector<ResName> names;
@@ -39,9 +41,10 @@ int RunTables() {
                                         .Text("name", std::string_view(name.ToString()))
                                         .Number("size", SizeofResource(module, found))
                                         .Finish();
-            std::fwrite(text.data(), 1, text.size(), stdout);
+            out.Write(text);
         }
     }
+    out.Commit();
     return status;
 }
 

@@ -7,6 +7,7 @@
 
 #include "app/commands.h"
 #include "app/json_lines.h"
+#include "app/output_file.h"
 #include "label/grammars/label_parser.h"
 #include "platform/pe/resource_name_text.h"
 
@@ -30,11 +31,13 @@ std::optional<LabelKind> KindOf(const std::string& name) {
 }
 
 int RunTokens(const TokensOptions& options) {
+    OutputFile out("-", {});
     JsonLine line;
     for (const LabelToken& token : ParseLabel(options.kind, pe::Utf8ToUtf16(options.text))) {
         std::string_view text = line.Number("type", token.type).Text("text", token.text).Finish();
-        std::fwrite(text.data(), 1, text.size(), stdout);
+        out.Write(text);
     }
+    out.Commit();
     return 0;
 }
 

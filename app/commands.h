@@ -12,7 +12,12 @@
 //     }
 // declare it below and call it from AddCommands in commands.cpp. A run gives
 // the exit status; a failure is thrown as a CommandFailure (app/failure.h),
-// which main reports, and anything written goes through app/output_file.h.
+// which main reports once. Inputs are judged by app/input_file.h (PeFile,
+// CheckInputFile) and everything written goes through app/output_file.h:
+//     OutputFile out(options.out, {options.file}); // "-" is standard output
+//     out.Write(bytes);                            // checked
+//     out.Commit();                                // only on success
+// JSON Lines are built by app/json_lines.h.
 #include <functional>
 #include <string>
 

@@ -29,12 +29,14 @@ public:
     // The document takes the tag's text alone, as it comes.
     void Tag(std::u16string_view text, std::u16string_view name, LONG start, LONG end,
              LONG inlineMark) {
+        receivedAny_ = true;
         if (jsonLines_)
             TagLine(text, name, start, end, inlineMark);
         else
             AppendUtf8(text);
     }
     void Text(std::u16string_view text) {
+        receivedAny_ = true;
         if (jsonLines_)
             TextLine(text);
         else
@@ -42,6 +44,9 @@ public:
     }
     void Property(std::u16string_view name, std::u16string_view value);
     void Segment(bool start);
+
+    // A tag or a text: the conversion read something.
+    bool ReceivedAny() const { return receivedAny_; }
 
     // Never a null pointer, even before the first byte.
     std::string_view Rendered() const {
@@ -73,6 +78,7 @@ private:
     }
 
     bool jsonLines_;
+    bool receivedAny_ = false;
     JsonLine line_;
     // Grown by realloc: the document of a large file runs to megabytes,
     // which then move by remapping rather than copying.

@@ -8,8 +8,11 @@
 namespace tervane::app {
 
 void ReportFailure(std::string_view command, const CommandFailure& failure) {
-    std::string line = "tervane ";
-    line += command;
+    std::string line = "tervane";
+    if (!command.empty()) {
+        line += ' ';
+        line += command;
+    }
     line += ": ";
     if (!failure.Subject().empty()) {
         line += failure.Subject();

@@ -2,6 +2,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #if defined(__GLIBC__)
@@ -12,6 +13,7 @@
 
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/output_file.h"
 #include "platform/diag/failure_place.h"
 
 namespace {
@@ -50,6 +52,23 @@ int CommandLineError(const CLI::App& app, const CLI::ParseError& error) {
     return 2;
 }
 
+// The command as failures name it: "res", not "res put".
+std::string TopCommand(const CLI::App& app) {
+    auto chosen = app.get_subcommands();
+    return chosen.empty() ? std::string() : chosen.front()->get_name();
+}
+
+// Exit status 0 once all that was written to standard output arrived.
+int Finish(std::string_view command) {
+    try {
+        tervane::app::CloseStandardOutput();
+        return 0;
+    } catch (const tervane::app::CommandFailure& failure) {
+        tervane::app::ReportFailure(command, failure);
+        return 1;
+    }
+}
+
 // The help of one command, under its whole name.
 std::string Help(const CLI::App& app) {
     const CLI::App* chosen = Chosen(app);
@@ -83,20 +102,21 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         std::fputs(Help(app).c_str(), stdout);
-        return std::fflush(stdout) == 0 ? 0 : 1;
+        return Finish(TopCommand(app));
     } catch (const CLI::CallForVersion& version) {
         std::printf("%s\n", version.what());
-        return std::fflush(stdout) == 0 ? 0 : 1;
+        return Finish("");
     } catch (const CLI::ParseError& error) {
         return CommandLineError(app, error);
     }
 
     const auto* run = tervane::app::ChosenRun(app);
-    std::string command = CommandPath(app).substr(app.get_name().size() + 1);
-    command = command.substr(0, command.find(' '));
+    const std::string command = TopCommand(app);
     tervane::ClearFailurePlace();
     try {
-        return (*run)();
+        int status = (*run)();
+        tervane::app::CloseStandardOutput();
+        return status;
     } catch (const tervane::app::CommandFailure& failure) {
         tervane::app::ReportFailure(command, failure);
     } catch (const std::bad_alloc&) {

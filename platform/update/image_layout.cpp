@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/update/narrowing.h"
 #include "platform/update/section_writer.h"
 #include "platform/win32/last_error.h"
 
@@ -219,6 +220,7 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
 
     std::vector<std::uint8_t> out;
     out.reserve(in.size() + size + 2 * fileAlign);
+    Narrowing narrow("image");
     std::optional<pe::DataDirectory> movedRelocs;
 
     switch (plan->placement) {
@@ -228,17 +230,17 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
         Append(out, in, 0, s.pointerToRawData);
         out.insert(out.end(), content->begin(), content->end());
         PadTo(out, fileAlign);
-        s.virtualSize = static_cast<std::uint32_t>(size);
-        s.sizeOfRawData = static_cast<std::uint32_t>(out.size() - s.pointerToRawData);
+        s.virtualSize = narrow.U32(size, "section size");
+        s.sizeOfRawData = narrow.U32(out.size() - s.pointerToRawData, "section raw size");
         if (plan->placement == Placement::kMoveReloc) {
             pe::SectionHeader& relocs = sections[plan->section + 1];
             std::uint32_t oldRva = relocs.virtualAddress;
             std::uint64_t from = relocs.pointerToRawData;
-            relocs.pointerToRawData = static_cast<std::uint32_t>(out.size());
+            relocs.pointerToRawData = narrow.U32(out.size(), "relocations file offset");
             Append(out, in, from, relocs.sizeOfRawData);
             PadTo(out, fileAlign);
             relocs.virtualAddress =
-                static_cast<std::uint32_t>(Align(s.virtualAddress + size, sectionAlign));
+                narrow.U32(Align(s.virtualAddress + size, sectionAlign), "relocations RVA");
             pe::DataDirectory d = image.Directory(pe::kBaseRelocDirectory);
             if (d.rva != 0)
                 movedRelocs = pe::DataDirectory{d.rva - oldRva + relocs.virtualAddress, d.size};
@@ -255,7 +257,7 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
         oldEnd = std::min<std::uint64_t>(oldEnd, out.size());
         if (plan->dedicated) {
             oldEnd = std::min<std::uint64_t>(RawEnd(s), out.size());
-            s.virtualSize = static_cast<std::uint32_t>(std::max<std::uint64_t>(size, 1));
+            s.virtualSize = narrow.U32(std::max<std::uint64_t>(size, 1), "section size");
         }
         std::copy(content->begin(), content->end(),
                   out.begin() + static_cast<std::ptrdiff_t>(offset));
@@ -270,11 +272,11 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
         pe::SectionHeader s;
         std::memcpy(s.name.data(), ".rsrc\0\0\0", 8);
         s.virtualAddress = plan->rva;
-        s.virtualSize = static_cast<std::uint32_t>(size);
-        s.pointerToRawData = static_cast<std::uint32_t>(out.size());
+        s.virtualSize = narrow.U32(size, "section size");
+        s.pointerToRawData = narrow.U32(out.size(), "section file offset");
         out.insert(out.end(), content->begin(), content->end());
         PadTo(out, fileAlign);
-        s.sizeOfRawData = static_cast<std::uint32_t>(out.size() - s.pointerToRawData);
+        s.sizeOfRawData = narrow.U32(out.size() - s.pointerToRawData, "section raw size");
         s.characteristics = kScnInitializedData | kScnRead;
         sections.push_back(s);
         break;
@@ -307,7 +309,7 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
                               : symbols >= certEnd
                                   ? symbols - (certEnd - certStart) - oldDataEnd + newDataEnd
                                   : 0;
-        StoreU32LE(&out[symbolsAt], static_cast<std::uint32_t>(moved));
+        StoreU32LE(&out[symbolsAt], narrow.U32(moved, "symbol table offset"));
     }
 
     std::size_t headersEnd =
@@ -318,14 +320,14 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
         return BadImage("section data overlaps the headers");
     for (std::size_t i = 0; i < sections.size(); ++i)
         PutSectionHeader(out, at.sectionTable + i * pe::kSectionHeaderSize, sections[i]);
-    StoreU16LE(&out[at.fileHeader + 2], static_cast<std::uint16_t>(sections.size()));
+    StoreU16LE(&out[at.fileHeader + 2], narrow.U16(sections.size(), "section count"));
     auto putDirectory = [&](std::size_t index, pe::DataDirectory d) {
         if (index < image.DirectoryCount()) {
             StoreU32LE(&out[at.dataDirectories + index * 8], d.rva);
             StoreU32LE(&out[at.dataDirectories + index * 8 + 4], d.size);
         }
     };
-    putDirectory(pe::kResourceDirectory, {plan->rva, static_cast<std::uint32_t>(size)});
+    putDirectory(pe::kResourceDirectory, {plan->rva, narrow.U32(size, "resource directory size")});
     if (movedRelocs)
         putDirectory(pe::kBaseRelocDirectory, *movedRelocs);
     if (image.Directory(pe::kSecurityDirectory).rva || image.Directory(pe::kSecurityDirectory).size)
@@ -334,12 +336,14 @@ Result<std::vector<std::uint8_t>> RewriteImage(const pe::PeImage& image, const R
     std::uint64_t imageEnd = ImageEnd(sections, sectionAlign, image.SizeOfHeaders());
     if (imageEnd > kMaxFile)
         return BadImage("the image would outgrow 4 GiB");
-    StoreU32LE(&out[at.sizeOfImage], static_cast<std::uint32_t>(imageEnd));
+    StoreU32LE(&out[at.sizeOfImage], narrow.U32(imageEnd, "size of image"));
     std::int64_t initData = std::int64_t{image.SizeOfInitializedData()} +
                             static_cast<std::int64_t>(InitializedDataSize(sections)) -
                             static_cast<std::int64_t>(oldInitData);
     initData = std::clamp<std::int64_t>(initData, 0, std::numeric_limits<std::uint32_t>::max());
     StoreU32LE(&out[at.sizeOfInitializedData], static_cast<std::uint32_t>(initData));
+    if (auto fault = narrow.FirstFault())
+        return *fault;
     if (image.CheckSum() != 0)
         StoreU32LE(&out[at.checksum], pe::ComputeChecksum(out, at.checksum));
     return out;

@@ -1,8 +1,10 @@
 #include "platform/update/section_writer.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "platform/byte_reader.h"
+#include "platform/update/narrowing.h"
 #include "platform/win32/last_error.h"
 
 namespace tervane::update {
@@ -22,20 +24,13 @@ Error TooLarge(const std::string& what) {
     return Error{ERROR_NOT_ENOUGH_MEMORY, "resource section: " + what};
 }
 
-// Pass one: where every table, string and blob goes. Sizes are counted in 64
-// bits and checked once against the 31 bits that an entry's offset can hold.
-struct Layout {
-    std::vector<std::uint64_t> nameDirs;     // per type
-    std::vector<std::uint64_t> languageDirs; // per name, in tree order
-    std::uint64_t dataEntries = 0;
-    std::uint64_t strings = 0;
-    std::uint64_t data = 0;
-    std::uint64_t total = 0;
-};
+} // namespace
 
-Result<Layout> Plan(const ResourceTree& tree) {
+// Sizes are counted in 64 bits and checked once against the 31 bits that an
+// entry's offset can hold.
+Result<SectionPlan> PlanResourceSection(const ResourceTree& tree) {
     const TypeMap& types = tree.Types();
-    Layout layout;
+    SectionPlan layout;
     bool empty = false;
     std::uint64_t leaves = 0, stringBytes = 0, dataBytes = 0;
     for (const auto& [type, nameMap] : types) {
@@ -71,45 +66,88 @@ Result<Layout> Plan(const ResourceTree& tree) {
     }
     layout.dataEntries = cursor;
     layout.strings = cursor + kDataEntry * leaves;
-    layout.data = Align(layout.strings + stringBytes, 4);
+    layout.stringsEnd = layout.strings + stringBytes;
+    layout.data = Align(layout.stringsEnd, 4);
+    layout.dataEnd = layout.data + dataBytes;
     // An empty resource's RVA must still fall inside the section, where
     // readers look it up, even when it is the last.
-    layout.total = layout.data + dataBytes + (empty ? 4 : 0);
+    layout.total = layout.dataEnd + (empty ? 4 : 0);
     if (layout.total >= kHighBit)
         return TooLarge("larger than 2 GiB");
     return layout;
 }
 
+namespace {
+
+// Writes one region of the section, [begin, end) as the plan gave it. A write
+// that would cross the end is not done: it is a fault of the plan.
 class Cursor {
 public:
-    Cursor(std::vector<std::uint8_t>& out, std::uint64_t at) : out_(out), at_(at) {}
+    Cursor(std::vector<std::uint8_t>& out, std::uint64_t begin, std::uint64_t end,
+           const char* region, Narrowing& faults)
+        : out_(out), at_(begin), end_(std::min<std::uint64_t>(end, out.size())), region_(region),
+          faults_(faults) {
+        if (begin > end_)
+            Overrun(0);
+    }
     void U16(std::uint16_t v) {
-        StoreU16LE(&out_[at_], v);
+        if (Room(2))
+            StoreU16LE(&out_[at_], v);
         at_ += 2;
     }
     void U32(std::uint32_t v) {
-        StoreU32LE(&out_[at_], v);
+        if (Room(4))
+            StoreU32LE(&out_[at_], v);
         at_ += 4;
     }
     void Bytes(const std::vector<std::uint8_t>& bytes) {
-        std::copy(bytes.begin(), bytes.end(), out_.begin() + static_cast<std::ptrdiff_t>(at_));
+        if (Room(bytes.size()))
+            std::copy(bytes.begin(), bytes.end(), out_.begin() + static_cast<std::ptrdiff_t>(at_));
         at_ += bytes.size();
     }
-    void AlignTo(std::uint64_t alignment) { at_ = Align(at_, alignment); }
-    std::uint32_t At() const { return static_cast<std::uint32_t>(at_); }
+    void AlignTo(std::uint64_t alignment) {
+        std::uint64_t aligned = Align(at_, alignment);
+        if (Room(aligned - at_))
+            at_ = aligned;
+    }
+    // An offset into the section, as an entry's field holds it.
+    std::uint32_t At() { return faults_.U31(at_, region_); }
+    // Where pass one said this region ends, this one must have ended.
+    void ExpectEnd(std::uint64_t planned) {
+        if (!overrun_ && at_ != planned)
+            faults_.Fault(std::string(region_) + " ended at " + std::to_string(at_) +
+                          ", planned to end at " + std::to_string(planned));
+    }
 
 private:
+    bool Room(std::uint64_t bytes) {
+        if (!overrun_ && at_ <= end_ && bytes <= end_ - at_)
+            return true;
+        Overrun(bytes);
+        return false;
+    }
+    void Overrun(std::uint64_t bytes) {
+        if (!overrun_)
+            faults_.Fault(std::string(region_) + ": " + std::to_string(bytes) + " bytes at " +
+                          std::to_string(at_) + " cross its planned end " + std::to_string(end_));
+        overrun_ = true;
+    }
+
     std::vector<std::uint8_t>& out_;
     std::uint64_t at_;
+    std::uint64_t end_;
+    const char* region_;
+    Narrowing& faults_;
+    bool overrun_ = false;
 };
 
-void DirectoryHeader(Cursor& c, std::size_t named, std::size_t total) {
+void DirectoryHeader(Cursor& c, Narrowing& narrow, std::size_t named, std::size_t total) {
     c.U32(0); // characteristics
     c.U32(0); // time stamp
     c.U16(4); // version 4.0
     c.U16(0);
-    c.U16(static_cast<std::uint16_t>(named));
-    c.U16(static_cast<std::uint16_t>(total - named));
+    c.U16(narrow.U16(named, "named entry count"));
+    c.U16(narrow.U16(total - named, "numbered entry count"));
 }
 
 template <typename Map> std::size_t NamedCount(const Map& map) {
@@ -120,13 +158,13 @@ template <typename Map> std::size_t NamedCount(const Map& map) {
 }
 
 // Writes the key of an entry; a name goes to the string cursor.
-void EntryKey(Cursor& dir, Cursor& strings, const ResKey& key) {
+void EntryKey(Cursor& dir, Cursor& strings, Narrowing& narrow, const ResKey& key) {
     if (!key.named) {
         dir.U32(key.id);
         return;
     }
     dir.U32(kHighBit | strings.At());
-    strings.U16(static_cast<std::uint16_t>(key.name.size()));
+    strings.U16(narrow.U16(key.name.size(), "name length"));
     for (char16_t unit : key.name)
         strings.U16(static_cast<std::uint16_t>(unit));
 }
@@ -134,50 +172,62 @@ void EntryKey(Cursor& dir, Cursor& strings, const ResKey& key) {
 } // namespace
 
 Result<std::uint32_t> ResourceSectionSize(const ResourceTree& tree) {
-    auto layout = Plan(tree);
+    auto layout = PlanResourceSection(tree);
     if (!layout)
         return std::move(layout.error());
-    return static_cast<std::uint32_t>(layout->total);
+    return static_cast<std::uint32_t>(layout->total); // below 2 GiB, as planned
 }
 
 Result<std::vector<std::uint8_t>> BuildResourceSection(const ResourceTree& tree,
                                                        std::uint32_t sectionRva) {
-    auto layout = Plan(tree);
+    auto layout = PlanResourceSection(tree);
     if (!layout)
         return std::move(layout.error());
-    if (layout->total > std::numeric_limits<std::uint32_t>::max() - sectionRva)
+    return WriteResourceSection(tree, *layout, sectionRva);
+}
+
+Result<std::vector<std::uint8_t>>
+WriteResourceSection(const ResourceTree& tree, const SectionPlan& plan, std::uint32_t sectionRva) {
+    if (plan.total > std::numeric_limits<std::uint32_t>::max() - sectionRva)
         return TooLarge("runs past the end of the address space");
-    std::vector<std::uint8_t> out(layout->total, 0);
-
-    // Pass two: three cursors, every offset known from pass one.
     const TypeMap& types = tree.Types();
-    Cursor dir(out, 0);
-    Cursor strings(out, layout->strings);
-    Cursor data(out, layout->data);
-    Cursor dataEntries(out, layout->dataEntries);
+    std::size_t nameCount = 0;
+    for (const auto& [type, names] : types)
+        nameCount += names.size();
+    if (plan.nameDirs.size() != types.size() || plan.languageDirs.size() != nameCount)
+        return Error{ERROR_INVALID_DATA, "resource section: the plan is for another tree"};
+    std::vector<std::uint8_t> out(plan.total, 0);
 
-    DirectoryHeader(dir, NamedCount(types), types.size());
+    // Pass two: a cursor for each region, every offset known from pass one.
+    Narrowing narrow("resource section");
+    Cursor dir(out, 0, plan.dataEntries, "directories", narrow);
+    Cursor dataEntries(out, plan.dataEntries, plan.strings, "data entries", narrow);
+    Cursor strings(out, plan.strings, plan.stringsEnd, "names", narrow);
+    Cursor data(out, plan.data, plan.dataEnd, "data", narrow);
+
+    DirectoryHeader(dir, narrow, NamedCount(types), types.size());
     std::size_t typeIndex = 0;
     for (const auto& [type, names] : types) {
-        EntryKey(dir, strings, type);
-        dir.U32(kHighBit | static_cast<std::uint32_t>(layout->nameDirs[typeIndex++]));
+        EntryKey(dir, strings, narrow, type);
+        dir.U32(kHighBit | narrow.U31(plan.nameDirs[typeIndex++], "name directory offset"));
     }
     std::size_t nameIndex = 0;
     for (const auto& [type, names] : types) {
-        DirectoryHeader(dir, NamedCount(names), names.size());
+        DirectoryHeader(dir, narrow, NamedCount(names), names.size());
         for (const auto& [name, languages] : names) {
-            EntryKey(dir, strings, name);
-            dir.U32(kHighBit | static_cast<std::uint32_t>(layout->languageDirs[nameIndex++]));
+            EntryKey(dir, strings, narrow, name);
+            dir.U32(kHighBit |
+                    narrow.U31(plan.languageDirs[nameIndex++], "language directory offset"));
         }
     }
     for (const auto& [type, names] : types) {
         for (const auto& [name, languages] : names) {
-            DirectoryHeader(dir, 0, languages.size());
+            DirectoryHeader(dir, narrow, 0, languages.size());
             for (const auto& [language, leaf] : languages) {
                 dir.U32(language);
                 dir.U32(dataEntries.At());
-                dataEntries.U32(sectionRva + data.At());
-                dataEntries.U32(static_cast<std::uint32_t>(leaf.data->size()));
+                dataEntries.U32(narrow.U32(std::uint64_t{sectionRva} + data.At(), "data RVA"));
+                dataEntries.U32(narrow.U32(leaf.data->size(), "data size"));
                 dataEntries.U32(leaf.codePage);
                 dataEntries.U32(0);
                 data.Bytes(*leaf.data);
@@ -185,6 +235,12 @@ Result<std::vector<std::uint8_t>> BuildResourceSection(const ResourceTree& tree,
             }
         }
     }
+    dir.ExpectEnd(plan.dataEntries);
+    dataEntries.ExpectEnd(plan.strings);
+    strings.ExpectEnd(plan.stringsEnd);
+    data.ExpectEnd(plan.dataEnd);
+    if (narrow.FirstFault())
+        return *narrow.FirstFault();
     return out;
 }
 

@@ -86,7 +86,7 @@ TEST(List, TableAndFailures) {
     test::WriteFile(dir + "/bad.dll", {'M', 'Z', 0, 0});
     const std::pair<std::string, std::string> cases[] = {
         {dir + "/missing.dll", "The system cannot find the file specified."},
-        {dir, "Access is denied."},
+        {dir, "is a directory, not a regular file; not read"},
         {dir + "/bad.dll", dir + "/bad.dll is not a valid Win32 application."},
     };
     for (const auto& [file, message] : cases) {
