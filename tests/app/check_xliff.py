@@ -1,13 +1,15 @@
 """Checks the bilingual document of each PE file given.
 
-check_xliff.py TERVANE SCHEMA WORKDIR FILE...
+check_xliff.py TERVANE SCHEMA WORKDIR [--write] FILE...
 
 For every file whose extraction succeeds: `extract -o F.xlf` writes a document
 that validates against the strict XLIFF 1.2 schema; `merge F.xlf --dry-run`
 replays exactly the events of `extract --events` (identity); and after
 `pseudo`, the replay has the same tags in the same order while the text of
-every non-empty translatable segment has changed. Prints one line for each
-fault and a summary line.
+every non-empty translatable segment has changed. With --write the writer
+runs too: the untranslated document gives the same file as `merge --events`,
+and the pseudo document a file whose extraction shows the same change.
+Prints one line for each fault and a summary line.
 """
 import json
 import os
@@ -52,6 +54,8 @@ def segments(evs):
 def main():
     tervane, schema, work = sys.argv[1:4]
     files, faults, units, documents = sys.argv[4:], 0, 0, []
+    write = files[:1] == ["--write"]
+    files = files[1:] if write else files
     for index, path in enumerate(files):
         xlf = os.path.join(work, "%d.xlf" % index)
         pseudo = os.path.join(work, "%d.pseudo.xlf" % index)
@@ -85,6 +89,31 @@ def main():
             print("%s: pseudo changed a tag: %s" % (path, replay.stderr.decode().strip()))
             faults += 1
             continue
+        if write:
+            direct_out, xliff_out = os.path.join(work, "direct.dll"), os.path.join(work, "x.dll")
+            with open(os.path.join(work, "events"), "wb") as out:
+                out.write(direct.stdout)
+            a = run([tervane, "merge", "--events", os.path.join(work, "events"), "--source",
+                     path, "--lang", "de-DE", "-o", direct_out])
+            b = run([tervane, "merge", xlf, "--lang", "de-DE", "-o", xliff_out])
+            if a.returncode != 0 or b.returncode != 0 or \
+                    open(direct_out, "rb").read() != open(xliff_out, "rb").read():
+                print("%s: merge from the document differs from merge --events: %s" %
+                      (path, b.stderr.decode().strip()))
+                faults += 1
+                continue
+            b = run([tervane, "merge", pseudo, "--lang", "de-DE", "-o", xliff_out])
+            written = run([tervane, "extract", "--events", xliff_out])
+            if b.returncode != 0 or written.returncode != 0:
+                print("%s: the pseudo document did not merge: %s" %
+                      (path, b.stderr.decode().strip()))
+                faults += 1
+                continue
+            changed = events(written.stdout)
+            if [e for e in changed if e["event"] == "Tag"] != tags:
+                print("%s: the merged pseudo file has other tags" % path)
+                faults += 1
+                continue
         before, after = segments(source), segments(changed)
         units += len(before)
         # Shortcuts, which keep their text, are no segments of their own here.

@@ -25,12 +25,13 @@ void Write(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-// The check of check_xliff.py over files: schema, identity and pseudo.
-void CheckDocuments(const std::string& files) {
+// The check of check_xliff.py over files: schema, identity and pseudo, and
+// with write the same through the writer.
+void CheckDocuments(const std::string& files, bool write = false) {
     const std::string dir = test::TempDir();
-    std::string report = test::RunCommand(test::DebianPython() + " " + TERVANE_SOURCE_DIR +
-                                          "/tests/app/check_xliff.py " + kTervane + " " + kSchema +
-                                          " " + dir + " " + files + " 2>&1");
+    std::string report = test::RunCommand(
+        test::DebianPython() + " " + TERVANE_SOURCE_DIR + "/tests/app/check_xliff.py " + kTervane +
+        " " + kSchema + " " + dir + (write ? " --write " : " ") + files + " 2>&1");
     std::vector<std::string> lines = test::Lines(report);
     ASSERT_FALSE(lines.empty());
     EXPECT_NE(lines.back().find(" 0 faults"), std::string::npos) << report;
@@ -44,6 +45,16 @@ TEST(XliffCommands, FixturesValidateReplayAndPseudo) {
         for (const std::string& image : test::FixtureImages(name))
             files += " '" + image + "'";
     CheckDocuments(files);
+}
+
+// Files of one language: the writer puts every resource under the target
+// language, so one of two languages would take the other's place.
+TEST(XliffCommands, WriterTurnsDocumentsIntoFiles) {
+    std::string files;
+    for (const char* name : {"fwd_menus", "fwd_blocks", "fwd_edges", "fwd_layout"})
+        for (const std::string& image : test::FixtureImages(name))
+            files += " '" + image + "'";
+    CheckDocuments(files, true);
 }
 
 TEST(XliffCommands, WineFilesValidateReplayAndPseudo) {
@@ -161,6 +172,44 @@ TEST(XliffCommands, PseudoDialogTextsShowInTheReplay) {
     // Cancel: six letters, 40 % more is three characters; &Help keeps its hotkey.
     for (const char* text : {"\"text\": \"[Çáñçél ~~]\"", "\"text\": \"Hélp ~]\""})
         EXPECT_NE(replay.find(text), std::string::npos) << text;
+
+    // And in the file the writer makes, in the target language.
+    const std::string layout = test::FixturePath("fwd_layout", "x64");
+    test::RunCommand(kTervane + " extract --pseudo --target-lang fr-FR -o " + dir + "/l.xlf '" +
+                         layout + "'",
+                     &status);
+    ASSERT_EQ(status, 0);
+    std::string err = test::RunCommand(
+        kTervane + " merge " + dir + "/l.xlf -o " + dir + "/l.dll 2>&1 >/dev/null", &status);
+    ASSERT_EQ(status, 0) << err;
+    std::string written = test::RunCommand(kTervane + " extract " + dir + "/l.dll", &status);
+    for (const char* text : {"<caption>[Šéttíñgš ~~~]</caption>", ">[Çlöšé ~]</button>",
+                             "<string id=\"1\">[Réáðý ~]</string>"})
+        EXPECT_NE(written.find(text), std::string::npos) << text << "\n" << written;
+    std::string languages = test::RunCommand(kTervane + " list --json " + dir + "/l.dll", &status);
+    EXPECT_NE(languages.find("\"lang\": 1036"), std::string::npos) << languages;
+}
+
+// The writer's Error names a resource and a control; merge says where they
+// stand in the document. (The edit box's text of fwd_dialogs is one the
+// writer refuses.)
+TEST(XliffCommands, WritersErrorPointsIntoTheDocument) {
+    const std::string dir = test::TempDir();
+    int status = -1;
+    test::RunCommand(kTervane + " extract --target-lang de-DE -o " + dir + "/d.xlf '" +
+                         test::FixturePath("fwd_dialogs", "x64") + "'",
+                     &status);
+    ASSERT_EQ(status, 0);
+    std::string err = test::RunCommand(
+        kTervane + " merge " + dir + "/d.xlf -o " + dir + "/d.dll 2>&1 >/dev/null", &status);
+    EXPECT_EQ(status, 1);
+    std::string xml = Text(dir + "/d.xlf");
+    std::size_t group = xml.find("<group id=\"dlg.102\"");
+    ASSERT_NE(group, std::string::npos);
+    std::string line = std::to_string(1 + std::count(xml.begin(), xml.begin() + group, '\n'));
+    EXPECT_NE(err.find("[" + dir + "/d.xlf:" + line + ": group dlg.102]"), std::string::npos)
+        << err;
+    EXPECT_EQ(test::RunCommand("ls " + dir + "/d.dll 2>/dev/null"), "");
 }
 
 } // namespace
