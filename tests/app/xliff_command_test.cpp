@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "app/xliff/xliff_io.h"
 #include "tests/app/extract_run.h"
 #include "tests/support/fixtures.h"
 
@@ -88,6 +89,54 @@ TEST(XliffCommands, HeaderNamesTheSourceAndTheLanguages) {
           ">" + std::to_string(test::ReadFile(image).size()) + "</count>",
           std::string("<trans-unit id=\"str.1\" resname=\"1\" restype=\"string\"")})
         EXPECT_NE(xml.find(expected), std::string::npos) << expected << "\n" << xml;
+}
+
+// Ids made from the resource path, the resource types of XLIFF, the place of
+// a control, and the texts in the resource's own notation (&& one ampersand
+// where & marks the hotkey).
+TEST(XliffCommands, UnitsOfTheFixtures) {
+    struct Row {
+        const char* fixture;
+        std::string id, restype, coord;
+        std::u16string source;
+    };
+    const Row rows[] = {
+        {"fwd_dialogs", "dlg.100.caption", "caption", "", u"Print &Setup"},
+        {"fwd_dialogs", "dlg.100.c9", "button", "130;40;50;14", u"&Help"},
+        {"fwd_dialogs", "dlg.101.c200", "groupbox", "5;5;200;100", u"Outer"},
+        {"fwd_dialogs", "dlg.102.c301", "radio", "10;20;60;10", u"&Auto radio"},
+        {"fwd_dialogs", "dlg.102.c305", "label", "10;60;60;10", u"A&B"},
+        {"fwd_dialogs", "dlg.102.c306", "label", "10;70;60;10", u"A&&B"},
+        {"fwd_dialogs", "dlg.102.c307", "label", "10;80;60;10", u"Fish && Chips"},
+        {"fwd_dialogs", "dlg.102.s1", "label", "10;120;60;10", u"Static text"},
+        {"fwd_dialogs", "dlg.103.c401.i3", "listitem", "", u"Three"},
+        {"fwd_menus", "mnu.101.p1", "menuitem", "", u"&File"},
+        {"fwd_menus", "mnu.101.i110", "menuitem", "", u"A&&B 100%"},
+        {"fwd_menus", "mnu.101.p5.shortcut", "shortcut", "", u"Alt+F4"},
+        {"fwd_menus", "mnu.102.i65534", "menuitem", "", u"Back\\slash"},
+        {"fwd_version", "ver.1.comments", "x-comments", "", u"Kommentar"},
+        {"fwd_version", "ver.2.comments", "x-comments", "", u"C:\\path\\n"},
+        {"fwd_strings", "str.1", "string", "", u"Speichern %s?"},
+        {"fwd_strings", "str.1~2", "string", "", u"Save %s?"},
+    };
+    const std::string dir = test::TempDir();
+    for (const Row& row : rows) {
+        int status = -1;
+        test::RunCommand(kTervane + " extract -o " + dir + "/u.xlf '" +
+                             test::FixturePath(row.fixture, "x86") + "'",
+                         &status);
+        ASSERT_EQ(status, 0);
+        xliff::Document document = xliff::ReadXliff(Text(dir + "/u.xlf"), "u.xlf");
+        const xliff::Unit* found = nullptr;
+        for (const xliff::Group& group : document.groups)
+            for (const xliff::Unit& unit : group.units)
+                if (unit.id == row.id)
+                    found = &unit;
+        ASSERT_NE(found, nullptr) << row.id;
+        EXPECT_EQ(found->restype, row.restype) << row.id;
+        EXPECT_EQ(found->coord, row.coord) << row.id;
+        EXPECT_EQ(xliff::Flatten(found->source), row.source) << row.id;
+    }
 }
 
 // A change to the document and what merge must say: one line, with the

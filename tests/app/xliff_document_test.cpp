@@ -74,6 +74,28 @@ TEST(BilingualDocument, UnitsOfTheSource) {
     EXPECT_EQ(units, expected);
 }
 
+// Version values come in a fixed order; one that does not come later than
+// the one before begins the next block.
+TEST(BilingualDocument, VersionBlocksByTheOrderOfTheirValues) {
+    EventList events = {Open(u"<resources>", u"resources"), Open(u"<versioninfo>", u"versioninfo")};
+    for (const char16_t* name :
+         {u"comments", u"productname", u"productname", u"legaltrademarks", u"comments"}) {
+        events.push_back(Open(u"<" + std::u16string(name) + u">", name));
+        events.push_back(Event::Text(u"v"));
+        events.push_back(Close(name));
+    }
+    events.push_back(Close(u"versioninfo"));
+    events.push_back(Close(u"resources"));
+    std::vector<std::string> ids;
+    for (const Group& group : MakeDocument(events).groups)
+        for (const Unit& unit : group.units)
+            ids.push_back(group.id + " " + unit.id);
+    const std::vector<std::string> expected = {
+        "ver.1 ver.1.comments", "ver.1 ver.1.productname", "ver.2 ver.2.productname",
+        "ver.2 ver.2.legaltrademarks", "ver.3 ver.3.comments"};
+    EXPECT_EQ(ids, expected);
+}
+
 // What XML cannot hold travels as a placeholder of its own and comes back.
 TEST(BilingualDocument, TextsSurviveTheXml) {
     const std::vector<std::u16string> texts = {
