@@ -239,6 +239,44 @@ TEST(XliffCommands, PseudoDialogTextsShowInTheReplay) {
     EXPECT_NE(languages.find("\"lang\": 1036"), std::string::npos) << languages;
 }
 
+// Translate Toolkit's road: xliff2po, a translated PO, pomerge back into the
+// document (which flattens <ph> into text), and merge into a file.
+TEST(XliffCommands, TranslateToolkitRoundTrip) {
+    if (test::RunCommand("command -v xliff2po pomerge").empty())
+        GTEST_SKIP() << "translate-toolkit is not installed";
+    const std::string dir = test::TempDir();
+    // Each msgstr the msgid behind "Ü ".
+    const std::string translate =
+        test::DebianPython() +
+        " -c \"import re,sys; t=open(sys.argv[1]).read(); "
+        "open(sys.argv[2],'w').write(re.sub(r'msgid \\\"(.+)\\\"\\nmsgstr \\\"\\\"', "
+        "lambda m: 'msgid \\\"%s\\\"\\nmsgstr \\\"\\u00dc %s\\\"' % (m.group(1), m.group(1)), "
+        "t))\"";
+    const std::vector<std::pair<const char*, std::vector<std::string>>> rows = {
+        {"fwd_layout",
+         {"<item id=\"1\">Ü Open</item>", "<caption>Ü Settings</caption>", ">Ü Close</button>",
+          "<string id=\"1\">Ü Ready</string>", "<comments>Ü Layout sample</comments>"}},
+        {"fwd_menus",
+         {"<item>Ü &File</item>", "<item id=\"100\">Ü &Open...<shortcut>Ctrl+O</shortcut>",
+          "<item id=\"110\">Ü A&B 100%</item>"}},
+    };
+    for (const auto& [fixture, expected] : rows) {
+        int status = -1;
+        const std::string base = dir + "/" + fixture;
+        std::string log = test::RunCommand(
+            kTervane + " extract --target-lang de-DE -o " + base + ".xlf '" +
+                test::FixturePath(fixture, "x64") + "' && xliff2po " + base + ".xlf " + base +
+                ".po && " + translate + " " + base + ".po " + base + ".de.po && pomerge -t " +
+                base + ".xlf -i " + base + ".de.po -o " + base + ".de.xlf && " + kTervane +
+                " merge " + base + ".de.xlf -o " + base + ".de.dll 2>&1",
+            &status);
+        ASSERT_EQ(status, 0) << log;
+        std::string written = test::RunCommand(kTervane + " extract " + base + ".de.dll", &status);
+        for (const std::string& text : expected)
+            EXPECT_NE(written.find(text), std::string::npos) << text << "\n" << written;
+    }
+}
+
 // The writer's Error names a resource and a control; merge says where they
 // stand in the document. (The edit box's text of fwd_dialogs is one the
 // writer refuses.)
