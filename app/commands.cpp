@@ -30,6 +30,8 @@ void AddCommands(CLI::App& app) {
     AddTokensCommand(app);
     AddTablesCommand(app);
     AddExtractCommand(app);
+    AddPseudoCommand(app);
+    AddStatsCommand(app);
     AddMergeCommand(app);
     AddScanCommand(app);
     AddPreviewCommand(app);
