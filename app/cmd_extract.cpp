@@ -18,6 +18,7 @@
 #include "app/output_file.h"
 #include "app/xliff/bilingual.h"
 #include "app/xliff/pseudo.h"
+#include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/diag/event_log.h"
 #include "platform/diag/trace_sink.h"
