@@ -1,6 +1,7 @@
-// tervane extract [--events | --document] [--filter] [-o OUT] [--trace FILE]
-// FILE: drives the forward converter as a host framework does (Initialize,
-// then raw_Parse) and writes what the host received. With --filter the
+// tervane extract [--events | --document] [--filter] [--no-scan] [-o OUT]
+// [--trace FILE] FILE: drives the forward converter as a host framework does
+// (the scanner first, then Initialize and raw_Parse) and writes what the host
+// received. With --filter the
 // converter feeds the filter stage, wired and run as a framework runs a chain.
 #include <cstdio>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "app/input_file.h"
 #include "app/items.h"
 #include "app/output_file.h"
+#include "app/scan_host.h"
 #include "frame/tervane_parser.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
@@ -28,7 +30,7 @@ namespace tervane::app {
 namespace {
 
 struct ExtractOptions {
-    bool events = false, filter = false;
+    bool events = false, filter = false, noScan = false;
     std::string out, trace, file;
 };
 
@@ -101,6 +103,8 @@ int RunExtract(const ExtractOptions& options) {
     { PeFile judged(file); }
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
+    if (!options.noScan)
+        RequireScannerAccepts(file);
 
     RegisterItemClasses();
     RegisterTervaneParserClass();
@@ -146,6 +150,12 @@ void AddExtractCommand(CLI::App& app) {
     command->footer(
         "Reads the string tables, menus, dialogs (with the entries of their combo and list\n"
         "boxes) and version values of FILE (.exe, .dll, .ocx, .lng), as data.\n\n"
+        "First the scanner is asked, as a host asks it, whether FILE can be handled: it\n"
+        "refuses resources in more than one code page, a resource identifier twice,\n"
+        "resources that can't be read, and a file whose size changes when one of its\n"
+        "resources is rewritten, tried on a copy beside FILE (NAME_Sniffer.exe, removed\n"
+        "again; FILE's folder must be writable). A refused file is not converted: the\n"
+        "scanner's reason goes to standard error and the exit status is 1.\n\n"
         "On a failure the error goes to standard error, what was received until then is\n"
         "still written to standard output, a file named by -o is left as it was, and the\n"
         "exit status is 1; a wrong command line gives 2.");
@@ -154,6 +164,8 @@ void AddExtractCommand(CLI::App& app) {
     command->add_flag("--filter", options->filter,
                       "pass the events through the filter stage, which reduces each tag's name "
                       "to its keyword and cuts inline tags into single placeholders");
+    command->add_flag("--no-scan", options->noScan,
+                      "convert FILE without asking the scanner first, whatever it would say");
     command->add_flag_callback(
         "--document", [options] { options->events = false; },
         "write the tagged document, UTF-8 (the default)");

@@ -1,7 +1,6 @@
-// tervane merge --events EVENTS.jsonl --source SRC --lang L -o OUT: the host
-// side of the backward conversion. Replays the events into the writer over
-// several raw_Write calls, as a framework drives it, and reports the run's
-// messages.
+// tervane merge --events EVENTS.jsonl --source SRC --lang L -o OUT [--no-scan]:
+// the host side of the backward conversion. Asks the scanner about SRC, replays the events into the
+// writer over several raw_Write calls, as a framework drives it, and reports the run's messages.
 #include <cerrno>
 #include <cstdio>
 #include <string>
@@ -16,6 +15,7 @@
 #include "app/language_tags.h"
 #include "app/output_file.h"
 #include "app/replay_host.h"
+#include "app/scan_host.h"
 #include "backward/tervane_writer.h"
 #include "frame/conversion_state.h"
 #include "platform/com/class_objects.h"
@@ -31,7 +31,7 @@ namespace tervane::app {
 namespace {
 
 struct MergeOptions {
-    bool json = false;
+    bool json = false, noScan = false;
     std::string events, source, language, out, trace;
 };
 
@@ -114,6 +114,8 @@ int RunMerge(const MergeOptions& options) {
         if (!AttachTraceFile(options.trace))
             throw CommandFailure(options.trace, "cannot write the trace file");
     }
+    if (!options.noScan)
+        RequireScannerAccepts(source);
     auto content = files::ReadFileBytes(options.events);
     if (!content)
         throw CommandFailure(options.events, SystemText(content.error().code, options.events));
@@ -193,6 +195,10 @@ void AddMergeCommand(CLI::App& app) {
         "backward converter, which checks their tags against SRC, puts their texts into a\n"
         "copy of SRC with every localisable resource under the language L, and moves that\n"
         "copy onto OUT at the very end.\n\n"
+        "First the scanner is asked, as a host asks it, whether SRC can be handled (see\n"
+        "'tervane scan --help'; it tries a copy beside SRC, so SRC's folder must be\n"
+        "writable). A refused SRC is not converted: the scanner's reason goes to standard\n"
+        "error, OUT is left as it was and the exit status is 1.\n\n"
         "Alerts and Warnings go to standard error, one a line, behind the file's name; the\n"
         "file is written all the same. An Error names the resource, leaves OUT as it was and\n"
         "gives the exit status 1; a wrong command line gives 2.");
@@ -217,6 +223,8 @@ void AddMergeCommand(CLI::App& app) {
     command->add_option("-o", options->out, "the translated file")->required()->type_name("OUT");
     command->add_flag("--json", options->json,
                       "print the messages as JSON Lines on standard output");
+    command->add_flag("--no-scan", options->noScan,
+                      "convert SRC without asking the scanner first, whatever it would say");
     command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
         ->type_name("FILE");
 }
