@@ -1,8 +1,8 @@
-// tervane extract [--events | --document | --xliff] [--filter] [-o OUT] [--trace FILE]
-// FILE: drives the forward converter as a host framework does (Initialize, then
-// raw_Parse) and writes what the host received, or the bilingual document. With
-// --filter the converter feeds the filter stage, wired and run as a framework
-// runs a chain.
+// tervane extract [--events | --document | --xliff] [--filter] [--no-scan] [-o OUT]
+// [--trace FILE] FILE: drives the forward converter as a host framework does (the
+// scanner first, then Initialize and raw_Parse) and writes what the host received,
+// or the bilingual document. With --filter the converter feeds the filter stage,
+// wired and run as a framework runs a chain.
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -16,6 +16,7 @@
 #include "app/forward_run.h"
 #include "app/input_file.h"
 #include "app/output_file.h"
+#include "app/scan_host.h"
 #include "app/xliff/bilingual.h"
 #include "app/xliff/pseudo.h"
 #include "platform/com/class_objects.h"
@@ -29,7 +30,8 @@ namespace tervane::app {
 namespace {
 
 struct ExtractOptions {
-    bool events = false, filter = false, xliff = false, pseudo = false, copySource = false;
+    bool events = false, filter = false, noScan = false, xliff = false, pseudo = false,
+         copySource = false;
     int expand = 40;
     std::string out, trace, file, sourceLanguage, targetLanguage;
 };
@@ -111,6 +113,8 @@ int RunExtract(const ExtractOptions& options) {
     { PeFile judged(file); }
     if (!options.trace.empty() && !AttachTraceFile(options.trace))
         throw CommandFailure(options.trace, "cannot write the trace file");
+    if (!options.noScan)
+        RequireScannerAccepts(file);
     if (WantsXliff(options))
         return RunExtractXliff(options, output);
 
@@ -160,6 +164,12 @@ void AddExtractCommand(CLI::App& app) {
         "XLIFF 1.2, one unit per translatable text in a group per resource, what must not\n"
         "change in <ph>. Its source language is that of the resources (en-US for a neutral\n"
         "one) unless --source-lang says otherwise.\n\n"
+        "First the scanner is asked, as a host asks it, whether FILE can be handled: it\n"
+        "refuses resources in more than one code page, a resource identifier twice,\n"
+        "resources that can't be read, and a file whose size changes when one of its\n"
+        "resources is rewritten, tried on a copy beside FILE (NAME_Sniffer.exe, removed\n"
+        "again; FILE's folder must be writable). A refused file is not converted: the\n"
+        "scanner's reason goes to standard error and the exit status is 1.\n\n"
         "On a failure the error goes to standard error, what was received until then is\n"
         "still written to standard output (but no bilingual document), a file named by -o\n"
         "is left as it was, and the exit status is 1; a wrong command line gives 2.");
@@ -168,6 +178,8 @@ void AddExtractCommand(CLI::App& app) {
     command->add_flag("--filter", options->filter,
                       "pass the events through the filter stage, which reduces each tag's name "
                       "to its keyword and cuts inline tags into single placeholders");
+    command->add_flag("--no-scan", options->noScan,
+                      "convert FILE without asking the scanner first, whatever it would say");
     command->add_flag_callback(
         "--document", [options] { options->events = false; },
         "write the tagged document, UTF-8 (the default)");

@@ -1,9 +1,9 @@
 // tervane merge --events EVENTS.jsonl --source SRC --lang L -o OUT, or
 // tervane merge DOC.xlf -o OUT [--lang L] [--source SRC] [--dry-run]: the host
-// side of the backward conversion. Replays the events (of the file, or of the
-// source with the bilingual document's translations) into the writer over
-// several raw_Write calls, as a framework drives it, and reports the run's
-// messages.
+// side of the backward conversion. Asks the scanner about the source, replays the
+// events (of the file, or of the source with the bilingual document's
+// translations) into the writer over several raw_Write calls, as a framework
+// drives it, and reports the run's messages. --no-scan skips the scanner.
 #include <cerrno>
 #include <cstdio>
 #include <functional>
@@ -21,6 +21,7 @@
 #include "app/language_tags.h"
 #include "app/output_file.h"
 #include "app/replay_host.h"
+#include "app/scan_host.h"
 #include "backward/tervane_writer.h"
 #include "frame/conversion_state.h"
 #include "platform/com/class_objects.h"
@@ -36,7 +37,7 @@ namespace tervane::app {
 namespace {
 
 struct MergeOptions {
-    bool json = false, dryRun = false;
+    bool json = false, dryRun = false, noScan = false;
     std::string document, events, source, language, out, trace;
 };
 
@@ -146,6 +147,8 @@ int MergeDocument(const MergeOptions& options) {
     if (out.IsStandardOutput())
         throw CommandFailure(options.out, "a translated executable is no text: name a file");
     DocumentMerge merge = PrepareDocumentMerge(options.document, options.source);
+    if (!options.noScan)
+        RequireScannerAccepts(merge.source);
     std::string language =
         !options.language.empty() ? options.language : merge.document.targetLanguage;
     if (language.empty())
@@ -180,6 +183,8 @@ int RunMerge(const MergeOptions& options) {
     if (out.IsStandardOutput())
         throw CommandFailure(options.out, "a translated executable is no text: name a file");
     AttachTrace(options, {options.events, source, options.out});
+    if (!options.noScan)
+        RequireScannerAccepts(source);
     auto content = files::ReadFileBytes(options.events);
     if (!content)
         throw CommandFailure(options.events, SystemText(content.error().code, options.events));
@@ -277,6 +282,10 @@ void AddMergeCommand(CLI::App& app) {
         "backward converter, which checks their tags against SRC, puts their texts into a\n"
         "copy of SRC with every localisable resource under the language L, and moves that\n"
         "copy onto OUT at the very end.\n\n"
+        "First the scanner is asked, as a host asks it, whether SRC can be handled (see\n"
+        "'tervane scan --help'; it tries a copy beside SRC, so SRC's folder must be\n"
+        "writable). A refused SRC is not converted: the scanner's reason goes to standard\n"
+        "error, OUT is left as it was and the exit status is 1.\n\n"
         "Alerts and Warnings go to standard error, one a line, behind the file's name; the\n"
         "file is written all the same. An Error names the resource, leaves OUT as it was and\n"
         "gives the exit status 1; a wrong command line gives 2.");
@@ -302,6 +311,8 @@ void AddMergeCommand(CLI::App& app) {
                       "a line, instead of the translated file");
     command->add_flag("--json", options->json,
                       "print the messages as JSON Lines on standard output");
+    command->add_flag("--no-scan", options->noScan,
+                      "convert SRC without asking the scanner first, whatever it would say");
     command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
         ->type_name("FILE");
     command->add_option("FILE", options->document, "the bilingual document (XLIFF 1.2)")

@@ -43,7 +43,7 @@ def resources(path):
 
 
 def events(tervane, path):
-    done = run([tervane, 'extract', '--events', path])
+    done = run([tervane, 'extract', '--no-scan', '--events', path])
     if done.returncode != 0:
         return None
     return [l for l in done.stdout.decode('utf-8', 'surrogatepass').splitlines()
@@ -70,7 +70,7 @@ def check(tervane, lang, path, work):
     with open(os.path.join(work, 'src.jsonl'), 'w', encoding='utf-8', errors='surrogatepass') as f:
         f.write('\n'.join(source_events) + '\n')
     out = os.path.join(work, 'out' + os.path.splitext(path)[1])
-    merged = run([tervane, 'merge', '--events', os.path.join(work, 'src.jsonl'), '--source',
+    merged = run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'src.jsonl'), '--source',
                   linked(path, work), '--lang', str(lang), '-o', out])
     if merged.returncode != 0:
         return 'merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()
@@ -108,7 +108,7 @@ def check(tervane, lang, path, work):
     with open(os.path.join(work, 'out.jsonl'), 'w', encoding='utf-8', errors='surrogatepass') as f:
         f.write('\n'.join(out_events) + '\n')
     again = os.path.join(work, 'again' + os.path.splitext(path)[1])
-    merged = run([tervane, 'merge', '--events', os.path.join(work, 'out.jsonl'), '--source', out,
+    merged = run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'out.jsonl'), '--source', out,
                   '--lang', str(lang), '-o', again])
     if merged.returncode != 0:
         return 'second merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()

@@ -25,7 +25,7 @@ def pseudo(text):
 
 
 def events(tervane, path):
-    done = subprocess.run([tervane, 'extract', '--events', path], capture_output=True)
+    done = subprocess.run([tervane, 'extract', '--no-scan', '--events', path], capture_output=True)
     if done.returncode != 0:
         return None
     return [json.loads(l) for l in done.stdout.decode('utf-8').splitlines()
@@ -83,7 +83,7 @@ def check(tervane, lang, path, work):
         for event in wanted:
             f.write(json.dumps(event, ensure_ascii=False) + '\n')
     out = os.path.join(work, 'out.dll')
-    merged = subprocess.run([tervane, 'merge', '--events', os.path.join(work, 'ev.jsonl'),
+    merged = subprocess.run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'ev.jsonl'),
                              '--source', linked(path, work), '--lang', str(lang), '-o', out],
                             capture_output=True)
     if merged.returncode != 0:
