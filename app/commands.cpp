@@ -33,6 +33,7 @@ void AddCommands(CLI::App& app) {
     AddPseudoCommand(app);
     AddStatsCommand(app);
     AddMergeCommand(app);
+    AddVerifyCommand(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

@@ -45,5 +45,6 @@ void AddExtractCommand(CLI::App& app);
 void AddPseudoCommand(CLI::App& app);
 void AddStatsCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
+void AddVerifyCommand(CLI::App& app);
 
 } // namespace tervane::app
