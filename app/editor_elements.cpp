@@ -64,18 +64,21 @@ public:
         elements_.push_back(std::move(element));
     }
 
+    // A unit without a target is no translation unit to the editor: its
+    // source stands as plain text, in both sides.
     void AddUnit(const xliff::Unit& unit, const xliff::EventList& source, bool hotkeys) {
+        if (!unit.target) {
+            Side(source, hotkeys, unit.sourceLine, "source");
+            return;
+        }
         const std::size_t at = elements_.size();
         EditorElement element;
         element.kind = EditorElement::Kind::Unit;
         element.range = {{unit.line, 0}, {unit.line, 0}};
         elements_.push_back(element);
         elements_[at].sourceParts = Side(source, hotkeys, unit.sourceLine, "source");
-        if (unit.target)
-            elements_[at].targetParts =
-                Side(xliff::ToEvents(*unit.target, hotkeys), hotkeys, unit.targetLine, "target");
-        else // the editor shows an untranslated unit with its source
-            elements_[at].targetParts = Side(source, hotkeys, unit.line, "source", unit.sourceLine);
+        elements_[at].targetParts =
+            Side(xliff::ToEvents(*unit.target, hotkeys), hotkeys, unit.targetLine, "target");
     }
 
     EditorElements Take() { return std::move(elements_); }
@@ -96,10 +99,10 @@ private:
                                                                            : std::string_view();
     }
 
-    // The parts of one side on line; the columns are read from columnLine.
+    // The parts of one side on line.
     std::vector<std::size_t> Side(const xliff::EventList& events, bool hotkeys, int line,
-                                  std::string_view element, int columnLine = 0) {
-        const std::string_view text = Line(columnLine ? columnLine : line);
+                                  std::string_view element) {
+        const std::string_view text = Line(line);
         const std::size_t start = ContentStart(text, element);
         std::vector<LONG> columns;
         if (start != std::string_view::npos)
@@ -180,12 +183,25 @@ EditorElements BuildEditorElements(const xliff::Document& document, const xliff:
         auto found = groupLines.find(units.groups[group].id);
         return found != groupLines.end() ? found->second : document.line;
     };
+    // The segment's own tags stand at the line of its unit.
+    auto lineOfUnit = [&](std::size_t place, LONG otherwise) -> LONG {
+        auto found = byId.find(units.places[place].id);
+        return found != byId.end() ? found->second->line : otherwise;
+    };
     std::size_t at = 0;
     LONG previousLine = document.line;
-    for (const xliff::UnitPlace& place : units.places) {
+    for (std::size_t p = 0; p < units.places.size(); ++p) {
+        const xliff::UnitPlace& place = units.places[p];
         const LONG nextLine = lineOfGroup(place.group);
-        for (; at < place.begin; ++at)
-            builder.Outside(events[at], events[at].start ? nextLine : previousLine);
+        const std::size_t from = at;
+        for (; at < place.begin; ++at) {
+            LONG line = events[at].start ? nextLine : previousLine;
+            if (events[at].IsTag() && at + 1 == place.begin)
+                line = lineOfUnit(p, line);
+            else if (events[at].IsTag() && at == from && p > 0)
+                line = lineOfUnit(p - 1, line);
+            builder.Outside(events[at], line);
+        }
         at = place.end;
         previousLine = nextLine;
         auto found = byId.find(place.id);

@@ -30,8 +30,8 @@ using EditorElements = std::vector<EditorElement>;
 
 // events: the source file's conversion, or empty when the file is gone (the
 // units alone then). xml: the document's bytes, for the columns. A unit
-// without a target shows its source in the target; a unit the document lacks
-// has no element at all.
+// without a target is plain text of its source, outside any translation unit;
+// a unit the document lacks has no element at all.
 EditorElements BuildEditorElements(const xliff::Document& document, const xliff::EventList& events,
                                    std::string_view xml);
 
