@@ -25,7 +25,7 @@ namespace tervane::app {
 namespace {
 
 struct ExtractOptions {
-    bool events = false, xliff = false, pseudo = false;
+    bool events = false, xliff = false, pseudo = false, copySource = false;
     int expand = 40;
     std::string out, trace, file, sourceLanguage, targetLanguage;
 };
@@ -35,7 +35,8 @@ bool WantsXliff(const ExtractOptions& options) {
         return options.out.size() >= tail.size() &&
                options.out.compare(options.out.size() - tail.size(), tail.size(), tail) == 0;
     };
-    return options.xliff || options.pseudo || endsWith(".xlf") || endsWith(".xliff");
+    return options.xliff || options.pseudo || options.copySource || endsWith(".xlf") ||
+           endsWith(".xliff");
 }
 
 // The bilingual document: the units of the forward conversion's events, the
@@ -57,6 +58,8 @@ int RunExtractXliff(const ExtractOptions& options, OutputFile& output) {
                                   : (facts.language.empty() ? "en-US" : facts.language);
     if (!options.targetLanguage.empty())
         document.targetLanguage = LanguageTagOption(options.targetLanguage, "--target-lang");
+    if (options.copySource)
+        xliff::CopySourceToTarget(document);
     if (options.pseudo)
         xliff::PseudoLocalise(document, options.expand);
     SaveDocument(document, output);
@@ -131,6 +134,9 @@ void AddExtractCommand(CLI::App& app) {
         "write the tagged document, UTF-8 (the default)");
     command->add_flag("--xliff", options->xliff,
                       "write the bilingual document, XLIFF 1.2 (also chosen by OUT's extension)");
+    command->add_flag("--copy-source", options->copySource,
+                      "each target a copy of its source (state needs-translation), for tools that "
+                      "translate the target in place, as OmegaT does");
     command->add_flag("--pseudo", options->pseudo,
                       "the bilingual document with a pseudo-localised target in every unit");
     command->add_option("--expand", options->expand, "with --pseudo: growth in percent (40)")

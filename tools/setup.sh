@@ -12,6 +12,8 @@ packages=(
   # the bilingual document: XLIFF written and read by libxml2 (xmllint checks
   # it against the schema), the source file's SHA-256 from nettle
   libxml2-dev libxml2-utils nettle-dev
+  # translation tools' round trips of the bilingual document, in the tests
+  translate-toolkit omegat
   clang libclang-rt-14-dev clang-format
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64

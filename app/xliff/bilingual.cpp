@@ -53,6 +53,47 @@ void CheckPlaceholders(const Unit& unit) {
                         unit.id, line);
 }
 
+// A tool that turns units into plain text (Translate Toolkit by way of PO)
+// gives the target back with the source's codes as text. Each code the
+// target lacks as a placeholder is looked for in its text, from the left,
+// and becomes a placeholder again; the longest code wins at one place.
+Content RecoverPlaceholders(const Content& target, const Content& source) {
+    std::vector<std::u16string> have = Codes(target), want = Codes(source), missing;
+    std::set_difference(want.begin(), want.end(), have.begin(), have.end(),
+                        std::back_inserter(missing));
+    if (missing.empty())
+        return target;
+    Content out;
+    for (const Piece& piece : target) {
+        if (piece.placeholder) {
+            out.push_back(piece);
+            continue;
+        }
+        std::u16string text;
+        for (std::size_t at = 0; at < piece.text.size();) {
+            auto code = missing.end();
+            for (auto each = missing.begin(); each != missing.end(); ++each) {
+                if (piece.text.compare(at, each->size(), *each) == 0 &&
+                    (code == missing.end() || each->size() > code->size()))
+                    code = each;
+            }
+            if (code == missing.end()) {
+                text += piece.text[at++];
+                continue;
+            }
+            if (!text.empty())
+                out.push_back({false, std::move(text)});
+            text.clear();
+            out.push_back({true, *code});
+            at += code->size();
+            missing.erase(code);
+        }
+        if (!text.empty())
+            out.push_back({false, std::move(text)});
+    }
+    return out;
+}
+
 bool IsEmpty(const Content& content) {
     return std::all_of(content.begin(), content.end(),
                        [](const Piece& piece) { return piece.text.empty(); });
@@ -120,8 +161,10 @@ Merged ApplyDocument(const EventList& source, const Document& document) {
             merged.events.insert(merged.events.end(), events.begin(), events.end());
             continue;
         }
-        CheckPlaceholders(unit);
-        EventList target = ToEvents(*unit.target, place.hotkeys);
+        Unit recovered = unit;
+        recovered.target = RecoverPlaceholders(*unit.target, unit.source);
+        CheckPlaceholders(recovered);
+        EventList target = ToEvents(*recovered.target, place.hotkeys);
         merged.events.insert(merged.events.end(), target.begin(), target.end());
     }
     merged.events.insert(merged.events.end(), source.begin() + at, source.end());

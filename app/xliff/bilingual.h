@@ -27,7 +27,8 @@ struct Merged {
 
 // The source's events with each unit's content replaced by its target. A unit
 // without a target (or with an empty one) keeps the source's events, with a
-// warning; a unit the translator may not change always does. Throws
+// warning; a unit the translator may not change always does. A target whose
+// placeholders a tool flattened into text gets them back from its text. Throws
 // DocumentError for a unit the source doesn't have, a stale source and a
 // target whose placeholders are not the source's.
 Merged ApplyDocument(const EventList& source, const Document& document);

@@ -79,4 +79,15 @@ void PseudoLocalise(Document& document, int expandPercent) {
     }
 }
 
+void CopySourceToTarget(Document& document) {
+    for (Group& group : document.groups) {
+        for (Unit& unit : group.units) {
+            if (!unit.translate)
+                continue;
+            unit.target = unit.source;
+            unit.state = "needs-translation";
+        }
+    }
+}
+
 } // namespace tervane::xliff

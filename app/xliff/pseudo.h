@@ -16,4 +16,8 @@ Content Pseudo(const Content& source, int expandPercent);
 // theirs.
 void PseudoLocalise(Document& document, int expandPercent);
 
+// Each target the translator may change a copy of its source, marked as still
+// to translate: some tools translate the target in place.
+void CopySourceToTarget(Document& document);
+
 } // namespace tervane::xliff

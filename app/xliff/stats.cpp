@@ -51,6 +51,17 @@ bool IsEmpty(const Content& content) {
                        [](const Piece& piece) { return piece.text.empty(); });
 }
 
+// A target with text that differs from its source, or one a translator has
+// passed as it is (a state past translation).
+bool IsTranslated(const Unit& unit) {
+    if (!unit.target || IsEmpty(*unit.target))
+        return false;
+    if (*unit.target != unit.source)
+        return true;
+    return unit.state == "translated" || unit.state == "final" || unit.state == "signed-off" ||
+           unit.state.rfind("needs-review", 0) == 0;
+}
+
 } // namespace
 
 std::vector<KindStats> CountDocument(const Document& document) {
@@ -63,10 +74,9 @@ std::vector<KindStats> CountDocument(const Document& document) {
                                    [&](const KindStats& k) { return k.kind == kind; });
             if (at == kinds.end())
                 at = kinds.insert(kinds.end(), KindStats{kind, {}, {}, {}});
-            Tally KindStats::*column = !unit.translate ? &KindStats::locked
-                                       : unit.target && !IsEmpty(*unit.target)
-                                           ? &KindStats::translated
-                                           : &KindStats::untranslated;
+            Tally KindStats::*column = !unit.translate      ? &KindStats::locked
+                                       : IsTranslated(unit) ? &KindStats::translated
+                                                            : &KindStats::untranslated;
             Add((*at).*column, unit.source);
             Add(total.*column, unit.source);
         }

@@ -20,7 +20,8 @@ struct KindStats {
 
 // Words and characters are the source's, placeholders left out; a word is a
 // run of letters and digits. A unit counts as translated when its target has
-// text. Kinds in the order first met, then a total.
+// text other than its source, or its source with a state past translation.
+// Kinds in the order first met, then a total.
 std::vector<KindStats> CountDocument(const Document& document);
 
 } // namespace tervane::xliff

@@ -162,10 +162,10 @@ private:
         return TakeContent(open, std::move(place));
     }
 
-    // By its id where it has one; IDC_STATIC and its kind share one id, so
-    // those go by their place among the dialog's controls without.
+    // By its id where it has one; the tag leaves out IDC_STATIC (0xFFFF),
+    // shared by many, so those go by their place among the id-less controls.
     std::string ControlId(const std::optional<std::string>& id) {
-        if (id && *id != "65535" && *id != "-1")
+        if (id)
             return dialog_ + ".c" + *id;
         return dialog_ + ".s" + std::to_string(++ordinal_);
     }

@@ -26,6 +26,9 @@ public:
     XmlOut() : buffer_(xmlBufferCreate(), xmlBufferFree) {
         if (!buffer_)
             throw std::bad_alloc();
+        // The default scheme grows by what is added, copying the whole
+        // document again and again.
+        xmlBufferSetAllocationScheme(buffer_.get(), XML_BUFFER_ALLOC_DOUBLEIT);
         writer_.reset(xmlNewTextWriterMemory(buffer_.get(), 0));
         if (!writer_)
             throw std::bad_alloc();

@@ -239,6 +239,109 @@ TEST(XliffCommands, PseudoDialogTextsShowInTheReplay) {
     EXPECT_NE(languages.find("\"lang\": 1036"), std::string::npos) << languages;
 }
 
+// Translate Toolkit's road: xliff2po, a translated PO, pomerge back into the
+// document (which flattens <ph> into text), and merge into a file.
+TEST(XliffCommands, TranslateToolkitRoundTrip) {
+    if (test::RunCommand("command -v xliff2po pomerge").empty())
+        GTEST_SKIP() << "translate-toolkit is not installed";
+    const std::string dir = test::TempDir();
+    // Each msgstr the msgid behind "Ü ".
+    const std::string translate =
+        test::DebianPython() +
+        " -c \"import re,sys; t=open(sys.argv[1]).read(); "
+        "open(sys.argv[2],'w').write(re.sub(r'msgid \\\"(.+)\\\"\\nmsgstr \\\"\\\"', "
+        "lambda m: 'msgid \\\"%s\\\"\\nmsgstr \\\"\\u00dc %s\\\"' % (m.group(1), m.group(1)), "
+        "t))\"";
+    const std::vector<std::pair<const char*, std::vector<std::string>>> rows = {
+        {"fwd_layout",
+         {"<item id=\"1\">Ü Open</item>", "<caption>Ü Settings</caption>", ">Ü Close</button>",
+          "<string id=\"1\">Ü Ready</string>", "<comments>Ü Layout sample</comments>"}},
+        {"fwd_menus",
+         {"<item>Ü &File</item>", "<item id=\"100\">Ü &Open...<shortcut>Ctrl+O</shortcut>",
+          "<item id=\"110\">Ü A&B 100%</item>"}},
+    };
+    for (const auto& [fixture, expected] : rows) {
+        int status = -1;
+        const std::string base = dir + "/" + fixture;
+        std::string log = test::RunCommand(
+            kTervane + " extract --target-lang de-DE -o " + base + ".xlf '" +
+                test::FixturePath(fixture, "x64") + "' && xliff2po " + base + ".xlf " + base +
+                ".po && " + translate + " " + base + ".po " + base + ".de.po && pomerge -t " +
+                base + ".xlf -i " + base + ".de.po -o " + base + ".de.xlf && " + kTervane +
+                " merge " + base + ".de.xlf -o " + base + ".de.dll 2>&1",
+            &status);
+        ASSERT_EQ(status, 0) << log;
+        std::string written = test::RunCommand(kTervane + " extract " + base + ".de.dll", &status);
+        for (const std::string& text : expected)
+            EXPECT_NE(written.find(text), std::string::npos) << text << "\n" << written;
+    }
+}
+
+// OmegaT's road: a project whose source is our document (targets copied
+// from the sources, which OmegaT translates in place), translations from a
+// TMX that OmegaT applies by itself, console-translate, and merge.
+TEST(XliffCommands, OmegaTRoundTrip) {
+    if (test::RunCommand("command -v omegat").empty())
+        GTEST_SKIP() << "omegat is not installed";
+    const std::string dir = test::TempDir(), project = dir + "/project";
+    int status = -1;
+    test::RunCommand("mkdir -p " + project + "/source " + project + "/target " + project +
+                         "/tm/auto " + project + "/glossary " + project + "/dictionary " + project +
+                         "/omegat " + dir + "/home && cp '" +
+                         test::FixturePath("fwd_layout", "x64") + "' " + project + "/app.dll",
+                     &status);
+    ASSERT_EQ(status, 0);
+    test::RunCommand(kTervane + " extract --copy-source --target-lang de-DE -o " + project +
+                         "/source/app.xlf " + project + "/app.dll",
+                     &status);
+    ASSERT_EQ(status, 0);
+    Write(project + "/omegat.project",
+          "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
+          "<omegat><project version=\"1.0\">"
+          "<source_dir>__DEFAULT__</source_dir><target_dir>__DEFAULT__</target_dir>"
+          "<tm_dir>__DEFAULT__</tm_dir><glossary_dir>__DEFAULT__</glossary_dir>"
+          "<glossary_file>__DEFAULT__</glossary_file><dictionary_dir>__DEFAULT__</dictionary_dir>"
+          "<source_lang>en-US</source_lang><target_lang>de-DE</target_lang>"
+          "<source_tok>org.omegat.tokenizer.LuceneEnglishTokenizer</source_tok>"
+          "<target_tok>org.omegat.tokenizer.LuceneGermanTokenizer</target_tok>"
+          "<sentence_seg>false</sentence_seg>"
+          "<support_default_translations>true</support_default_translations>"
+          "<remove_tags>false</remove_tags></project></omegat>\n");
+    const std::vector<std::pair<std::string, std::string>> pairs = {
+        {"Open", "Öffnen"},
+        {"Settings", "Einstellungen"},
+        {"Close", "Schließen"},
+        {"Ready", "Bereit"},
+        {"Layout sample", "Layoutbeispiel"}};
+    std::string tmx = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<tmx version=\"1.4\">"
+                      "<header creationtool=\"tervane-test\" creationtoolversion=\"1\" "
+                      "segtype=\"paragraph\" o-tmf=\"none\" adminlang=\"en-US\" "
+                      "srclang=\"en-US\" datatype=\"plaintext\"/><body>\n";
+    for (const auto& [source, target] : pairs)
+        tmx += "<tu><tuv xml:lang=\"en-US\"><seg>" + source +
+               "</seg></tuv><tuv xml:lang=\"de-DE\"><seg>" + target + "</seg></tuv></tu>\n";
+    Write(project + "/tm/auto/de.tmx", tmx + "</body></tmx>\n");
+    std::string log = test::RunCommand(
+        "HOME=" + dir + "/home omegat " + project + " --mode=console-translate 2>&1", &status);
+    ASSERT_EQ(status, 0) << log;
+    std::string err = test::RunCommand(
+        kTervane + " merge " + project + "/target/app.xlf -o " + dir + "/app.de.dll 2>&1", &status);
+    ASSERT_EQ(status, 0) << err;
+    std::string written = test::RunCommand(kTervane + " extract " + dir + "/app.de.dll", &status);
+    for (const char* text :
+         {"<item id=\"1\">Öffnen</item>", "<caption>Einstellungen</caption>", ">Schließen</button>",
+          "<string id=\"1\">Bereit</string>", "<comments>Layoutbeispiel</comments>"})
+        EXPECT_NE(written.find(text), std::string::npos) << text << "\n" << written;
+    // Before OmegaT every target was its source, still to translate; after, none is.
+    std::string before =
+        test::RunCommand(kTervane + " stats --json " + project + "/source/app.xlf", &status);
+    std::string after =
+        test::RunCommand(kTervane + " stats --json " + project + "/target/app.xlf", &status);
+    const std::string total = "{\"kind\": \"total\", \"state\": \"translated\", \"units\": ";
+    EXPECT_NE(before.find(total + "0,"), std::string::npos) << before;
+    EXPECT_NE(after.find(total + "5,"), std::string::npos) << after;
+}
+
 // The writer's Error names a resource and a control; merge says where they
 // stand in the document. (The edit box's text of fwd_dialogs is one the
 // writer refuses.)

@@ -207,6 +207,39 @@ TEST(BilingualDocument, MergeTakesTargetsAndKeepsTheRest) {
     EXPECT_TRUE(merged.warnings.empty());
 }
 
+// A tool that flattened <ph> into text: the codes come back from the text,
+// the longest first where two start at one place.
+TEST(BilingualDocument, PlaceholdersFlattenedByAToolComeBack) {
+    const std::vector<std::pair<Content, EventList>> rows = {
+        {{{false, u"%s sichern?"}}, {Event::Inline(u"%s"), Event::Text(u" sichern?")}},
+        {{{false, u"Sichern?"}, {true, u"%s"}}, {Event::Text(u"Sichern?"), Event::Inline(u"%s")}},
+    };
+    for (const auto& [target, events] : rows) {
+        Document document = MakeDocument(Source());
+        Find(document, "str.97")->target = target;
+        Merged merged = ApplyDocument(Source(), document);
+        auto open = std::find(merged.events.begin(), merged.events.end(),
+                              Open(u"<string id=\"97\">", u"string"));
+        ASSERT_NE(open, merged.events.end());
+        EXPECT_EQ(EventList(open + 1, open + 1 + events.size()), events);
+    }
+    // "%1!d!" holds "%1": the longer code is the one meant.
+    Document document = MakeDocument(Source());
+    Unit* unit = Find(document, "str.97");
+    unit->source = {{true, u"%1"}, {true, u"%1!d!"}};
+    EventList source = Source();
+    auto at = std::find(source.begin(), source.end(), Event::Inline(u"%s"));
+    *(at - 1) = Event::Inline(u"%1");
+    *at = Event::Inline(u"%1!d!");
+    source.erase(at + 1);
+    unit->target = Content{{false, u"%1!d! und %1"}};
+    Merged merged = ApplyDocument(source, document);
+    at = std::find(merged.events.begin(), merged.events.end(), Event::Inline(u"%1!d!"));
+    ASSERT_NE(at, merged.events.end());
+    EXPECT_EQ(*(at + 1), Event::Text(u" und "));
+    EXPECT_EQ(*(at + 2), Event::Inline(u"%1"));
+}
+
 TEST(BilingualDocument, UntranslatedUnitsKeepTheirSourceWithAWarning) {
     Document document = MakeDocument(Source());
     Find(document, "mnu.1.i100")->target = Content{};
