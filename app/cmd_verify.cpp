@@ -60,9 +60,9 @@ int RunVerify(const VerifyOptions& options) {
                           .Text("message", std::u16string_view(finding.message))
                           .Finish());
         } else {
-            out.Write(options.document + ":" + std::to_string(line) + ":" +
-                      std::to_string(column) + ": " + SeverityWord(finding.severity) + " [" +
-                      std::to_string(finding.code) + "] " + OneLineText(finding.message) + "\n");
+            out.Write(options.document + ":" + std::to_string(line) + ":" + std::to_string(column) +
+                      ": " + SeverityWord(finding.severity) + " [" + std::to_string(finding.code) +
+                      "] " + OneLineText(finding.message) + "\n");
         }
     }
     if (!options.json)
@@ -76,9 +76,9 @@ int RunVerify(const VerifyOptions& options) {
 
 void AddVerifyCommand(CLI::App& app) {
     auto options = std::make_shared<VerifyOptions>();
-    CLI::App* command = AddCommand(app, "verify",
-                                   "Check a bilingual document's tags and texts before a merge",
-                                   [options] { return RunVerify(*options); });
+    CLI::App* command =
+        AddCommand(app, "verify", "Check a bilingual document's tags and texts before a merge",
+                   [options] { return RunVerify(*options); });
     command->footer(
         "Runs the editor's verification plug-in on the document: the order and nesting of\n"
         "the tags against the source file, the placeholders of each unit, empty and too\n"

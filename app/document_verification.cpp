@@ -8,6 +8,9 @@
 
 #include "app/bilingual_file.h"
 #include "app/failure.h"
+#include "app/forward_run.h"
+#include "app/xliff/bilingual.h"
+#include "app/xliff/xliff_io.h"
 #include "frame/component_ids.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_error.h"
@@ -47,14 +50,20 @@ Verification VerifyDocument(const std::string& documentPath, const std::string& 
     std::ifstream in(documentPath, std::ios::binary);
     std::stringstream bytes;
     bytes << in.rdbuf();
-
-    Verification result;
     const std::string named = !sourceOverride.empty()
                                   ? sourceOverride
                                   : SourceFromOriginal(document.original, documentPath);
     std::error_code error;
+    std::string source;
     if (fs::is_regular_file(named, error))
-        result.source = fs::absolute(named, error).string();
+        source = fs::absolute(named, error).string();
+    return VerifyBytes(bytes.str(), documentPath, source, named);
+}
+
+Verification VerifyBytes(const std::string& bytes, const std::string& documentPath,
+                         const std::string& source, const std::string& named) {
+    Verification result;
+    result.source = source;
     SetEditorSource(result.source);
     RegisterHostDocumentClass();
     RegisterTervaneVerifierClass();
@@ -67,15 +76,15 @@ Verification VerifyDocument(const std::string& documentPath, const std::string& 
     // The view names the document by its source file, as the editor does.
     ComObject<EditorView>* view = nullptr;
     ComObject<VerificationReport>* report = nullptr;
-    ComObject<EditorView>::Create(&view, bytes.str(),
-                                  Wide(!result.source.empty() ? result.source : named));
+    ComObject<EditorView>::Create(&view, bytes, Wide(named.empty() ? source : named));
     ComObject<VerificationReport>::Create(&report);
     ComPtr<EditorView> viewHolder = ComPtr<EditorView>::Attach(view);
     ComPtr<VerificationReport> reportHolder = ComPtr<VerificationReport>::Attach(report);
 
     hr = plugIn->Verify(static_cast<IEditorView*>(view), static_cast<IVerificationReport*>(report));
+    std::error_code removeError;
     for (const std::string& copy : view->Saved())
-        fs::remove(copy, error);
+        fs::remove(copy, removeError);
     if (FAILED(hr)) {
         _com_error failure(hr);
         ComPtr<IErrorInfo> info;
@@ -95,6 +104,32 @@ Verification VerifyDocument(const std::string& documentPath, const std::string& 
                                 std::pair(b.range.start.first, b.range.start.second);
                      });
     return result;
+}
+
+std::vector<Finding> TranslatorErrors(const Verification& verification) {
+    std::vector<Finding> errors;
+    for (const Finding& finding : verification.findings)
+        if (finding.severity >= 3)
+            errors.push_back(finding);
+    if (errors.empty() || verification.source.empty())
+        return errors;
+    xliff::Document untouched = xliff::MakeDocument(ExtractEvents(verification.source));
+    const Verification baseline = VerifyBytes(xliff::WriteXliff(untouched, TERVANE_VERSION),
+                                              "untouched", verification.source);
+    std::vector<std::pair<LONG, std::u16string>> inherent;
+    for (const Finding& finding : baseline.findings)
+        if (finding.severity >= 3)
+            inherent.emplace_back(finding.code, finding.message);
+    std::vector<Finding> made;
+    for (const Finding& finding : errors) {
+        auto same =
+            std::find(inherent.begin(), inherent.end(), std::pair(finding.code, finding.message));
+        if (same != inherent.end())
+            inherent.erase(same);
+        else
+            made.push_back(finding);
+    }
+    return made;
 }
 
 } // namespace tervane::app

@@ -10,7 +10,7 @@
 namespace tervane::app {
 
 struct Verification {
-    std::string source;           // the source file compared with; empty if it is gone
+    std::string source;            // the source file compared with; empty if it is gone
     std::vector<Finding> findings; // sorted by place
     bool HasErrors() const;
 };
@@ -18,6 +18,17 @@ struct Verification {
 // Throws CommandFailure for a document that cannot be read and for a run the
 // plug-in ended with an error.
 Verification VerifyDocument(const std::string& documentPath, const std::string& sourceOverride);
+
+// The same on a document's bytes, with its source file found already (empty
+// when it is gone); the view names the document by named, else by source.
+Verification VerifyBytes(const std::string& bytes, const std::string& name,
+                         const std::string& source, const std::string& named = {});
+
+// The errors that the translator made: those of the document that a document
+// made now from the source, with no translation, does not have as well. The
+// tables of the tags refuse some resources (edit and list controls, a value
+// block of a second language) whatever is translated; merge passes them.
+std::vector<Finding> TranslatorErrors(const Verification& verification);
 
 const char* SeverityWord(LONG severity);
 

@@ -96,7 +96,7 @@ private:
 
     std::string_view Line(int line) const {
         return line >= 1 && static_cast<std::size_t>(line) <= lines_.size() ? lines_[line - 1]
-                                                                           : std::string_view();
+                                                                            : std::string_view();
     }
 
     // The parts of one side on line.

@@ -70,13 +70,19 @@ protected:
     std::size_t index_;
 };
 
-#define TERVANE_PLACE_GETTERS                                                                     \
-    HRESULT get_StartFirst(LONG* value) override { return GetNumber(Self().range.start.first, value); } \
-    HRESULT get_StartSecond(LONG* value) override {                                              \
-        return GetNumber(Self().range.start.second, value);                                      \
-    }                                                                                            \
-    HRESULT get_EndFirst(LONG* value) override { return GetNumber(Self().range.end.first, value); } \
-    HRESULT get_EndSecond(LONG* value) override { return GetNumber(Self().range.end.second, value); }
+#define TERVANE_PLACE_GETTERS                                                                      \
+    HRESULT get_StartFirst(LONG* value) override {                                                 \
+        return GetNumber(Self().range.start.first, value);                                         \
+    }                                                                                              \
+    HRESULT get_StartSecond(LONG* value) override {                                                \
+        return GetNumber(Self().range.start.second, value);                                        \
+    }                                                                                              \
+    HRESULT get_EndFirst(LONG* value) override {                                                   \
+        return GetNumber(Self().range.end.first, value);                                           \
+    }                                                                                              \
+    HRESULT get_EndSecond(LONG* value) override {                                                  \
+        return GetNumber(Self().range.end.second, value);                                          \
+    }
 
 class TagDefinition : public Placed, public DispatchWithoutTypeInfo<ITagDefinition> {
 public:
@@ -195,15 +201,17 @@ public:
 
 HRESULT MakeElement(const Model& model, std::size_t index, IDispatch** out) {
     switch ((*model)[index].kind) {
-    case EditorElement::Kind::Tag: return Make<TagElement>(out, model, index);
-    case EditorElement::Kind::Text: return Make<TextElement>(out, model, index);
-    case EditorElement::Kind::Unit: return Make<UnitElement>(out, model, index);
+    case EditorElement::Kind::Tag:
+        return Make<TagElement>(out, model, index);
+    case EditorElement::Kind::Text:
+        return Make<TextElement>(out, model, index);
+    case EditorElement::Kind::Unit:
+        return Make<UnitElement>(out, model, index);
     }
     return E_UNEXPECTED;
 }
 
-class ElementEnumerator : public ComObjectRoot,
-                          public DispatchWithoutTypeInfo<IElementEnumerator> {
+class ElementEnumerator : public ComObjectRoot, public DispatchWithoutTypeInfo<IElementEnumerator> {
 public:
     explicit ElementEnumerator(Model model) : model_(std::move(model)) {}
     static InterfaceMap<ElementEnumerator> Interfaces() {
@@ -218,9 +226,8 @@ public:
         *element = nullptr;
         while (next_ < model_->size()) {
             const std::size_t at = next_++;
-            if (kind == kAnyElement ||
-                (kind == kTranslationUnitElement &&
-                 (*model_)[at].kind == EditorElement::Kind::Unit))
+            if (kind == kAnyElement || (kind == kTranslationUnitElement &&
+                                        (*model_)[at].kind == EditorElement::Kind::Unit))
                 return MakeElement(model_, at, element);
         }
         return S_OK;
@@ -283,8 +290,8 @@ public:
             xliff::EventList events;
             if (!EditorSource().empty())
                 events = ExtractEvents(EditorSource());
-            model_ = std::make_shared<const EditorElements>(
-                BuildEditorElements(document, events, xml));
+            model_ =
+                std::make_shared<const EditorElements>(BuildEditorElements(document, events, xml));
             return S_OK;
         } catch (...) {
             return E_FAIL;
@@ -305,8 +312,8 @@ void RegisterHostDocumentClass() {
     static const bool registered = [] {
         IClassFactory* factory = CachedClassFactory<HostDocument>();
         DWORD cookie = 0;
-        return factory != nullptr &&
-               SUCCEEDED(CoRegisterClassObject(CLSID_HostDocument, factory, CLSCTX_ALL, 0, &cookie));
+        return factory != nullptr && SUCCEEDED(CoRegisterClassObject(CLSID_HostDocument, factory,
+                                                                     CLSCTX_ALL, 0, &cookie));
     }();
     (void)registered;
 }
@@ -357,9 +364,9 @@ HRESULT VerificationReport::get_Count(LONG* count) {
     return GetNumber(static_cast<LONG>(findings_.size()), count);
 }
 
-HRESULT VerificationReport::Add(BSTR message, LONG, LONG severity, LONG code, LONG,
-                                LONG startFirst, LONG startSecond, LONG endFirst, LONG endSecond,
-                                LONG, LONG, LONG* scratch) {
+HRESULT VerificationReport::Add(BSTR message, LONG, LONG severity, LONG code, LONG, LONG startFirst,
+                                LONG startSecond, LONG endFirst, LONG endSecond, LONG, LONG,
+                                LONG* scratch) {
     if (scratch != nullptr)
         *scratch = 0;
     Finding finding;

@@ -7,8 +7,10 @@
 #include "platform/com/dispatch.h"
 #include "platform/com/variant.h"
 
-#define TERVANE_EDITOR_SLOT(n) \
-    virtual HRESULT Slot##n() { return E_NOTIMPL; }
+#define TERVANE_EDITOR_SLOT(n)                                                                     \
+    virtual HRESULT Slot##n() {                                                                    \
+        return E_NOTIMPL;                                                                          \
+    }
 
 namespace tervane {
 
@@ -63,9 +65,9 @@ struct IEditorView : IDispatch {
 // One finding of a report.
 struct IReportEntry : IDispatch {
     static constexpr IID iid = tervane::MakeGuid("{5B0E7C42-2F6A-4C1D-9E38-7A54C2D1B301}");
-    virtual HRESULT get_Severity(LONG* severity) = 0;                 // 1
-    virtual HRESULT get_StartPair(LONG* first, LONG* second) = 0;     // 2
-    virtual HRESULT get_Message(BSTR* text) = 0;                      // 3
+    virtual HRESULT get_Severity(LONG* severity) = 0;             // 1
+    virtual HRESULT get_StartPair(LONG* first, LONG* second) = 0; // 2
+    virtual HRESULT get_Message(BSTR* text) = 0;                  // 3
 };
 
 struct IVerificationReport : IDispatch {
@@ -81,10 +83,10 @@ struct IVerificationReport : IDispatch {
 };
 
 // Four position numbers: the start pair, then the end pair.
-#define TERVANE_EDITOR_RANGE                                                                     \
-    virtual HRESULT get_StartFirst(LONG* value) = 0;  /* 10 */                                  \
-    virtual HRESULT get_StartSecond(LONG* value) = 0; /* 11 */                                  \
-    virtual HRESULT get_EndFirst(LONG* value) = 0;    /* 12 */                                  \
+#define TERVANE_EDITOR_RANGE                                                                       \
+    virtual HRESULT get_StartFirst(LONG* value) = 0;  /* 10 */                                     \
+    virtual HRESULT get_StartSecond(LONG* value) = 0; /* 11 */                                     \
+    virtual HRESULT get_EndFirst(LONG* value) = 0;    /* 12 */                                     \
     virtual HRESULT get_EndSecond(LONG* value) = 0;   /* 13 */
 
 struct IElementEnumerator : IDispatch {

@@ -94,7 +94,9 @@ void RunStages(const Pieces& source, const Pieces& target, IVerificationReport* 
         const Tags S = StructuralTags(source);
         const Tags T = StructuralTags(target);
 
-        auto groupTag = [](const TagDescriptor& t) { return IsResourceOpen(t) || IsResourcesOpen(t); };
+        auto groupTag = [](const TagDescriptor& t) {
+            return IsResourceOpen(t) || IsResourcesOpen(t);
+        };
         const Tags groupsS = Keep(S, groupTag), groupsT = Keep(T, groupTag);
         if (result == 0)
             result = compare.CompareTagSets(groupsT, groupsS, FirstOf(groupsT), kError);
@@ -135,7 +137,9 @@ void RunStages(const Pieces& source, const Pieces& target, IVerificationReport* 
             resourceStage(entriesS, entriesT, mapS, mapT, flag == 1);
         }
 
-        auto stringTag = [](const TagDescriptor& t) { return IsStringOpen(t) || IsOpen(t, u"stringtable"); };
+        auto stringTag = [](const TagDescriptor& t) {
+            return IsStringOpen(t) || IsOpen(t, u"stringtable");
+        };
         const Tags stringsS = Keep(S, stringTag), stringsT = Keep(T, stringTag);
         if (result == 0) {
             result = compare.CompareTagSets(stringsT, stringsS, FirstOf(stringsT), kError);

@@ -134,14 +134,14 @@ int TagComparison::CompareTagSets(const Tags& first, const Tags& second, CLabelP
                 level = kWarning;
             }
             if (text == u"<item>" && menuAnchor) {
-                message = Compose(
-                    "An extra '<item>' segment has been inserted within the resource '%s'.",
-                    {TextOfTag(anchor)});
+                message =
+                    Compose("An extra '<item>' segment has been inserted within the resource '%s'.",
+                            {TextOfTag(anchor)});
                 range = anchorRange;
             } else if (text == u"<menu>" && menuAnchor) {
-                message = Compose(
-                    "An extra '<menu>' segment has been inserted within the resource '%s'.",
-                    {TextOfTag(anchor)});
+                message =
+                    Compose("An extra '<menu>' segment has been inserted within the resource '%s'.",
+                            {TextOfTag(anchor)});
                 range = anchorRange;
             } else if (text == u"<groupbox>" && dialogAnchor) {
                 message = Compose("An extra '<groupbox...>' segment has been inserted within the "

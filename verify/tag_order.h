@@ -45,8 +45,7 @@ public:
     int CompareTagSets(const Tags& first, const Tags& second, CLabelPiece* anchor, LONG severity);
     int CompareTagOrder(const Tags& expected, const Tags& actual, LONG severity);
     int CompareInlineTags(const Pieces& target, const Pieces& source);
-    int CompareSegmentTags(const Tags& inlineTarget, const Tags& inlineSource,
-                           CLabelPiece* anchor);
+    int CompareSegmentTags(const Tags& inlineTarget, const Tags& inlineSource, CLabelPiece* anchor);
 
     static void ExtractMenus(const Tags& list, Tags& entries, TagMap& map);
     static void ExtractDialogs(const Tags& list, int flag, Tags& entries, TagMap& map);

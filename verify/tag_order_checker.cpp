@@ -21,8 +21,8 @@ std::string OrderName(const CTagLabelPiece& tag) {
 
 bool Listed(const TagTable& table, const std::string& key, const std::string& name) {
     auto row = table.find(key);
-    return row != table.end() && std::find(row->second.begin(), row->second.end(), name) !=
-                                     row->second.end();
+    return row != table.end() &&
+           std::find(row->second.begin(), row->second.end(), name) != row->second.end();
 }
 
 const char* const kGroupOfKind[] = {"", "menus", "dialogs", "stringtable", "versioninfo"};
@@ -115,8 +115,9 @@ int CTagOrderChecker::CheckMembership(CTagLabelPiece& tag) {
 }
 
 int CTagOrderChecker::EnterResource(CTagLabelPiece& tag) {
-    const bool entry = currentKind == 0 && (IsOpen(tag.tag, u"item") || IsOpen(tag.tag, u"menu") ||
-                                            IsOpen(tag.tag, u"items") || IsOpen(tag.tag, u"dialog"));
+    const bool entry =
+        currentKind == 0 && (IsOpen(tag.tag, u"item") || IsOpen(tag.tag, u"menu") ||
+                             IsOpen(tag.tag, u"items") || IsOpen(tag.tag, u"dialog"));
     if (!entry && !IsResourceOpen(tag.tag))
         return 0;
     currentKind = ResourceKindOfOpen(tag.tag);

@@ -21,8 +21,7 @@ namespace {
 constexpr char16_t kFatal[] = u"Unexpected Fatal error when Verification.";
 
 // The result's string, freed; a failed call throws with the interface.
-template <typename Interface>
-std::u16string TakeString(Interface* object, HRESULT hr, BSTR text) {
+template <typename Interface> std::u16string TakeString(Interface* object, HRESULT hr, BSTR text) {
     std::u16string value = text != nullptr ? std::u16string(text, SysStringLen(text)) : u"";
     SysFreeString(text);
     if (FAILED(hr))
@@ -58,9 +57,9 @@ template <typename Interface> PieceRange RangeOf(Interface* element) {
 
 bool KnownExtension(const std::u16string& name) {
     const std::size_t dot = name.rfind(u'.');
-    const std::u16string_view extension =
-        dot == std::u16string::npos ? std::u16string_view(name)
-                                    : std::u16string_view(name).substr(dot);
+    const std::u16string_view extension = dot == std::u16string::npos
+                                              ? std::u16string_view(name)
+                                              : std::u16string_view(name).substr(dot);
     return extension == u".exe" || extension == u".dll" || extension == u".ocx" ||
            extension == u".lng";
 }
@@ -103,8 +102,7 @@ InterfaceMap<TervaneVerifier> TervaneVerifier::Interfaces() {
     static const InterfaceEntry<TervaneVerifier> map[] = {
         Entry<TervaneVerifier, ITervaneVerifier>(),
         Entry<TervaneVerifier, IDispatch, ITervaneVerifier>(),
-        Entry<TervaneVerifier, ISupportErrorInfo>(),
-        Entry<TervaneVerifier, IKestrinPlugIn>(),
+        Entry<TervaneVerifier, ISupportErrorInfo>(), Entry<TervaneVerifier, IKestrinPlugIn>(),
         Entry<TervaneVerifier, IVerificationPlugIn>()};
     return map;
 }
@@ -311,9 +309,8 @@ void RegisterTervaneVerifierClass() {
         RegisterComponentProgIds();
         IClassFactory* factory = CachedClassFactory<TervaneVerifier>();
         DWORD cookie = 0;
-        return factory != nullptr && SUCCEEDED(CoRegisterClassObject(CLSID_TervaneVerifier,
-                                                                     factory, CLSCTX_ALL, 0,
-                                                                     &cookie));
+        return factory != nullptr && SUCCEEDED(CoRegisterClassObject(CLSID_TervaneVerifier, factory,
+                                                                     CLSCTX_ALL, 0, &cookie));
     }();
     (void)registered;
 }

@@ -46,10 +46,10 @@ std::u16string_view Trimmed(std::u16string_view text) {
     return text;
 }
 
-const std::u16string kComboMessage =
-    u"All Text Item in the combo box control " + std::u16string(12, u'\t') +
-    u"have not been translated. " + std::u16string(12, u'\t') +
-    u"\n\n Please translate all the text item and then try again.";
+const std::u16string kComboMessage = u"All Text Item in the combo box control " +
+                                     std::u16string(12, u'\t') + u"have not been translated. " +
+                                     std::u16string(12, u'\t') +
+                                     u"\n\n Please translate all the text item and then try again.";
 
 } // namespace
 
@@ -109,11 +109,20 @@ int TextChecks::CheckResources(const Pieces& target, const Pieces& /*source*/) {
             return;
         int result = 0;
         switch (kind) {
-        case 1: result = CheckMenus(gathered); break;
-        case 2: result = CheckDialogs(gathered); break;
-        case 3: result = CheckStrings(gathered); break;
-        case 4: result = CheckVersionInfo(gathered); break;
-        default: break;
+        case 1:
+            result = CheckMenus(gathered);
+            break;
+        case 2:
+            result = CheckDialogs(gathered);
+            break;
+        case 3:
+            result = CheckStrings(gathered);
+            break;
+        case 4:
+            result = CheckVersionInfo(gathered);
+            break;
+        default:
+            break;
         }
         found |= result;
     };
@@ -138,17 +147,14 @@ int TextChecks::CheckResources(const Pieces& target, const Pieces& /*source*/) {
 }
 
 int TextChecks::CheckVersionInfo(const Pieces& pieces) {
-    return TextScan(pieces, {AnyStart, AnyEnd, [](const CTagLabelPiece&) -> std::size_t {
-                                 return 300;
-                             },
-                             kError});
+    return TextScan(pieces, {AnyStart, AnyEnd,
+                             [](const CTagLabelPiece&) -> std::size_t { return 300; }, kError});
 }
 
 int TextChecks::CheckStrings(const Pieces& pieces) {
-    int found = TextScan(pieces, {AnyStart, AnyEnd, [](const CTagLabelPiece&) -> std::size_t {
-                                      return 4096;
-                                  },
-                                  kError});
+    int found =
+        TextScan(pieces, {AnyStart, AnyEnd,
+                          [](const CTagLabelPiece&) -> std::size_t { return 4096; }, kError});
     Pieces starts;
     for (CLabelPiece* piece : pieces)
         if (const CTagLabelPiece* tag = piece->AsTag(); tag != nullptr && IsStartTag(*tag))
@@ -222,8 +228,7 @@ int TextChecks::CheckMenus(const Pieces& pieces) {
         found |= CheckDuplicateIds(whole);
     }
     found |= TextScan(pieces, {ItemOpen, ItemClose,
-                               [](const CTagLabelPiece&) -> std::size_t { return 256; },
-                               kWarning});
+                               [](const CTagLabelPiece&) -> std::size_t { return 256; }, kWarning});
     return found;
 }
 
