@@ -78,8 +78,9 @@ void WriteEventLines(const xliff::EventList& events, OutputFile& output) {
 
 std::string LocateMessage(const xliff::Document& document, const std::string& documentPath,
                           const std::string& message) {
-    // "(dialog resource  id = 102\ncontrol 'edit' id = '60')", "(menu resource id = 1\n..."
-    static const std::regex kResource(R"((dialog|menu) resource\s+id = ([^\n)]*))");
+    // "(dialog resource  id = 102\ncontrol 'edit' id = '60')", "(dialog id = 100,control
+    // name = 'button' & id = 50)", "(menu resource id = 1\n..."
+    static const std::regex kResource(R"((dialog|menu)(?: resource)?\s+id = ([^\n),]*))");
     static const std::regex kPart(R"(id = '([^']*)')");
     std::smatch resource;
     if (!std::regex_search(message, resource, kResource))

@@ -4,6 +4,7 @@
 // source with the bilingual document's translations) into the writer over
 // several raw_Write calls, as a framework drives it, and reports the run's
 // messages.
+#include <cerrno>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -14,6 +15,7 @@
 #include "app/bilingual_merge.h"
 #include "app/commands.h"
 #include "app/failure.h"
+#include "app/input_file.h"
 #include "app/items.h"
 #include "app/json_lines.h"
 #include "app/language_tags.h"
@@ -91,25 +93,7 @@ std::string LogHint() {
     return logPath.empty() ? "" : "The system's messages are in " + logPath;
 }
 
-struct FileStamp {
-    bool exists = false;
-    ino_t inode = 0;
-    struct timespec modified = {};
-    bool operator==(const FileStamp& other) const {
-        return exists == other.exists && inode == other.inode &&
-               modified.tv_sec == other.modified.tv_sec &&
-               modified.tv_nsec == other.modified.tv_nsec;
-    }
-};
-
-FileStamp Stamp(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0)
-        return {};
-    return {true, info.st_ino, info.st_mtim};
-}
-
-// The name the writer gives the target: the source's extension is appended
+// The name the writer gives its target: the source's extension is appended
 // unless the target ends in it.
 std::string FinalTarget(const std::string& target, const std::string& source) {
     const std::size_t slash = source.rfind('/');
@@ -137,16 +121,30 @@ std::vector<ReplayEvent> ReplayEvents(const xliff::EventList& events) {
 using Locator = std::function<std::string(const std::string& message)>;
 
 int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const std::string& source,
-           LANGID target, const Locator& locate = {});
+           LANGID target, OutputFile& out, const Locator& locate = {});
+
+void AttachTrace(const MergeOptions& options, const std::vector<std::string>& inputs) {
+    if (options.trace.empty())
+        return;
+    CheckOutputPath(options.trace, inputs);
+    if (!AttachTraceFile(options.trace))
+        throw CommandFailure(options.trace, "cannot write the trace file");
+}
 
 // The source's events with the document's translations, into the writer; the
 // target language is the document's unless --lang names one.
 int MergeDocument(const MergeOptions& options) {
+    CheckInputFile(options.document, kMaxDataFileBytes);
+    if (!options.source.empty())
+        CheckInputFile(options.source, kMaxPeFileBytes);
+    OutputFile out(options.out, {options.document, options.source});
+    AttachTrace(options, {options.document, options.source, options.out});
     if (options.dryRun) {
-        OutputFile output(options.out, {options.document, options.source});
-        WriteEventLines(PrepareDocumentMerge(options.document, options.source).events, output);
+        WriteEventLines(PrepareDocumentMerge(options.document, options.source).events, out);
         return 0;
     }
+    if (out.IsStandardOutput())
+        throw CommandFailure(options.out, "a translated executable is no text: name a file");
     DocumentMerge merge = PrepareDocumentMerge(options.document, options.source);
     std::string language =
         !options.language.empty() ? options.language : merge.document.targetLanguage;
@@ -156,17 +154,13 @@ int MergeDocument(const MergeOptions& options) {
     std::optional<LANGID> target = ParseLanguage(language);
     if (!target)
         throw CommandFailure(options.document, "'" + language + "' is no language");
-    if (options.out.empty())
-        throw CommandFailure(options.document, "the translated file needs a name: give -o OUT");
     const std::string& path = options.document;
     return Replay(
-        ReplayEvents(merge.events), options, merge.source, *target,
+        ReplayEvents(merge.events), options, merge.source, *target, out,
         [&](const std::string& message) { return LocateMessage(merge.document, path, message); });
 }
 
 int RunMerge(const MergeOptions& options) {
-    if (!options.trace.empty() && !AttachTraceFile(options.trace))
-        throw CommandFailure(options.trace, "cannot write the trace file");
     if (options.document.empty() == options.events.empty())
         throw CommandFailure({}, "give either a bilingual document or --events, not both");
     if (!options.document.empty())
@@ -178,6 +172,14 @@ int RunMerge(const MergeOptions& options) {
             throw CommandFailure({}, std::string("merge --events needs ") + name);
     if (options.dryRun)
         throw CommandFailure({}, "--dry-run goes with a bilingual document");
+    const std::string& source = options.source;
+    const std::optional<LANGID> target = ParseLanguage(options.language);
+    CheckInputFile(options.events, kMaxDataFileBytes);
+    CheckInputFile(source, kMaxPeFileBytes);
+    OutputFile out(options.out, {options.events, source});
+    if (out.IsStandardOutput())
+        throw CommandFailure(options.out, "a translated executable is no text: name a file");
+    AttachTrace(options, {options.events, source, options.out});
     auto content = files::ReadFileBytes(options.events);
     if (!content)
         throw CommandFailure(options.events, SystemText(content.error().code, options.events));
@@ -187,16 +189,15 @@ int RunMerge(const MergeOptions& options) {
         readError);
     if (!readError.empty())
         throw CommandFailure(options.events, readError);
-    return Replay(std::move(events), options, options.source, *ParseLanguage(options.language));
+    return Replay(std::move(events), options, source, *target, out);
 }
 
 int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const std::string& source,
-           LANGID target, const Locator& locate) {
+           LANGID target, OutputFile& out, const Locator& locate) {
     auto located = [&](const std::string& message) {
         std::string where = locate ? locate(message) : std::string();
         return where.empty() ? message : OneLine(message) + " [" + where + "]";
     };
-    const std::string& out = options.out;
     RegisterItemClasses();
     RegisterTervaneWriterClass();
     ComPtr<ComObject<ReplayHost>> host;
@@ -204,10 +205,12 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
     ComPtr<IFileWriter> writer;
     HRESULT hr = CoCreateInstance(CLSID_TervaneWriter, nullptr, CLSCTX_ALL, IFileWriter::iid,
                                   writer.ReceiveVoid());
-    const std::string finalTarget = FinalTarget(out, source);
-    const FileStamp before = Stamp(finalTarget);
+    // The writer moves its work file onto the output's temporary file, which
+    // takes the target's place only when everything went well.
+    const std::string& work = out.WorkPath();
+    const std::string written = FinalTarget(work, source);
     if (SUCCEEDED(hr)) {
-        Bstr path(Widen(out, CP_UTF8));
+        Bstr path(Widen(work, CP_UTF8));
         ComPtr<IEvents> sink;
         hr = writer->Initialize(path.get(), nullptr, target, 0, 0, host.get(), sink.Receive());
         if (SUCCEEDED(hr))
@@ -238,12 +241,17 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
         std::fflush(stdout);
         throw CommandFailure(source, located(failure), LogHint());
     }
-    const FileStamp after = Stamp(finalTarget);
-    if (!after.exists || after == before)
+    struct stat info {};
+    if (::stat(written.c_str(), &info) != 0)
         throw CommandFailure(source,
                              "nothing was written: the source lists no resource, or a file call "
                              "failed",
                              LogHint());
+    if (written != work && std::rename(written.c_str(), work.c_str()) != 0) {
+        std::remove(written.c_str());
+        throw CommandFailure(options.out, SystemText(files::Win32ErrorFromErrno(errno), work));
+    }
+    out.Commit();
     return 0;
 }
 
@@ -268,7 +276,7 @@ void AddMergeCommand(CLI::App& app) {
         "Replays EVENTS (as 'extract --events' writes them, texts edited or not) into the\n"
         "backward converter, which checks their tags against SRC, puts their texts into a\n"
         "copy of SRC with every localisable resource under the language L, and moves that\n"
-        "copy onto OUT at the very end. OUT takes the extension of SRC unless it ends in it.\n\n"
+        "copy onto OUT at the very end.\n\n"
         "Alerts and Warnings go to standard error, one a line, behind the file's name; the\n"
         "file is written all the same. An Error names the resource, leaves OUT as it was and\n"
         "gives the exit status 1; a wrong command line gives 2.");

@@ -18,45 +18,55 @@ public:
         JsonLine line;
         Blank();
         if (!Take('{'))
-            return Fail(line, "an object must start with '{'");
+            return Fail(std::move(line), "an object must start with '{'");
         Blank();
         if (Take('}'))
-            return Finish(line);
+            return Finish(std::move(line));
         for (;;) {
             Blank();
             std::u16string key;
             if (!String(key))
-                return Fail(line, error_.empty() ? "a key must be a string" : error_);
+                return Fail(std::move(line), error_.empty() ? "a key must be a string" : error_);
             Blank();
             if (!Take(':'))
-                return Fail(line, "':' must follow a key");
+                return Fail(std::move(line), "':' must follow a key");
             Blank();
             JsonValue value;
             if (!Value(value))
-                return Fail(line, error_.empty() ? "a value must be a string, a number or a "
+                return Fail(std::move(line), error_.empty()
+                                                 ? "a value must be a string, a number or a "
                                                    "boolean"
                                                  : error_);
             std::string narrowKey;
             locale::AppendUtf8(narrowKey, key);
-            line.object[narrowKey] = std::move(value);
+            // A repeated key takes the later value, as in most readers.
+            JsonValue* slot = nullptr;
+            for (auto& member : line.object)
+                if (member.first == narrowKey)
+                    slot = &member.second;
+            if (slot != nullptr)
+                *slot = std::move(value);
+            else
+                line.object.emplace_back(std::move(narrowKey), std::move(value));
             Blank();
             if (Take(','))
                 continue;
             if (Take('}'))
-                return Finish(line);
-            return Fail(line, "',' or '}' must follow a value");
+                return Finish(std::move(line));
+            return Fail(std::move(line), "',' or '}' must follow a value");
         }
     }
 
 private:
-    JsonLine& Fail(JsonLine& line, std::string why) {
+    // The line is moved, never copied: its object holds every member.
+    JsonLine Fail(JsonLine line, std::string why) {
         line.error = std::move(why) + " (at byte " + std::to_string(pos_ + 1) + ")";
         return line;
     }
-    JsonLine& Finish(JsonLine& line) {
+    JsonLine Finish(JsonLine line) {
         Blank();
         if (pos_ != text_.size())
-            return Fail(line, "nothing may follow the object");
+            return Fail(std::move(line), "nothing may follow the object");
         return line;
     }
     void Blank() {
@@ -198,23 +208,32 @@ JsonLine ParseJsonLine(std::string_view line) {
     return Reader(line).Object();
 }
 
+namespace {
+
+const JsonValue* Member(const JsonObject& object, std::string_view key) {
+    for (const auto& member : object)
+        if (member.first == key)
+            return &member.second;
+    return nullptr;
+}
+
+} // namespace
+
 const std::u16string* JsonText(const JsonObject& object, const std::string& key) {
-    auto found = object.find(key);
-    if (found == object.end())
-        return nullptr;
-    return std::get_if<std::u16string>(&found->second);
+    const JsonValue* value = Member(object, key);
+    return value == nullptr ? nullptr : std::get_if<std::u16string>(value);
 }
 
 std::optional<long> JsonNumber(const JsonObject& object, const std::string& key) {
-    auto found = object.find(key);
-    if (found == object.end())
+    const JsonValue* value = Member(object, key);
+    if (value == nullptr)
         return std::nullopt;
-    if (const double* number = std::get_if<double>(&found->second)) {
+    if (const double* number = std::get_if<double>(value)) {
         if (*number != std::floor(*number) || std::fabs(*number) > 2147483647.0)
             return std::nullopt;
         return static_cast<long>(*number);
     }
-    if (const bool* flag = std::get_if<bool>(&found->second))
+    if (const bool* flag = std::get_if<bool>(value))
         return *flag ? 1 : 0;
     return std::nullopt;
 }

@@ -73,25 +73,23 @@ int CUpdateVisitor::VisitMenu(CMenuResource* resource) {
     if (resource->items.empty())
         return 0;
     const MenuItemRecord& root = resource->items.front();
-    long number = 0;
     if (extended) {
         Trace("\nReady to construct menu buffer............\n");
         buffer.WriteWord(resource->extendedVersion);
         buffer.WriteWord(resource->extendedOffset);
         buffer.WriteDword(resource->extendedHelpId);
-        number = GetUnitNumber(root.pieces);
+        GetUnitNumber(root.pieces);
         WriteExtendedItems(buffer, resource->items, true);
     } else {
         buffer.WriteWord(resource->plainVersion);
         buffer.WriteWord(resource->plainHeaderSize);
-        number = GetUnitNumber(root.pieces);
-        Trace("Constructing menu buffer id = " + std::to_string(number) + "............\n");
+        const std::string id = std::to_string(GetUnitNumber(root.pieces));
+        Trace("Constructing menu buffer id = " + id + "............\n");
         WritePlainItems(buffer, resource->items, true);
+        Trace("Constructed menu buffer id = " + id + ".\n");
+        Trace("Deleting source menu id = " + id + "..........\n");
+        Trace("Updating translated menu id = " + id + "..........\n");
     }
-    const std::string id = std::to_string(number);
-    Trace("Constructed menu buffer id = " + id + ".\n");
-    Trace("Deleting source menu id = " + id + "..........\n");
-    Trace("Updating translated menu id = " + id + "..........\n");
     UpdateResourceData(kMenuType, resource->identifierText, buffer.data(), buffer.used(),
                        resource->targetLanguage);
     return 0;

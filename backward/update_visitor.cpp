@@ -9,6 +9,7 @@
 #include "label/pieces/tag_predicates.h"
 #include "model/string_block.h"
 #include "model/text_checks.h"
+#include "model/text_util.h"
 #include "platform/locale/code_pages.h"
 
 namespace tervane {
@@ -19,12 +20,6 @@ constexpr long kStringsPerBlock = 16;
 
 bool Contains(std::u16string_view text, std::u16string_view word) {
     return text.find(word) != std::u16string_view::npos;
-}
-
-void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
-    for (std::size_t at = text.find(from); at != std::u16string::npos;
-         at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
 }
 
 } // namespace
@@ -65,7 +60,10 @@ std::u16string CUpdateVisitor::GetTranslatedText(const CLabelPieceList& pieces, 
         const TagDescriptor* tag = TagOf(*piece);
         if (tag == nullptr)
             continue;
-        isSeparator = Contains(tag->tagText, u"separator") ? 1 : 0;
+        // A separator that closes its pop-up is followed by </menu>, which
+        // leaves it a separator.
+        if (tag->tagText != u"</menu>")
+            isSeparator = Contains(tag->tagText, u"separator") ? 1 : 0;
         if (tag->startTag && !tag->endTag) {
             if (first) {
                 controlName = Narrow(GetTagWord(*tag));
@@ -83,18 +81,11 @@ std::u16string CUpdateVisitor::GetTranslatedText(const CLabelPieceList& pieces, 
         }
         std::u16string t = tag->tagText.empty() ? tag->name.str() : tag->tagText.str();
         if (inShortcut) {
-            ReplaceAll(t, u"\r", u"\\r");
-            ReplaceAll(t, u"\n", u"\\n");
-            ReplaceAll(t, u"\b", u"\\b");
-            ReplaceAll(t, u"\f", u"\\f");
+            EscapeControls(t);
             ReplaceAll(t, u"&", u"&&");
         }
-        if (escape) {
-            ReplaceAll(t, u"\\r", u"\r");
-            ReplaceAll(t, u"\\n", u"\n");
-            ReplaceAll(t, u"\\b", u"\b");
-            ReplaceAll(t, u"\\f", u"\f");
-        }
+        if (escape)
+            UnescapeControls(t);
         result += t;
     }
     return result;

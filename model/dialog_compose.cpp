@@ -5,6 +5,7 @@
 #include "label/pieces/tag_predicates.h"
 #include "model/dialog_item.h"
 #include "model/dlginit_table.h"
+#include "model/text_util.h"
 #include "platform/locale/code_pages.h"
 #include "platform/locale/locale_info.h"
 
@@ -14,12 +15,6 @@ namespace {
 
 bool Contains(std::u16string_view text, std::u16string_view word) {
     return text.find(word) != std::u16string_view::npos;
-}
-
-void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
-    for (std::size_t at = text.find(from); at != std::u16string::npos;
-         at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
 }
 
 // The number behind id=" in a tag, 0 without one.
@@ -58,6 +53,9 @@ void CDialogItem::ComposeTexts() {
     std::u16string text;
     bool stale = true;
     bool open = false;
+    // The element's text was offered for translation; an edit's or a list's
+    // title stands outside a segment and never comes back from the host.
+    bool offered = false;
     bool afterDialog = false;
     bool isCaption = false;
     bool isList = false;
@@ -76,12 +74,9 @@ void CDialogItem::ComposeTexts() {
             if (hotkey && !isList && !isCaption && !t.empty())
                 AddHotkey(hotkeys, t[0] == u' ' ? u'&' : t[0],
                           ControlDescription(controlName, controlId));
-            if (isList) {
-                ReplaceAll(t, u"\r", u"\\r");
-                ReplaceAll(t, u"\n", u"\\n");
-                ReplaceAll(t, u"\b", u"\\b");
-                ReplaceAll(t, u"\f", u"\\f");
-            } else if (!noPrefix && !isCaption) {
+            if (isList)
+                EscapeControls(t);
+            else if (!noPrefix && !isCaption) {
                 ReplaceAll(t, u"&", u"&&");
             }
             text += t;
@@ -95,12 +90,8 @@ void CDialogItem::ComposeTexts() {
         const std::u16string_view tagText = tag->tagText;
         if (tag->inlineTag) {
             std::u16string t = tag->tagText.str();
-            if (!isList) {
-                ReplaceAll(t, u"\\r", u"\r");
-                ReplaceAll(t, u"\\n", u"\n");
-                ReplaceAll(t, u"\\b", u"\b");
-                ReplaceAll(t, u"\\f", u"\f");
-            }
+            if (!isList)
+                UnescapeControls(t);
             text += t;
             if (Contains(t, u"&"))
                 hotkey = true;
@@ -120,6 +111,7 @@ void CDialogItem::ComposeTexts() {
                 controlId = GetIdAttribute(*tag);
             }
             open = true;
+            offered = IsSegmentOpen(*tag);
             if (Contains(tagText, u"combobox") || Contains(tagText, u"listbox")) {
                 listControl = ListControlId(tagText);
                 isList = true;
@@ -131,7 +123,7 @@ void CDialogItem::ComposeTexts() {
                 isCaption = false;
             if (open) {
                 const std::size_t limit = isList ? kListItemTextLimit : kDialogTextLimit;
-                if (text.empty() || text.size() > limit)
+                if ((text.empty() && offered) || text.size() > limit)
                     VerifyTextLength(text, limit, kind, resourceId, controlName, controlId);
                 // A text of inline tags alone is no translation.
                 if (stale)

@@ -2,6 +2,7 @@
 
 #include "frame/conversion_state.h"
 #include "label/pieces/tag_predicates.h"
+#include "model/text_util.h"
 
 namespace tervane {
 
@@ -17,15 +18,6 @@ bool IsOpening(const TagDescriptor& tag, std::u16string_view word) {
 
 bool IsClosing(const TagDescriptor& tag, std::u16string_view word) {
     return tag.endTag && !tag.startTag && Contains(tag.tagText, word);
-}
-
-std::u16string Replaced(std::u16string_view text, std::u16string_view from,
-                        std::u16string_view to) {
-    std::u16string out(text);
-    for (std::size_t at = out.find(from); at != std::u16string::npos;
-         at = out.find(from, at + to.size()))
-        out.replace(at, from.size(), to);
-    return out;
 }
 
 std::string ItemDescription(const std::string& itemId) {
@@ -59,7 +51,9 @@ void NormaliseMenuPieces(CLabelPieceList& pieces) {
         if (const CTextLabelPiece* text = TextOf(*piece)) {
             if (text->text.find(u'&') == std::u16string::npos)
                 continue;
-            auto replaced = MakeText(Replaced(text->text, u"&", u"&&"));
+            std::u16string doubled = text->text.str();
+            ReplaceAll(doubled, u"&", u"&&");
+            auto replaced = MakeText(doubled);
             replaced->inSegment = text->inSegment;
             replaced->range = text->range;
             piece = std::move(replaced);
@@ -69,10 +63,8 @@ void NormaliseMenuPieces(CLabelPieceList& pieces) {
         if (tag == nullptr || !tag->tag.inlineTag ||
             tag->tag.tagText.find(u'\\') == std::u16string::npos)
             continue;
-        std::u16string t = Replaced(tag->tag.tagText, u"\\r", u"\r");
-        t = Replaced(t, u"\\n", u"\n");
-        t = Replaced(t, u"\\b", u"\b");
-        t = Replaced(t, u"\\f", u"\f");
+        std::u16string t = tag->tag.tagText.str();
+        UnescapeControls(t);
         TagDescriptor changed = tag->tag;
         changed.tagText = WideText(t);
         auto replaced = std::make_unique<CTagLabelPiece>(std::move(changed));

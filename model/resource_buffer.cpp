@@ -88,6 +88,11 @@ void CResourceBuffer::Align() {
         WriteWord(0);
 }
 
+void CResourceBuffer::PatchWord(std::size_t at, WORD value) {
+    bytes_.at(at + 1) = static_cast<std::uint8_t>(value >> 8);
+    bytes_[at] = static_cast<std::uint8_t>(value & 0xFF);
+}
+
 WORD CResourceBuffer::Narrowed(std::size_t value, const char* what) const {
     if (value > 0xFFFF)
         throw TervaneFilterException(KeepText(("The rebuilt resource does not fit its format: " +

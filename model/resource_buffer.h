@@ -39,6 +39,8 @@ public:
     void WriteNarrowText(std::string_view text);
     // One zero word if used is 2 modulo 4.
     void Align();
+    // Writes value over the word at byte at, which must have been written.
+    void PatchWord(std::size_t at, WORD value);
 
     // The value as a word, or the error naming the resource and what outgrew it.
     WORD Narrowed(std::size_t value, const char* what) const;

@@ -46,4 +46,24 @@ std::u16string TrimRight(std::u16string_view text) {
     return std::u16string(TrimRightView(text));
 }
 
+void ReplaceAll(std::u16string& text, std::u16string_view from, std::u16string_view to) {
+    for (std::size_t at = text.find(from); at != std::u16string::npos;
+         at = text.find(from, at + to.size()))
+        text.replace(at, from.size(), to);
+}
+
+void UnescapeControls(std::u16string& text) {
+    ReplaceAll(text, u"\\r", u"\r");
+    ReplaceAll(text, u"\\n", u"\n");
+    ReplaceAll(text, u"\\b", u"\b");
+    ReplaceAll(text, u"\\f", u"\f");
+}
+
+void EscapeControls(std::u16string& text) {
+    ReplaceAll(text, u"\r", u"\\r");
+    ReplaceAll(text, u"\n", u"\\n");
+    ReplaceAll(text, u"\b", u"\\b");
+    ReplaceAll(text, u"\f", u"\\f");
+}
+
 } // namespace tervane

@@ -103,6 +103,12 @@ void CVersionBlock::Rebuild() {
         for (const VersionVarEntry& entry : vars)
             WriteVar(buffer, entry);
     }
+    // The last string of a block gets its padding when VarFileInfo moves
+    // behind it; the root then holds those bytes too.
+    if (buffer.used() != root.length) {
+        root.length = buffer.Narrowed(buffer.used(), "the version block's length");
+        buffer.PatchWord(0, root.length);
+    }
 }
 
 } // namespace tervane

@@ -105,6 +105,10 @@ struct DamageRow {
     std::string message;  // what standard error holds
 };
 
+void PrintTo(const DamageRow& row, std::ostream* out) {
+    *out << row.what;
+}
+
 class Damage : public ::testing::TestWithParam<DamageRow> {};
 
 // Each Error ends the run before the target is touched.
@@ -181,6 +185,10 @@ struct AlertRow {
     std::string from, to;
     std::string message; // the line on standard error, behind the file
 };
+
+void PrintTo(const AlertRow& row, std::ostream* out) {
+    *out << row.what;
+}
 
 class Alerts : public ::testing::TestWithParam<AlertRow> {};
 

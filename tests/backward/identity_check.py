@@ -50,15 +50,6 @@ def events(tervane, path):
             if '"Progress"' not in l]
 
 
-def written_name(target, source):
-    """The writer appends the source's extension unless the target ends in four
-    characters that are it."""
-    extension = os.path.splitext(source)[1]
-    if len(target) >= 4 and target.find(extension) == len(target) - 4:
-        return target
-    return target + extension
-
-
 def localisable(key, dialogs):
     return key[0] in LOCALISABLE or (key[0] == 240 and key[1] in dialogs)
 
@@ -74,7 +65,6 @@ def check(tervane, lang, path, work):
                   '--lang', str(lang), '-o', out])
     if merged.returncode != 0:
         return 'merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()
-    out = written_name(out, path)
     try:
         before, after = resources(path), resources(out)
     except pefile.PEFormatError as error:
@@ -113,7 +103,7 @@ def check(tervane, lang, path, work):
                   '--lang', str(lang), '-o', again])
     if merged.returncode != 0:
         return 'second merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()
-    if events(tervane, written_name(again, out)) != out_events:
+    if events(tervane, again) != out_events:
         return 'the output does not come back through a second merge'
     return None
 

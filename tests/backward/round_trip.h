@@ -2,6 +2,7 @@
 // The backward road for one resource at a time: a fixture read as the writer
 // reads its source, a stream of pieces merged into a model, and the rebuilt
 // bytes caught where they would go into the work file.
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -9,9 +10,13 @@
 
 #include "backward/update_visitor.h"
 #include "frame/conversion_state.h"
+#include "frame/diagnostics/exceptions.h"
 #include "frame/resource_parser_impl.h"
 #include "label/pieces/label_piece.h"
+#include "model/dialog_resource.h"
 #include "model/menu_resource.h"
+#include "model/string_block.h"
+#include "model/version_info_resource.h"
 #include "platform/locale/code_pages.h"
 #include "platform/win32/resources.h"
 #include "tests/model/test_images.h"
@@ -70,6 +75,14 @@ private:
     CResourceParserImpl engine_;
 };
 
+// The bytes with zeros up to a multiple of 4: a rebuilt template aligns its
+// last item, where the resource compiler leaves it unpadded.
+inline std::vector<std::uint8_t> Padded(std::vector<std::uint8_t> bytes) {
+    while (bytes.size() % 4 != 0)
+        bytes.push_back(0);
+    return bytes;
+}
+
 // Pieces spelt as [text], {inline tag}, <open>, </close> and <empty/>.
 inline CLabelPieceList Pieces(const std::u16string& spelt) {
     CLabelPieceList pieces;
@@ -101,11 +114,43 @@ inline CLabelPieceList Pieces(const std::u16string& spelt) {
     return pieces;
 }
 
-// The stream of a group with the given content, as the writer receives it.
-inline CLabelPieceList GroupStream(const CResource& resource, CLabelPieceList content) {
+// The resource's pieces in document order: string and version entries,
+// menu records depth first, a dialog's flat list.
+inline void AppendRecords(const std::vector<MenuItemRecord>& records, std::u16string& out) {
+    for (const MenuItemRecord& record : records) {
+        out += Widen(Spell(record.pieces), CP_UTF8);
+        AppendRecords(record.children, out);
+    }
+}
+inline std::u16string SpeltPieces(const CResource& resource) {
+    std::u16string out;
+    auto append = [&out](const CLabelPieceList& pieces) { out += Widen(Spell(pieces), CP_UTF8); };
+    if (auto* block = dynamic_cast<const CStringBlockResource*>(&resource))
+        std::for_each(block->entries.begin(), block->entries.end(), append);
+    else if (auto* version = dynamic_cast<const CVersionInfoResource*>(&resource))
+        std::for_each(version->entries.begin(), version->entries.end(), append);
+    else if (auto* dialog = dynamic_cast<const CDialogResource*>(&resource))
+        append(dialog->dialogs.front()->pieces);
+    else if (auto* menu = dynamic_cast<const CMenuResource*>(&resource))
+        AppendRecords(menu->items, out);
+    return out;
+}
+
+// The stream of the resource's group as the writer receives it: its own
+// pieces, with each change's text replaced by its translation.
+inline CLabelPieceList Stream(const CResource& resource,
+                              const std::vector<std::pair<std::string, std::u16string>>& changes) {
+    std::u16string spelt = SpeltPieces(resource);
+    for (const auto& [from, to] : changes) {
+        const std::u16string wide = Widen(from, CP_UTF8);
+        const std::size_t at = spelt.find(wide);
+        EXPECT_NE(at, std::u16string::npos) << "nothing to change: " << from;
+        if (at != std::u16string::npos)
+            spelt.replace(at, wide.size(), to);
+    }
     CLabelPieceList stream;
     stream.push_back(resource.GetOpenTag());
-    for (auto& piece : content)
+    for (auto& piece : Pieces(spelt))
         stream.push_back(std::move(piece));
     stream.push_back(resource.GetCloseTag());
     return stream;
@@ -132,6 +177,18 @@ inline std::vector<Written> Rebuild(CResource& resource, WORD language = 0x407) 
     resource.Accept(visitor);
     return visitor.written;
 }
+
+// The text of the verification error that the rebuilding raises, or empty.
+inline std::string RebuildError(CResource& resource, WORD language = 0x407) {
+    try {
+        Rebuild(resource, language);
+    } catch (const CVerificationException& e) {
+        return e.message;
+    }
+    return {};
+}
+
+inline const std::string kTrailer = kVerificationTrailer;
 
 // Sets the mode of the conversion and empties its messages for one test.
 struct ConversionMode {

@@ -88,6 +88,10 @@ std::string Replace(std::string text, const std::string& from, const std::string
     return text;
 }
 
+void PrintTo(const Row& row, std::ostream* out) {
+    *out << row.what;
+}
+
 class VerifierRows : public ::testing::TestWithParam<Row> {};
 
 TEST_P(VerifierRows, Judges) {

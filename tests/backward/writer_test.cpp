@@ -2,6 +2,7 @@
 // machine reads and runs, and the texts of its failures.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -10,6 +11,7 @@
 #include "backward/tervane_writer.h"
 #include "platform/com/error_info.h"
 #include "platform/locale/code_pages.h"
+#include "tests/backward/fake_items.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane {
@@ -17,62 +19,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-HRESULT Put(std::u16string& to, BSTR from) {
-    to = Bstr::Attach(SysAllocStringLen(from, SysStringLen(from))).str();
-    return S_OK;
-}
-HRESULT Get(const std::u16string& from, BSTR* to) {
-    *to = SysAllocStringLen(from.data(), static_cast<UINT>(from.size()));
-    return S_OK;
-}
-
-class FakeTag : public ComObjectRoot, public DispatchWithoutTypeInfo<ITag> {
-public:
-    static InterfaceMap<FakeTag> Interfaces() {
-        static const InterfaceEntry<FakeTag> map[] = {Entry<FakeTag, ITag>()};
-        return map;
-    }
-    HRESULT get_TagText(BSTR* v) override { return Get(text, v); }
-    HRESULT put_TagText(BSTR v) override { return Put(text, v); }
-    HRESULT get_TagName(BSTR* v) override { return Get(name, v); }
-    HRESULT put_TagName(BSTR v) override { return Put(name, v); }
-    HRESULT get_EndTag(LONG* v) override { return *v = end, S_OK; }
-    HRESULT put_EndTag(LONG v) override { return end = v, S_OK; }
-    HRESULT get_StartTag(LONG* v) override { return *v = start, S_OK; }
-    HRESULT put_StartTag(LONG v) override { return start = v, S_OK; }
-    HRESULT get_Inline(LONG* v) override { return *v = inlineMark, S_OK; }
-    HRESULT put_Inline(LONG v) override { return inlineMark = v, S_OK; }
-    std::u16string text, name;
-    LONG start = 0, end = 0, inlineMark = 0;
-};
-
-class FakeText : public ComObjectRoot, public DispatchWithoutTypeInfo<IText> {
-public:
-    static InterfaceMap<FakeText> Interfaces() {
-        static const InterfaceEntry<FakeText> map[] = {Entry<FakeText, IText>()};
-        return map;
-    }
-    HRESULT get_Text(BSTR* v) override { return Get(text, v); }
-    HRESULT put_Text(BSTR v) override { return Put(text, v); }
-    std::u16string text;
-};
-
-class FakeInfo : public ComObjectRoot, public DispatchWithoutTypeInfo<IDocumentInfo> {
-public:
-    static InterfaceMap<FakeInfo> Interfaces() {
-        static const InterfaceEntry<FakeInfo> map[] = {Entry<FakeInfo, IDocumentInfo>()};
-        return map;
-    }
-    HRESULT get_SourceFile(BSTR* v) override { return Get(path, v); }
-    HRESULT put_SourceFile(BSTR v) override { return Put(path, v); }
-    HRESULT get_Extra(BSTR* v) override { return Get({}, v); }
-    HRESULT put_Extra(BSTR) override { return S_OK; }
-    HRESULT get_DocumentNumber(LONG* v) override { return *v = 0, S_OK; }
-    HRESULT put_DocumentNumber(LONG) override { return S_OK; }
-    HRESULT get_SecondNumber(LONG* v) override { return *v = 0, S_OK; }
-    HRESULT put_SecondNumber(LONG) override { return S_OK; }
-    std::u16string path;
-};
+using test::FakeInfo;
+using test::FakeTag;
+using test::FakeText;
 
 // Each pump runs the next step of a script; past its end a pump does nothing.
 class ScriptHost : public ComObjectRoot, public DispatchWithoutTypeInfo<IFilterHost> {
@@ -135,10 +84,10 @@ public:
     void Tag(const std::string& text, LONG start, LONG end, LONG inlineMark) {
         ComPtr<ComObject<FakeTag>> tag;
         ComObject<FakeTag>::Create(tag.Receive());
-        tag->text = tag->name = Widen(text);
-        tag->start = start;
-        tag->end = end;
-        tag->inlineMark = inlineMark;
+        tag->tag.tagText = tag->tag.name = Widen(text);
+        tag->tag.startTag = start;
+        tag->tag.endTag = end;
+        tag->tag.inlineTag = inlineMark;
         EXPECT_EQ(events_->raw_Tag(tag.get()), S_OK);
     }
     // The pieces as Send spells them, text pieces with "|1" when in a segment.
@@ -165,6 +114,10 @@ struct IntakeRow {
     std::vector<std::string> events; // "[" and "]" are the segment marks
     std::string pieces;
 };
+
+void PrintTo(const IntakeRow& row, std::ostream* out) {
+    *out << row.what;
+}
 
 class Intake : public ::testing::TestWithParam<IntakeRow> {};
 
@@ -237,18 +190,26 @@ TEST(WriterStates, MissingSource) {
 }
 
 // The source is read in the call after the input opens, and the run takes
-// place in the call after the one that pumped the end of the input.
-TEST(WriterStates, RunsAfterTheEnd) {
+// place in the call after the one that pumped the end of the input. A
+// read-only source passes its mark to the target and keeps it.
+class RunsAfterTheEnd : public ::testing::TestWithParam<bool> {};
+
+TEST_P(RunsAfterTheEnd, WritesTheTargetThen) {
+    const bool readOnly = GetParam();
     const std::string dir = test::TempDir();
     const std::string source = dir + "/src.dll";
     fs::copy_file(test::FixturePath("fwd_blocks", "x64"), source);
     const std::string events =
         test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract --document " + source);
+    if (readOnly)
+        fs::permissions(source,
+                        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                        fs::perm_options::remove);
     Writer writer(dir + "/out.dll");
     writer.host_->script = {[&] { return writer.Start(source); },
                             [&] {
-                                // The document of extract --document, tag by tag, as a host keeps
-                                // it.
+                                // The document of extract --document, tag by tag: this one holds no
+                                // inline tag.
                                 for (std::size_t at = 0; at < events.size();) {
                                     const std::size_t end = events[at] == '<'
                                                                 ? events.find('>', at) + 1
@@ -263,9 +224,21 @@ TEST(WriterStates, RunsAfterTheEnd) {
     EXPECT_FALSE(fs::exists(dir + "/out.dll"));
     const HRESULT run = writer.writer_->raw_Write(0); // runs
     EXPECT_EQ(run, S_OK) << LastErrorText();
-    EXPECT_TRUE(fs::exists(dir + "/out.dll"));
     EXPECT_EQ(writer.host_->pumps, 3);
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(dir))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"out.dll", "src.dll"}));
+    const auto writable = [](const std::string& path) {
+        return (fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none;
+    };
+    EXPECT_EQ(writable(dir + "/out.dll"), !readOnly);
+    EXPECT_EQ(writable(source), !readOnly);
 }
+
+INSTANTIATE_TEST_SUITE_P(Source, RunsAfterTheEnd, ::testing::Values(false, true),
+                         [](const auto& info) { return info.param ? "ReadOnly" : "Writable"; });
 
 // A source that lists no resource is read again on every call and never run.
 TEST(WriterStates, SourceWithoutResources) {

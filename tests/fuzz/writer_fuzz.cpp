@@ -16,63 +16,16 @@
 #include "frame/diagnostics/exceptions.h"
 #include "frame/resource_parser_impl.h"
 #include "platform/locale/code_pages.h"
+#include "tests/backward/fake_items.h"
 
 namespace {
 
 using namespace tervane;
 namespace fs = std::filesystem;
 
-HRESULT Get(const std::u16string& from, BSTR* to) {
-    *to = SysAllocStringLen(from.data(), static_cast<UINT>(from.size()));
-    return S_OK;
-}
-
-class Tag : public ComObjectRoot, public DispatchWithoutTypeInfo<ITag> {
-public:
-    static InterfaceMap<Tag> Interfaces() {
-        static const InterfaceEntry<Tag> map[] = {Entry<Tag, ITag>()};
-        return map;
-    }
-    HRESULT get_TagText(BSTR* v) override { return Get(tag.tagText.str(), v); }
-    HRESULT put_TagText(BSTR) override { return S_OK; }
-    HRESULT get_TagName(BSTR* v) override { return Get(tag.name.str(), v); }
-    HRESULT put_TagName(BSTR) override { return S_OK; }
-    HRESULT get_EndTag(LONG* v) override { return *v = tag.endTag, S_OK; }
-    HRESULT put_EndTag(LONG) override { return S_OK; }
-    HRESULT get_StartTag(LONG* v) override { return *v = tag.startTag, S_OK; }
-    HRESULT put_StartTag(LONG) override { return S_OK; }
-    HRESULT get_Inline(LONG* v) override { return *v = tag.inlineTag, S_OK; }
-    HRESULT put_Inline(LONG) override { return S_OK; }
-    TagDescriptor tag;
-};
-
-class Text : public ComObjectRoot, public DispatchWithoutTypeInfo<IText> {
-public:
-    static InterfaceMap<Text> Interfaces() {
-        static const InterfaceEntry<Text> map[] = {Entry<Text, IText>()};
-        return map;
-    }
-    HRESULT get_Text(BSTR* v) override { return Get(text, v); }
-    HRESULT put_Text(BSTR) override { return S_OK; }
-    std::u16string text;
-};
-
-class Info : public ComObjectRoot, public DispatchWithoutTypeInfo<IDocumentInfo> {
-public:
-    static InterfaceMap<Info> Interfaces() {
-        static const InterfaceEntry<Info> map[] = {Entry<Info, IDocumentInfo>()};
-        return map;
-    }
-    HRESULT get_SourceFile(BSTR* v) override { return Get(path, v); }
-    HRESULT put_SourceFile(BSTR) override { return S_OK; }
-    HRESULT get_Extra(BSTR* v) override { return Get({}, v); }
-    HRESULT put_Extra(BSTR) override { return S_OK; }
-    HRESULT get_DocumentNumber(LONG* v) override { return *v = 0, S_OK; }
-    HRESULT put_DocumentNumber(LONG) override { return S_OK; }
-    HRESULT get_SecondNumber(LONG* v) override { return *v = 0, S_OK; }
-    HRESULT put_SecondNumber(LONG) override { return S_OK; }
-    std::u16string path;
-};
+using Tag = test::FakeTag;
+using Text = test::FakeText;
+using Info = test::FakeInfo;
 
 // One pump: the whole stream, the input opened first on its own.
 class Host : public ComObjectRoot, public DispatchWithoutTypeInfo<IFilterHost> {
@@ -91,7 +44,7 @@ public:
     int pumps = 0;
 };
 
-std::vector<std::uint8_t> Bytes(const std::string& path) {
+std::vector<std::uint8_t> FileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
@@ -117,7 +70,7 @@ const Source& TheSource() {
         for (const auto& resource : engine.Resources())
             resources.push_back(resource.get());
         CResourceVerifier::BuildExpectedTags(resources, made.tags);
-        made.bytes = Bytes(made.path);
+        made.bytes = FileBytes(made.path);
         return made;
     }();
     return source;
@@ -216,7 +169,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (int call = 0; call < 3 && SUCCEEDED(hr); ++call)
         hr = writer->raw_Write(0);
     host->sink = nullptr;
-    if (Bytes(source.path) != source.bytes)
+    if (FileBytes(source.path) != source.bytes)
         std::abort(); // the source changed
     for (const auto& entry : fs::directory_iterator(source.dir)) {
         const std::string name = entry.path().filename();
