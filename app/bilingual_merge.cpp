@@ -1,12 +1,15 @@
 #include "app/bilingual_merge.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <regex>
 
 #include "app/bilingual_file.h"
+#include "app/document_verification.h"
 #include "app/event_recorder.h"
 #include "app/failure.h"
 #include "app/forward_run.h"
+#include "platform/locale/utf8.h"
 
 namespace tervane::app {
 
@@ -39,6 +42,22 @@ void CheckSource(const xliff::Document& document, const std::string& file,
         throw CommandFailure(where, "the document was made from another file than " + source +
                                         " (SHA-256 " + document.sha256 + ", the file's is " +
                                         facts.sha256 + ")");
+}
+
+// A document that verification finds broken is not merged: the same
+// findings as `tervane verify`, the first of them named.
+void RefuseVerificationErrors(const std::string& documentPath, const std::string& source) {
+    const std::vector<Finding> errors = TranslatorErrors(VerifyDocument(documentPath, source));
+    if (errors.empty())
+        return;
+    const Finding& first = errors.front();
+    std::string message;
+    locale::AppendUtf8(message, first.message);
+    throw CommandFailure(documentPath + ":" + std::to_string(first.range.start.first) + ":" +
+                             std::to_string(std::max<LONG>(first.range.start.second, 1)),
+                         "verification error [" + std::to_string(first.code) + "] " + message,
+                         std::to_string(errors.size()) +
+                             " verification errors: tervane verify shows them all");
 }
 
 } // namespace
@@ -100,6 +119,7 @@ DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
         throw DocumentFailure(documentPath, error);
     }
     ReportWarnings(documentPath, merged.warnings);
+    RefuseVerificationErrors(documentPath, merge.source);
     merge.events = std::move(merged.events);
     return merge;
 }

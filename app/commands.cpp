@@ -35,6 +35,7 @@ void AddCommands(CLI::App& app) {
     AddMergeCommand(app);
     AddScanCommand(app);
     AddPreviewCommand(app);
+    AddVerifyCommand(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

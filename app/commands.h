@@ -47,5 +47,6 @@ void AddStatsCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
 void AddScanCommand(CLI::App& app);
 void AddPreviewCommand(CLI::App& app);
+void AddVerifyCommand(CLI::App& app);
 
 } // namespace tervane::app
