@@ -114,13 +114,17 @@ int RunMerge(const MergeOptions& options) {
         if (!AttachTraceFile(options.trace))
             throw CommandFailure(options.trace, "cannot write the trace file");
     }
-    auto content = files::ReadFileBytes(options.events);
-    if (!content)
-        throw CommandFailure(options.events, SystemText(content.error().code, options.events));
     std::string readError;
-    std::vector<ReplayEvent> events = ReadReplayEvents(
-        std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
-        readError);
+    std::vector<ReplayEvent> events;
+    {
+        // The file's bytes go as soon as its events are read.
+        auto content = files::ReadFileBytes(options.events);
+        if (!content)
+            throw CommandFailure(options.events, SystemText(content.error().code, options.events));
+        events = ReadReplayEvents(
+            std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
+            readError);
+    }
     if (!readError.empty())
         throw CommandFailure(options.events, readError);
 

@@ -56,7 +56,7 @@ TEST(StringBlock, CountedStringsStayInsideTheData) {
 
 // A translated stream of two blocks: block 1 holds strings 0 to 15.
 TEST(StringBlock, ExtractPiecesTakesOnlyItsOwnBlock) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("stringtable", "<stringtable>"));
     for (int id : {1, 2, 17}) {
         stream.push_back(MakeText(u"\t\t"));
