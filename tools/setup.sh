@@ -12,6 +12,8 @@ packages=(
   clang libclang-rt-14-dev clang-format
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64
+  # the Windows program that reads a translated file under Wine
+  gcc-mingw-w64-x86-64
 )
 
 missing=()
