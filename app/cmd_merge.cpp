@@ -185,13 +185,17 @@ int RunMerge(const MergeOptions& options) {
     AttachTrace(options, {options.events, source, options.out});
     if (!options.noScan)
         RequireScannerAccepts(source);
-    auto content = files::ReadFileBytes(options.events);
-    if (!content)
-        throw CommandFailure(options.events, SystemText(content.error().code, options.events));
     std::string readError;
-    std::vector<ReplayEvent> events = ReadReplayEvents(
-        std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
-        readError);
+    std::vector<ReplayEvent> events;
+    {
+        // The file's bytes go as soon as its events are read.
+        auto content = files::ReadFileBytes(options.events);
+        if (!content)
+            throw CommandFailure(options.events, SystemText(content.error().code, options.events));
+        events = ReadReplayEvents(
+            std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
+            readError);
+    }
     if (!readError.empty())
         throw CommandFailure(options.events, readError);
     return Replay(std::move(events), options, source, *target, out);

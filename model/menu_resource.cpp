@@ -67,7 +67,7 @@ int CMenuResource::Accept(CResourceVisitor& visitor) {
     return 0;
 }
 
-void CMenuResource::ExtractPieces(CLabelPieceList& stream) {
+void CMenuResource::ExtractPieces(CPieceStream& stream) {
     const std::optional<std::size_t> after = AfterGroupOpen(stream, u"menus");
     if (!after)
         return;

@@ -253,7 +253,7 @@ std::unique_ptr<CTagLabelPiece> CStringBlockResource::GetCloseTag() const {
     return GroupTag("stringtable", false);
 }
 
-void CStringBlockResource::ExtractPieces(CLabelPieceList& stream) {
+void CStringBlockResource::ExtractPieces(CPieceStream& stream) {
     const long block = BlockNumber(*this);
     const std::optional<std::size_t> after = AfterGroupOpen(stream, u"stringtable");
     if (!after)

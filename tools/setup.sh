@@ -19,6 +19,8 @@ packages=(
   libcairo2-dev libpango1.0-dev fonts-liberation
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64
+  # the Windows program that reads a translated file under Wine
+  gcc-mingw-w64-x86-64
 )
 
 missing=()

@@ -288,7 +288,7 @@ TEST(DialogTemplate, ShortAndOverlongTemplatesAreCorrupted) {
 
 // A translated stream as the writer gathers it, white space included.
 TEST(DialogResource, ExtractTakesItsOwnDialog) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("dialogs", "<dialogs>"));
     for (const char* id : {"1", "2"}) {
         stream.push_back(MakeText(u"\t\t"));

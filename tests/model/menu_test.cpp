@@ -201,7 +201,7 @@ std::unique_ptr<CMenuResource> SourceMenu(const std::string& id) {
 }
 
 // The records' pieces in document order, texts "translated" to upper case.
-void Flatten(const MenuItemRecord& record, CLabelPieceList& out) {
+void Flatten(const MenuItemRecord& record, CPieceStream& out) {
     for (const auto& piece : record.pieces) {
         out.push_back(ClonePiece(*piece));
         if (auto* text = dynamic_cast<CTextLabelPiece*>(out.back().get())) {
@@ -227,7 +227,7 @@ const std::vector<std::string> kTranslated = {
 };
 
 TEST(MenuResource, ExtractAndMergeByPosition) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("menus", "<menus>"));
     for (const char* id : {"1", "NAMED"}) {
         auto menu = SourceMenu(id);

@@ -57,7 +57,7 @@ TEST(StringBlock, CountedStringsStayInsideTheData) {
 // A translated stream of three blocks, with the first and the last string of
 // each: block 1 holds strings 0 to 15, block 2 16 to 31.
 TEST(StringBlock, ExtractPiecesTakesOnlyItsOwnBlock) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("stringtable", "<stringtable>"));
     for (int id : {0, 15, 16, 31, 32}) {
         stream.push_back(MakeText(u"\t\t"));

@@ -193,7 +193,7 @@ std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
 // The translated stream as the writer gathers it, cut where the input ends.
 TEST(VersionPieces, ExtractPiecesTakesEntriesUpToTheGroupsEnd) {
     auto gather = [](bool closed) {
-        CLabelPieceList stream;
+        CPieceStream stream;
         stream.push_back(MakeOpenTag("versioninfo", "<versioninfo>"));
         stream.push_back(MakeText(u"\t\t"));
         for (auto& piece : ParseValue("comments", u"C"))
@@ -207,7 +207,7 @@ TEST(VersionPieces, ExtractPiecesTakesEntriesUpToTheGroupsEnd) {
         }
         return stream;
     };
-    CLabelPieceList stream = gather(true);
+    CPieceStream stream = gather(true);
     CVersionInfoResource resource;
     resource.ExtractPieces(stream);
     EXPECT_EQ(SpellAll(resource.entries),
