@@ -1,6 +1,7 @@
-// tervane extract [--events | --document] [-o OUT] [--trace FILE] FILE: drives
-// the forward converter as a host framework does (Initialize, then raw_Parse)
-// and writes what the host received.
+// tervane extract [--events | --document] [--filter] [-o OUT] [--trace FILE]
+// FILE: drives the forward converter as a host framework does (Initialize,
+// then raw_Parse) and writes what the host received. With --filter the
+// converter feeds the filter stage, wired and run as a framework runs a chain.
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -20,13 +21,14 @@
 #include "platform/diag/event_log.h"
 #include "platform/diag/trace_sink.h"
 #include "platform/locale/code_pages.h"
+#include "stream/interactive_parser.h"
 
 namespace tervane::app {
 
 namespace {
 
 struct ExtractOptions {
-    bool events = false;
+    bool events = false, filter = false;
     std::string out, trace, file;
 };
 
@@ -43,6 +45,50 @@ std::string ErrorText(HRESULT hr) {
     char text[64];
     std::snprintf(text, sizeof text, "the conversion failed (0x%08X)", static_cast<unsigned>(hr));
     return text;
+}
+
+// Initialize, then raw_Parse: the parser pushes the whole document into sink.
+HRESULT Parse(const std::string& file, IFilterHost* host, IEvents* sink) {
+    ComPtr<IFileParser> parser;
+    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
+                                  parser.ReceiveVoid());
+    if (SUCCEEDED(hr)) {
+        Bstr path(Widen(file, CP_UTF8));
+        hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host, sink);
+        if (SUCCEEDED(hr))
+            hr = parser->raw_Parse(0);
+    }
+    return hr;
+}
+
+// The chain parser -> filter stage -> sink, wired from its end: the filter
+// returns its IEvents, which becomes the parser's sink. The host runs the
+// filter, whose pump makes the host run the parser.
+HRESULT RunChain(const std::string& file, ComObject<ProgressHost>* host, IEvents* sink) {
+    RegisterTervaneInteractiveParserClass();
+    ComPtr<IFilterComponent> filter;
+    HRESULT hr = CoCreateInstance(CLSID_TervaneInteractiveParser, nullptr, CLSCTX_ALL,
+                                  IFilterComponent::iid, filter.ReceiveVoid());
+    if (FAILED(hr))
+        return hr;
+    ComPtr<IEvents> filterEvents;
+    hr = filter->Initialize(nullptr, nullptr, 0, host, sink, filterEvents.Receive());
+    if (FAILED(hr))
+        return hr;
+    HRESULT parsed = S_OK;
+    bool delivered = false;
+    host->OnPump([&](LONG_PTR) {
+        // One document: the first pump delivers it whole, later ones nothing.
+        if (!delivered) {
+            delivered = true;
+            parsed = Parse(file, host, filterEvents.get());
+        }
+        return FAILED(parsed) ? E_FAIL : S_OK;
+    });
+    hr = filter->raw_Run(0);
+    host->OnPump(nullptr);
+    filter->raw_Close();
+    return FAILED(hr) ? hr : parsed;
 }
 
 int RunExtract(const ExtractOptions& options) {
@@ -66,15 +112,8 @@ int RunExtract(const ExtractOptions& options) {
     sink->Attach(log);
     host->Attach(log, ::isatty(STDERR_FILENO) != 0);
 
-    ComPtr<IFileParser> parser;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
-                                  parser.ReceiveVoid());
-    if (SUCCEEDED(hr)) {
-        Bstr path(Widen(file, CP_UTF8));
-        hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host.get(), sink.get());
-        if (SUCCEEDED(hr))
-            hr = parser->raw_Parse(0);
-    }
+    HRESULT hr = options.filter ? RunChain(file, host.get(), sink.get())
+                                : Parse(file, host.get(), sink.get());
     host->FinishBar();
     std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
@@ -112,6 +151,9 @@ void AddExtractCommand(CLI::App& app) {
         "exit status is 1; a wrong command line gives 2.");
     command->add_flag("--events", options->events,
                       "write every event the host receives, one JSON object a line");
+    command->add_flag("--filter", options->filter,
+                      "pass the events through the filter stage, which reduces each tag's name "
+                      "to its keyword and cuts inline tags into single placeholders");
     command->add_flag_callback(
         "--document", [options] { options->events = false; },
         "write the tagged document, UTF-8 (the default)");

@@ -31,6 +31,7 @@ void AddCommands(CLI::App& app) {
     AddTablesCommand(app);
     AddExtractCommand(app);
     AddMergeCommand(app);
+    AddScanCommand(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

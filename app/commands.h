@@ -43,5 +43,6 @@ void AddTokensCommand(CLI::App& app);
 void AddTablesCommand(CLI::App& app);
 void AddExtractCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
+void AddScanCommand(CLI::App& app);
 
 } // namespace tervane::app

@@ -4,6 +4,7 @@
 // drives a progress bar on a terminal.
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string>
@@ -112,11 +113,15 @@ public:
         showBar_ = showBar;
     }
     void FinishBar();
+    // What a pump delivers: the host runs the producer at the head of its
+    // chain inside the pump that the chain's filter asks for.
+    void OnPump(std::function<HRESULT(LONG_PTR)> deliver) { deliver_ = std::move(deliver); }
 
     HRESULT raw_Progress(LONG percent) override;
-    HRESULT raw_Pump(LONG_PTR) override { return S_OK; }
+    HRESULT raw_Pump(LONG_PTR cookie) override { return deliver_ ? deliver_(cookie) : S_OK; }
 
 private:
+    std::function<HRESULT(LONG_PTR)> deliver_;
     std::shared_ptr<EventOutput> log_;
     bool showBar_ = false;
     bool drawn_ = false;

@@ -155,7 +155,7 @@ void CResourceParserImpl::AddResource(const ResName& type, const ResName& name, 
     resource->language = language;
     resource->codePage = GetCodePage(language);
     resource->name = name;
-    resource->identifierText = TrimmedIdentifier(name.ToString());
+    resource->identifierText = IdentifierText(name);
     const HRSRC info = FindInfo(*resource);
     resource->size = SizeofResource(module_, info);
     if (type.Ordinal() == kMenuType)
@@ -173,6 +173,10 @@ void CResourceParserImpl::AddResource(const ResName& type, const ResName& name, 
     std::snprintf(buffer, sizeof buffer, "Enumerating the resource %ld id = %s language id = %ld\n",
                   typeNumber, added.identifierText.c_str(), static_cast<long>(language));
     Trace(buffer);
+}
+
+std::string CResourceParserImpl::IdentifierText(const ResName& name) {
+    return TrimmedIdentifier(name.ToString());
 }
 
 WORD CResourceParserImpl::GetCodePage(WORD language) {

@@ -34,6 +34,8 @@ public:
     void IsFileExist();
     static WORD GetResourceType(const CResource& resource);
     static WORD GetCodePage(WORD language);
+    // The name's text, or the decimal of its number, trimmed at both ends.
+    static std::string IdentifierText(const ResName& name);
     bool ReadMenuHeader(CResource& menu);
 
     void SetSink(IEvents* sink) { sink_ = ComPtr<IEvents>(sink); }

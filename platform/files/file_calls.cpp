@@ -268,3 +268,16 @@ int _wchmod(const char16_t* path, int mode) {
     bits = (mode & _S_IWRITE) ? (bits | S_IWUSR) : (bits & ~mode_t{0222});
     return ::chmod(narrow.c_str(), bits);
 }
+
+FILE* _wfopen(const char16_t* path, const char16_t* mode) {
+    if (!path || !mode) {
+        errno = EINVAL;
+        return nullptr;
+    }
+    std::string narrow = NarrowPath(path);
+    if (!Flush(narrow.c_str())) {
+        errno = EIO;
+        return nullptr;
+    }
+    return std::fopen(narrow.c_str(), NarrowPath(mode).c_str());
+}

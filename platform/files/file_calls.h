@@ -3,6 +3,8 @@
 // that looks at a file's content or hands the file on writes out the file's
 // pending resource updates first; one that replaces or removes a file drops
 // them. Paths are UTF-8.
+#include <cstdio>
+
 #include "platform/win32/handle.h"
 #include "platform/win32/types.h"
 
@@ -59,3 +61,7 @@ DWORD GetFileAttributesA(const char* path);
 int _waccess(const char16_t* path, int mode);
 // _S_IWRITE clears the read-only attribute, _S_IREAD alone sets it.
 int _wchmod(const char16_t* path, int mode);
+
+// The C runtime's fopen, for the callers that measure or read a file
+// themselves: its pending resource updates are written out first.
+FILE* _wfopen(const char16_t* path, const char16_t* mode);
