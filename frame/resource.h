@@ -39,6 +39,10 @@ public:
     virtual void ExtractPieces(CPieceStream& stream) = 0;
     // Takes over the pieces of other, an object of the same class.
     virtual void MergePieces(CResource& /*other*/) {}
+    // Frees what was read into this object once it has been emitted: the
+    // forward conversion needs it no more, and the next batch reuses the
+    // memory. The object stays on the list with its identity.
+    virtual void ReleaseContent() {}
 
     WORD language = 0;
     WORD targetLanguage = 0;

@@ -396,8 +396,12 @@ HRESULT CResourceParserImpl::ExtractResources(long emit) {
             for (CResource* resource : work) {
                 if (tracing)
                     Trace(Format("Displaying resource %ld .....\n", GetResourceType(*resource)));
-                if (emit)
+                if (emit) {
                     resource->Accept(visitor);
+                    // Emitted for good: only the backward conversion, which
+                    // never emits, reads the model after its batch.
+                    resource->ReleaseContent();
+                }
             }
             work.clear();
         }

@@ -23,6 +23,7 @@ public:
     // The first dialog takes over the pieces of other's first dialog; every
     // other field stays that of the source.
     void MergePieces(CResource& other) override;
+    void ReleaseContent() override { std::vector<std::unique_ptr<CDialogItem>>().swap(dialogs); }
 
     std::vector<std::unique_ptr<CDialogItem>> dialogs;
 };

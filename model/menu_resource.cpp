@@ -112,6 +112,12 @@ void CMenuResource::ExtractPieces(CPieceStream& stream) {
                  stream.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
+void CMenuResource::ReleaseContent() {
+    std::vector<MenuItemRecord>().swap(items);
+    shortcuts.clear();
+    parser.reset();
+}
+
 void CMenuResource::MergePieces(CResource& other) {
     auto& source = static_cast<CMenuResource&>(other);
     std::size_t next = 0;

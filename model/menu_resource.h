@@ -27,6 +27,7 @@ public:
     // Gives the records of this tree, depth first, the pieces of other's flat
     // list, for as many records as other holds.
     void MergePieces(CResource& other) override;
+    void ReleaseContent() override;
 
     bool IsExtended() const { return extendedVersion == 1; }
     bool IsPlain() const { return plainVersion == 0; }

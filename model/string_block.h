@@ -18,6 +18,7 @@ public:
     std::unique_ptr<CTagLabelPiece> GetCloseTag() const override;
     void ExtractPieces(CPieceStream& stream) override;
     void MergePieces(CResource& other) override;
+    void ReleaseContent() override { std::vector<PieceEntry>().swap(entries); }
 
     // Entries in ascending order of string number; strings without text have none.
     std::vector<PieceEntry> entries;

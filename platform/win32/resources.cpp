@@ -171,6 +171,20 @@ Result<std::vector<std::uint8_t>> DataOf(const ModuleImage& module,
     return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
 }
 
+// The bytes as LoadResource keeps them: in place in the file or the
+// compiled-in data, which outlive the handle, unless the file lacks some.
+Result<LoadedResource> LoadedData(const ModuleImage& module, const pe::ResourceDataEntry& data) {
+    if (module.pe) {
+        auto read = pe::ViewResourceData(*module.pe, data);
+        if (!read)
+            return read.error();
+        return LoadedResource{std::move(read->owned), read->bytes};
+    }
+    if (data.rva >= module.builtinData.size())
+        return Error{ERROR_RESOURCE_DATA_NOT_FOUND, "no such compiled-in resource"};
+    return LoadedResource{{}, module.builtinData[data.rva]};
+}
+
 // The loader gives no access to data that the file does not hold: a section
 // whose raw data runs past the end means a truncated file.
 std::optional<Error> CheckRawData(const pe::PeImage& image) {
@@ -394,13 +408,13 @@ HGLOBAL LoadResource(HMODULE module, HRSRC resource) {
     std::lock_guard lock(image->mutex);
     auto& slot = image->loaded[resource];
     if (!slot) {
-        auto bytes = DataOf(*image, resource->data);
+        auto bytes = LoadedData(*image, resource->data);
         if (!bytes) {
             image->loaded.erase(resource);
             Fail(bytes.error());
             return nullptr;
         }
-        slot = std::make_unique<LoadedResource>(LoadedResource{std::move(*bytes)});
+        slot = std::make_unique<LoadedResource>(std::move(*bytes));
         image->validLoaded.insert(slot.get());
     }
     return slot.get();
