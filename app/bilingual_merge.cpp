@@ -104,7 +104,7 @@ std::string LocateMessage(const xliff::Document& document, const std::string& do
 }
 
 DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
-                                   const std::string& sourceOverride) {
+                                   const std::string& sourceOverride, bool verify) {
     DocumentMerge merge;
     merge.document = LoadDocument(documentPath);
     merge.source = !sourceOverride.empty()
@@ -119,7 +119,8 @@ DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
         throw DocumentFailure(documentPath, error);
     }
     ReportWarnings(documentPath, merged.warnings);
-    RefuseVerificationErrors(documentPath, merge.source);
+    if (verify)
+        RefuseVerificationErrors(documentPath, merge.source);
     merge.events = std::move(merged.events);
     return merge;
 }

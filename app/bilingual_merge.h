@@ -18,9 +18,11 @@ struct DocumentMerge {
 };
 
 // Throws CommandFailure naming the document, the line and the unit for a
-// document that does not fit its source; warnings go to standard error.
+// document that does not fit its source; warnings go to standard error. With
+// verify, a document that verification finds broken is refused too; a dry run
+// only shows the events and leaves that question to `tervane verify`.
 DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
-                                   const std::string& sourceOverride);
+                                   const std::string& sourceOverride, bool verify = true);
 
 // Where in the document a message of the writer points: "DOC:LINE: unit ID"
 // for the control or menu item it names, else its resource's group; empty

@@ -141,7 +141,7 @@ int MergeDocument(const MergeOptions& options) {
     OutputFile out(options.out, {options.document, options.source});
     AttachTrace(options, {options.document, options.source, options.out});
     if (options.dryRun) {
-        WriteEventLines(PrepareDocumentMerge(options.document, options.source).events, out);
+        WriteEventLines(PrepareDocumentMerge(options.document, options.source, false).events, out);
         return 0;
     }
     if (out.IsStandardOutput())

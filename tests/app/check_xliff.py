@@ -59,8 +59,8 @@ def main():
     for index, path in enumerate(files):
         xlf = os.path.join(work, "%d.xlf" % index)
         pseudo = os.path.join(work, "%d.pseudo.xlf" % index)
-        direct = run([tervane, "extract", "--events", path])
-        written = run([tervane, "extract", "-o", xlf, path])
+        direct = run([tervane, "extract", "--no-scan", "--events", path])
+        written = run([tervane, "extract", "--no-scan", "-o", xlf, path])
         if direct.returncode != 0:
             if written.returncode == 0:
                 print("%s: a document of a file that fails to extract" % path)
@@ -72,7 +72,7 @@ def main():
             continue
         documents.append(xlf)
         source = events(direct.stdout)
-        replay = run([tervane, "merge", xlf, "--dry-run"])
+        replay = run([tervane, "merge", "--no-scan", xlf, "--dry-run"])
         if replay.returncode != 0 or events(replay.stdout) != source:
             print("%s: the replay differs from extract --events: %s" %
                   (path, replay.stderr.decode().strip()))
@@ -82,7 +82,7 @@ def main():
             print("%s: pseudo failed" % path)
             faults += 1
             continue
-        replay = run([tervane, "merge", pseudo, "--dry-run"])
+        replay = run([tervane, "merge", "--no-scan", pseudo, "--dry-run"])
         changed = events(replay.stdout) if replay.returncode == 0 else []
         tags = [e for e in source if e["event"] == "Tag"]
         if replay.returncode != 0 or [e for e in changed if e["event"] == "Tag"] != tags:
@@ -93,17 +93,17 @@ def main():
             direct_out, xliff_out = os.path.join(work, "direct.dll"), os.path.join(work, "x.dll")
             with open(os.path.join(work, "events"), "wb") as out:
                 out.write(direct.stdout)
-            a = run([tervane, "merge", "--events", os.path.join(work, "events"), "--source",
+            a = run([tervane, "merge", "--no-scan", "--events", os.path.join(work, "events"), "--source",
                      path, "--lang", "de-DE", "-o", direct_out])
-            b = run([tervane, "merge", xlf, "--lang", "de-DE", "-o", xliff_out])
+            b = run([tervane, "merge", "--no-scan", xlf, "--lang", "de-DE", "-o", xliff_out])
             if a.returncode != 0 or b.returncode != 0 or \
                     open(direct_out, "rb").read() != open(xliff_out, "rb").read():
                 print("%s: merge from the document differs from merge --events: %s" %
                       (path, b.stderr.decode().strip()))
                 faults += 1
                 continue
-            b = run([tervane, "merge", pseudo, "--lang", "de-DE", "-o", xliff_out])
-            written = run([tervane, "extract", "--events", xliff_out])
+            b = run([tervane, "merge", "--no-scan", pseudo, "--lang", "de-DE", "-o", xliff_out])
+            written = run([tervane, "extract", "--no-scan", "--events", xliff_out])
             if b.returncode != 0 or written.returncode != 0:
                 print("%s: the pseudo document did not merge: %s" %
                       (path, b.stderr.decode().strip()))

@@ -69,7 +69,7 @@ TEST(XliffCommands, WineFilesValidateReplayAndPseudo) {
 // The document of fwd_strings, written as a user would.
 std::string StringsDocument(const std::string& dir) {
     int status = -1;
-    test::RunCommand(kTervane + " extract -o " + dir + "/a.xlf --target-lang de-de '" +
+    test::RunCommand(kTervane + " extract --no-scan -o " + dir + "/a.xlf --target-lang de-de '" +
                          test::FixturePath("fwd_strings", "x64") + "'",
                      &status);
     EXPECT_EQ(status, 0);
@@ -123,7 +123,7 @@ TEST(XliffCommands, UnitsOfTheFixtures) {
     const std::string dir = test::TempDir();
     for (const Row& row : rows) {
         int status = -1;
-        test::RunCommand(kTervane + " extract -o " + dir + "/u.xlf '" +
+        test::RunCommand(kTervane + " extract --no-scan -o " + dir + "/u.xlf '" +
                              test::FixturePath(row.fixture, "x86") + "'",
                          &status);
         ASSERT_EQ(status, 0);
@@ -168,7 +168,7 @@ TEST_P(MergeBadInput, OneErrorAndNoOutput) {
         expected.replace(mark, 1,
                          std::to_string(1 + std::count(xml.begin(), xml.begin() + at, '\n')));
     int status = -1;
-    std::string err = test::RunCommand(kTervane + " merge " + dir + "/a.xlf --dry-run -o " + dir +
+    std::string err = test::RunCommand(kTervane + " merge --no-scan " + dir + "/a.xlf --dry-run -o " + dir +
                                            "/out 2>&1 >/dev/null",
                                        &status);
     EXPECT_EQ(status, 1) << err;
@@ -213,11 +213,11 @@ TEST(XliffCommands, StatsCountByKind) {
 TEST(XliffCommands, PseudoDialogTextsShowInTheReplay) {
     const std::string dir = test::TempDir();
     int status = -1;
-    test::RunCommand(kTervane + " extract --pseudo -o " + dir + "/p.xlf '" +
+    test::RunCommand(kTervane + " extract --no-scan --pseudo -o " + dir + "/p.xlf '" +
                          test::FixturePath("fwd_dialogs", "x86") + "'",
                      &status);
     ASSERT_EQ(status, 0);
-    std::string replay = test::RunCommand(kTervane + " merge --dry-run " + dir + "/p.xlf", &status);
+    std::string replay = test::RunCommand(kTervane + " merge --no-scan --dry-run " + dir + "/p.xlf", &status);
     EXPECT_EQ(status, 0);
     // Cancel: six letters, 40 % more is three characters; &Help keeps its hotkey.
     for (const char* text : {"\"text\": \"[Çáñçél ~~]\"", "\"text\": \"Hélp ~]\""})
@@ -225,14 +225,14 @@ TEST(XliffCommands, PseudoDialogTextsShowInTheReplay) {
 
     // And in the file the writer makes, in the target language.
     const std::string layout = test::FixturePath("fwd_layout", "x64");
-    test::RunCommand(kTervane + " extract --pseudo --target-lang fr-FR -o " + dir + "/l.xlf '" +
+    test::RunCommand(kTervane + " extract --no-scan --pseudo --target-lang fr-FR -o " + dir + "/l.xlf '" +
                          layout + "'",
                      &status);
     ASSERT_EQ(status, 0);
     std::string err = test::RunCommand(
-        kTervane + " merge " + dir + "/l.xlf -o " + dir + "/l.dll 2>&1 >/dev/null", &status);
+        kTervane + " merge --no-scan " + dir + "/l.xlf -o " + dir + "/l.dll 2>&1 >/dev/null", &status);
     ASSERT_EQ(status, 0) << err;
-    std::string written = test::RunCommand(kTervane + " extract " + dir + "/l.dll", &status);
+    std::string written = test::RunCommand(kTervane + " extract --no-scan " + dir + "/l.dll", &status);
     for (const char* text : {"<caption>[Šéttíñgš ~~~]</caption>", ">[Çlöšé ~]</button>",
                              "<string id=\"1\">[Réáðý ~]</string>"})
         EXPECT_NE(written.find(text), std::string::npos) << text << "\n" << written;
@@ -265,14 +265,14 @@ TEST(XliffCommands, TranslateToolkitRoundTrip) {
         int status = -1;
         const std::string base = dir + "/" + fixture;
         std::string log = test::RunCommand(
-            kTervane + " extract --target-lang de-DE -o " + base + ".xlf '" +
+            kTervane + " extract --no-scan --target-lang de-DE -o " + base + ".xlf '" +
                 test::FixturePath(fixture, "x64") + "' && xliff2po " + base + ".xlf " + base +
                 ".po && " + translate + " " + base + ".po " + base + ".de.po && pomerge -t " +
                 base + ".xlf -i " + base + ".de.po -o " + base + ".de.xlf && " + kTervane +
-                " merge " + base + ".de.xlf -o " + base + ".de.dll 2>&1",
+                " merge --no-scan " + base + ".de.xlf -o " + base + ".de.dll 2>&1",
             &status);
         ASSERT_EQ(status, 0) << log;
-        std::string written = test::RunCommand(kTervane + " extract " + base + ".de.dll", &status);
+        std::string written = test::RunCommand(kTervane + " extract --no-scan " + base + ".de.dll", &status);
         for (const std::string& text : expected)
             EXPECT_NE(written.find(text), std::string::npos) << text << "\n" << written;
     }
@@ -292,7 +292,7 @@ TEST(XliffCommands, OmegaTRoundTrip) {
                          test::FixturePath("fwd_layout", "x64") + "' " + project + "/app.dll",
                      &status);
     ASSERT_EQ(status, 0);
-    test::RunCommand(kTervane + " extract --copy-source --target-lang de-DE -o " + project +
+    test::RunCommand(kTervane + " extract --no-scan --copy-source --target-lang de-DE -o " + project +
                          "/source/app.xlf " + project + "/app.dll",
                      &status);
     ASSERT_EQ(status, 0);
@@ -326,9 +326,9 @@ TEST(XliffCommands, OmegaTRoundTrip) {
         "HOME=" + dir + "/home omegat " + project + " --mode=console-translate 2>&1", &status);
     ASSERT_EQ(status, 0) << log;
     std::string err = test::RunCommand(
-        kTervane + " merge " + project + "/target/app.xlf -o " + dir + "/app.de.dll 2>&1", &status);
+        kTervane + " merge --no-scan " + project + "/target/app.xlf -o " + dir + "/app.de.dll 2>&1", &status);
     ASSERT_EQ(status, 0) << err;
-    std::string written = test::RunCommand(kTervane + " extract " + dir + "/app.de.dll", &status);
+    std::string written = test::RunCommand(kTervane + " extract --no-scan " + dir + "/app.de.dll", &status);
     for (const char* text :
          {"<item id=\"1\">Öffnen</item>", "<caption>Einstellungen</caption>", ">Schließen</button>",
           "<string id=\"1\">Bereit</string>", "<comments>Layoutbeispiel</comments>"})
@@ -349,7 +349,7 @@ TEST(XliffCommands, OmegaTRoundTrip) {
 TEST(XliffCommands, WritersMessagesPointIntoTheDocument) {
     const std::string dir = test::TempDir();
     int status = -1;
-    test::RunCommand(kTervane + " extract --target-lang de-DE -o " + dir + "/d.xlf '" +
+    test::RunCommand(kTervane + " extract --no-scan --target-lang de-DE -o " + dir + "/d.xlf '" +
                          test::FixturePath("fwd_dialogs", "x64") + "'",
                      &status);
     ASSERT_EQ(status, 0);
@@ -363,7 +363,7 @@ TEST(XliffCommands, WritersMessagesPointIntoTheDocument) {
     }
     Write(dir + "/d.xlf", xml);
     std::string err = test::RunCommand(
-        kTervane + " merge " + dir + "/d.xlf -o " + dir + "/d.dll 2>&1 >/dev/null", &status);
+        kTervane + " merge --no-scan " + dir + "/d.xlf -o " + dir + "/d.dll 2>&1 >/dev/null", &status);
     EXPECT_EQ(status, 0) << err;
     std::size_t group = xml.find("<group id=\"dlg.100\"");
     ASSERT_NE(group, std::string::npos);
