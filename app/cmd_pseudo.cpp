@@ -5,6 +5,7 @@
 
 #include "app/bilingual_file.h"
 #include "app/commands.h"
+#include "app/input_file.h"
 #include "app/xliff/pseudo.h"
 
 namespace tervane::app {
@@ -17,6 +18,7 @@ struct PseudoOptions {
 };
 
 int RunPseudo(const PseudoOptions& options) {
+    CheckInputFile(options.file, kMaxDataFileBytes);
     OutputFile output(options.out, {options.file});
     xliff::Document document = LoadDocument(options.file);
     xliff::PseudoLocalise(document, options.expand);

@@ -6,6 +6,7 @@
 
 #include "app/bilingual_file.h"
 #include "app/commands.h"
+#include "app/input_file.h"
 #include "app/json_lines.h"
 #include "app/output_file.h"
 #include "app/xliff/stats.h"
@@ -20,6 +21,7 @@ struct StatsOptions {
 };
 
 int RunStats(const StatsOptions& options) {
+    CheckInputFile(options.file, kMaxDataFileBytes);
     OutputFile out("-", {});
     xliff::Document document = LoadDocument(options.file);
     std::vector<xliff::KindStats> kinds = xliff::CountDocument(document);

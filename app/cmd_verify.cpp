@@ -7,6 +7,7 @@
 
 #include "app/commands.h"
 #include "app/document_verification.h"
+#include "app/input_file.h"
 #include "app/json_lines.h"
 #include "app/output_file.h"
 #include "platform/locale/utf8.h"
@@ -38,6 +39,10 @@ std::string OneLineText(std::u16string_view text) {
 }
 
 int RunVerify(const VerifyOptions& options) {
+    CheckInputFile(options.document, kMaxDataFileBytes);
+    // A source named on the command line must be there; the document's own may be gone.
+    if (!options.source.empty())
+        CheckInputFile(options.source, kMaxPeFileBytes);
     OutputFile out("-", {});
     Verification verification = VerifyDocument(options.document, options.source);
     if (verification.source.empty())

@@ -253,6 +253,11 @@ TEST(OutputSafety, InputsRefusedBeforeReading) {
                              "can be read; not read\n"},
         {"res put in.dll --type 1 --name 1 --lang 0 --data huge.bin",
          "tervane res: huge.bin: is larger than the 2147483647 bytes that can be read; not read\n"},
+        {"verify fifo", "tervane verify: fifo: is a FIFO, not a regular file; not read\n"},
+        {"stats /dev/zero",
+         "tervane stats: /dev/zero: is a device, not a regular file; not read\n"},
+        {"pseudo fifo -o p.xlf", "tervane pseudo: fifo: is a FIFO, not a regular file; not read\n"},
+        {"merge fifo -o m.dll", "tervane merge: fifo: is a FIFO, not a regular file; not read\n"},
     };
     for (const auto& [arguments, err] : cases) {
         Outcome outcome = Tervane(dir, arguments);
