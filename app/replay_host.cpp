@@ -24,7 +24,7 @@ std::vector<ReplayEvent> ReadReplayEvents(std::string_view content, std::string&
             error = "line " + std::to_string(lineNumber) + ": " + why;
             return std::vector<ReplayEvent>();
         };
-        JsonLine parsed = ParseJsonLine(line);
+        ParsedJsonLine parsed = ParseJsonLine(line);
         if (!parsed.error.empty())
             return fail(parsed.error);
         const std::u16string* kind = JsonText(parsed.object, "event");
