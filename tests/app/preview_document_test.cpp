@@ -74,6 +74,10 @@ TEST(PreviewDocument, UnitsDrawTheirResourceOrAreRefused) {
          "\"kind\":\"dialog\",\"id\":\"102\"", "\x89PNG"},
         {"a menu item's unit", "--unit mnu.101.i40002 -o pic.svg", 0,
          "\"kind\":\"menu\",\"id\":\"101\"", "<?xml"},
+        {"the dialog's last unit, before the string table", "--unit dlg.102.c1 -o pic.png", 0,
+         "\"kind\":\"dialog\",\"id\":\"102\"", "\x89PNG"},
+        {"a pop-up's unit", "--unit mnu.101.p1 -o pic.png", 0, "\"kind\":\"menu\",\"id\":\"101\"",
+         "\x89PNG"},
         {"a dialog by its resource", "--resource dialog:102 -o pic.png", 0,
          "\"kind\":\"dialog\",\"id\":\"102\"", "\x89PNG"},
         {"a unit of a string table", "--unit str.1 -o pic.png", 1,
@@ -161,11 +165,15 @@ TEST(PreviewDocument, AllDrawsEveryDialogAndMenuBesideItsSource) {
     ASSERT_NE(translation, std::string::npos);
     EXPECT_NE(translated.find("Every text fits."), std::string::npos);
     EXPECT_LT(translated.find("Every text fits."), translation);
-    EXPECT_NE(translated.find("<li class=\"misfit\">button 2: <q>Abbrechen und alle Aenderungen "
-                              "verwerfen</q>",
-                              translation),
-              std::string::npos)
+    const std::string translationSide = translated.substr(translation);
+    std::smatch misfit;
+    ASSERT_TRUE(std::regex_search(
+        translationSide, misfit,
+        std::regex("<li class=\"misfit\">button 2: <q>Abbrechen und alle Aenderungen verwerfen</q> "
+                   "needs ([0-9]+)&times;[1-9][0-9]* px, room ([0-9]+)&times;[1-9][0-9]* px "
+                   "\\(cut at the side\\)</li>")))
         << translated;
+    EXPECT_GT(std::stoi(misfit[1]), std::stoi(misfit[2]));
     // The fixture's own German dialog fits on neither side.
     EXPECT_NE(Section(index, "dialog-101")
                   .find("<li class=\"misfit\">button 2: <q>Abbrechen und "
@@ -173,12 +181,21 @@ TEST(PreviewDocument, AllDrawsEveryDialogAndMenuBesideItsSource) {
               std::string::npos);
     EXPECT_NE(index.find("<td class=\"bad\">1 text does not fit</td>"), std::string::npos);
 
+    // Into an empty folder, the same.
+    fs::create_directory(home + "/empty");
+    run = RunPreview(home, "--all '" + document + "' -o '" + home + "/empty'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(Text(home + "/empty/index.html"), index);
+
     // An earlier result is replaced whole.
     Write(out + "/dialog-100.source.png", "stale");
     run = RunPreview(home, "--all '" + document + "' -o '" + out + "/'");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(Text(out + "/dialog-100.source.png").substr(0, 4), "\x89PNG");
     EXPECT_EQ(Text(out + "/index.html"), index);
+    EXPECT_EQ(Others(home, {"preview_dialogs.dll", "doc.xlf", "err", "out", "empty", "config"}),
+              std::vector<std::string>{})
+        << "neither the work folder nor the earlier result left beside";
 }
 
 TEST(PreviewDocument, AllLeavesTheFolderAsItWasOnFailure) {
@@ -188,6 +205,8 @@ TEST(PreviewDocument, AllLeavesTheFolderAsItWasOnFailure) {
     fs::create_directory(home + "/mine");
     Write(home + "/mine/notes.txt", "mine");
     Write(home + "/file", "a file");
+    fs::create_directory(home + "/pictures");
+    Write(home + "/pictures/a.png", "a picture");
     fs::create_directory(home + "/earlier");
     Write(home + "/earlier/index.html", "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n"
                                         "<meta charset=\"utf-8\">\n<meta name=\"generator\" "
@@ -199,6 +218,7 @@ TEST(PreviewDocument, AllLeavesTheFolderAsItWasOnFailure) {
     };
     const Case cases[] = {
         {"a folder of the user's", "-o '" + home + "/mine'", "holds other things"},
+        {"pictures without our index", "-o '" + home + "/pictures'", "holds other things"},
         {"a file", "-o '" + home + "/file'", "exists and is not a folder"},
         {"no folder named", "", "--all needs -o DIR"},
         {"a failure once the work folder is made",
@@ -215,10 +235,11 @@ TEST(PreviewDocument, AllLeavesTheFolderAsItWasOnFailure) {
         EXPECT_NE(run.err.find(c.error), std::string::npos) << run.err;
         EXPECT_EQ(Text(home + "/mine/notes.txt"), "mine");
         EXPECT_EQ(Text(home + "/file"), "a file");
+        EXPECT_EQ(Others(home + "/pictures", {}), std::vector<std::string>{"a.png"});
         EXPECT_TRUE(fs::is_empty(home + "/empty"));
         EXPECT_EQ(Others(home + "/earlier", {}), std::vector<std::string>{"index.html"});
         EXPECT_EQ(Others(home, {"preview_dialogs.dll", "doc.xlf", "err", "empty", "mine", "file",
-                                "earlier", "config", "cache"}),
+                                "earlier", "pictures", "config", "cache"}),
                   std::vector<std::string>{})
             << "no work folder left";
     }
