@@ -62,6 +62,10 @@ void Side(std::string& html, const PreviewEntry& entry, const PreviewSide& side,
     html += "</figure>\n";
 }
 
+std::string WithLanguage(const std::string& side, const std::string& language) {
+    return language.empty() ? side : side + " (" + language + ")";
+}
+
 } // namespace
 
 std::string SafeName(const std::string& kind, const std::string& id) {
@@ -75,8 +79,8 @@ std::string IndexHtml(const PreviewPage& page) {
     std::size_t misfitting = 0;
     for (const PreviewEntry& entry : page.entries)
         misfitting += !entry.translation.misfits.empty() || !entry.translation.failure.empty();
-    const std::string title =
-        page.document + ": " + page.sourceLanguage + " and " + page.targetLanguage;
+    const std::string title = page.document + ": " + WithLanguage("source", page.sourceLanguage) +
+                              " and " + WithLanguage("translation", page.targetLanguage);
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n";
     html += std::string(kGenerator) + "\n<title>" + Escaped(title) + "</title>\n";
     html += "<style>\n"
@@ -117,8 +121,8 @@ std::string IndexHtml(const PreviewPage& page) {
     for (const PreviewEntry& entry : page.entries) {
         html += "<section id=\"" + entry.name + "\">\n<h2>" + Escaped(entry.kind + " " + entry.id) +
                 "</h2>\n<div class=\"pair\">\n";
-        Side(html, entry, entry.source, "source (" + page.sourceLanguage + ")");
-        Side(html, entry, entry.translation, "translation (" + page.targetLanguage + ")");
+        Side(html, entry, entry.source, WithLanguage("source", page.sourceLanguage));
+        Side(html, entry, entry.translation, WithLanguage("translation", page.targetLanguage));
         html += "</div>\n</section>\n";
     }
     html += "</body>\n</html>\n";
