@@ -304,11 +304,15 @@ int PreviewAll(const PreviewOptions& options) {
             throw CommandFailure(options.out, "cannot write " + index.string());
     }
     folder.Commit();
-    std::size_t misfits = 0;
-    for (const PreviewEntry& entry : page.entries)
+    std::size_t drawn = 0, misfits = 0;
+    for (const PreviewEntry& entry : page.entries) {
+        drawn += !entry.translation.picture.empty();
         misfits += entry.translation.misfits.size();
-    std::printf("%s: %zu dialogs and menus drawn, %zu texts of the translation do not fit\n",
-                (fs::path(options.out) / "index.html").c_str(), page.entries.size(), misfits);
+    }
+    std::printf("%s: %zu of %zu dialogs and menus drawn; texts that do not fit in translation: "
+                "%zu\n",
+                (fs::path(options.out) / "index.html").c_str(), drawn, page.entries.size(),
+                misfits);
     return 0;
 }
 
@@ -342,8 +346,9 @@ void AddPreviewCommand(CLI::App& app) {
         "Unlike merge, a preview does not stop at what 'tervane verify' finds: the\n"
         "writer converts what it can, as it does for an editor.\n\n"
         "tervane preview --all DOC -o DIR\n"
-        "Draws every dialog and menu of the document twice, from the source file and from\n"
-        "the translated copy, and writes DIR/index.html that shows them side by side with\n"
+        "Draws every dialog and menu that has units in the document twice, from the\n"
+        "source file and from the translated copy, and writes DIR/index.html that shows them side "
+        "by side with\n"
         "the texts that do not fit listed in red (they are outlined in red in the\n"
         "pictures too). No previewer is started or closed. DIR is filled as a temporary\n"
         "folder beside it and takes its place at the end, so a failure leaves DIR as it\n"
