@@ -201,6 +201,16 @@ TEST(PreviewDocument, AllDrawsEveryDialogAndMenuBesideItsSource) {
         << "neither the work folder nor the earlier result left beside";
 }
 
+TEST(PreviewDocument, AllOnADocumentWithoutDialogsOrMenusWritesTheIndexAlone) {
+    const std::string home = TempDir();
+    const std::string document = Document(home, "fwd_strings");
+    const PreviewRun run = RunPreview(home, "--all '" + document + "' -o '" + home + "/out'");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(Others(home + "/out", {}), std::vector<std::string>{"index.html"});
+    EXPECT_NE(Text(home + "/out/index.html").find(": 0 dialogs and menus, 0 of them"),
+              std::string::npos);
+}
+
 TEST(PreviewDocument, AllLeavesTheFolderAsItWasOnFailure) {
     const std::string home = TempDir();
     const std::string document = Document(home, "preview_dialogs");
