@@ -171,6 +171,16 @@ int CResourceVerifier::CompareTags(const TagList& expected, const TagList& recei
     auto receivedAt = [&](std::ptrdiff_t i) -> const CTagLabelPiece* {
         return i >= 0 && i < receivedSize ? &received[static_cast<std::size_t>(i)] : nullptr;
     };
+    auto compareInlineRun = [&](const CTagLabelPiece& want) {
+        // A current left over from the end of the list, with no inline tag
+        // on either side, would be compared again for ever: it is a mismatch.
+        const CTagLabelPiece* at = receivedAt(r);
+        if (!IsInline(want.tag) && (at == nullptr || !IsInline(at->tag)))
+            Fail(MismatchText(current, want));
+        CompareInlineRun(expected, received, e, r, remaining);
+        ++e;
+        ++r;
+    };
     while (e < expectedSize) {
         if (remaining > 0) {
             if (const CTagLabelPiece* at = receivedAt(r))
@@ -186,9 +196,7 @@ int CResourceVerifier::CompareTags(const TagList& expected, const TagList& recei
             resourceId_ = GetIdAttribute(want->tag);
         }
         if (IsInline(want->tag) || IsInline(current.tag)) {
-            CompareInlineRun(expected, received, e, r, remaining);
-            ++e;
-            ++r;
+            compareInlineRun(*want);
             continue;
         }
         if (IsOpening(want->tag) && IsOpen(want->tag, u"shortcut")) {
@@ -208,9 +216,7 @@ int CResourceVerifier::CompareTags(const TagList& expected, const TagList& recei
             controlId_ = GetIdAttribute(want->tag);
         }
         if (IsInline(want->tag) || IsInline(current.tag)) {
-            CompareInlineRun(expected, received, e, r, remaining);
-            ++e;
-            ++r;
+            compareInlineRun(*want);
             continue;
         }
         if (want->tag.tagText.view() != current.tag.tagText.view())

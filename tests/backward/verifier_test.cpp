@@ -179,6 +179,15 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"document cut off", kString, Replace(kString, " </stringtable> </resources>", ""),
             "Error: Unexpected end found, tag 'stringtable' is expected.\n" + kTrailer,
             "VerifyTagStructure", ""},
+        Row{"cut off behind added inline tags", kString,
+            Replace(kString, "</string> </stringtable> </resources>", "\\r \\r \\r"),
+            "Error: Unexpected tag '%s' found, tag '</string>' is expected(string id = 7 "
+            ",control name = 'string' & id = 7).\n" +
+                kTrailer,
+            "VerifyTagStructure",
+            "Alert: The tag '\\r' has been added " + kStringContext + ".\n" +
+                "Alert: The tag '\\r' has been added " + kStringContext + ".\n" +
+                "Alert: The tag '\\r' has been added " + kStringContext + ".\n"},
         Row{"inline run at the very end", "<resources> %s", "<resources> %s", "", "", ""},
         Row{"nothing received", kString, "",
             "Error: Unexpected end found, tag 'resources' is expected.\n" + kTrailer,
