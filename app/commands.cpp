@@ -1,6 +1,7 @@
 #include "app/commands.h"
 
 #include <map>
+#include <string_view>
 
 namespace tervane::app {
 
@@ -24,18 +25,45 @@ CLI::App* AddCommand(CLI::App& parent, const std::string& name, const std::strin
     return command;
 }
 
+namespace {
+
+struct CommandEntry {
+    std::string_view name;
+    void (*add)(CLI::App&);
+};
+
+constexpr CommandEntry kCommands[] = {
+    {"list", AddListCommand},       {"res", AddResCommand},         {"tokens", AddTokensCommand},
+    {"tables", AddTablesCommand},   {"extract", AddExtractCommand}, {"pseudo", AddPseudoCommand},
+    {"stats", AddStatsCommand},     {"merge", AddMergeCommand},     {"scan", AddScanCommand},
+    {"preview", AddPreviewCommand}, {"verify", AddVerifyCommand},
+};
+
+const CommandEntry* Named(std::string_view word) {
+    for (const CommandEntry& entry : kCommands)
+        if (entry.name == word)
+            return &entry;
+    return nullptr;
+}
+
+} // namespace
+
 void AddCommands(CLI::App& app) {
-    AddListCommand(app);
-    AddResCommand(app);
-    AddTokensCommand(app);
-    AddTablesCommand(app);
-    AddExtractCommand(app);
-    AddPseudoCommand(app);
-    AddStatsCommand(app);
-    AddMergeCommand(app);
-    AddScanCommand(app);
-    AddPreviewCommand(app);
-    AddVerifyCommand(app);
+    for (const CommandEntry& entry : kCommands)
+        entry.add(app);
+}
+
+void AddCommandsFor(CLI::App& app, int argc, const char* const* argv) {
+    const CommandEntry* chosen = argc > 1 ? Named(argv[1]) : nullptr;
+    // Another command's name further on is an error whose message the other
+    // commands' presence shapes: then all are there, as always.
+    for (int i = 2; chosen && i < argc; ++i)
+        if (Named(argv[i]))
+            chosen = nullptr;
+    if (chosen)
+        chosen->add(app);
+    else
+        AddCommands(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "tervane " TERVANE_VERSION);
     app.require_subcommand(1);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    tervane::app::AddCommands(app);
+    tervane::app::AddCommandsFor(app, argc, argv);
     app.footer("Run 'tervane COMMAND --help' for the options of one command.");
 
     if (argc < 2) {

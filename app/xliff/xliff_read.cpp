@@ -2,10 +2,8 @@
 #include <memory>
 #include <unordered_set>
 
-#include <libxml/parser.h>
-#include <libxml/tree.h>
-
 #include "app/xliff/xliff_io.h"
+#include "app/xliff/xml_calls.h"
 #include "platform/locale/utf8.h"
 
 namespace tervane::xliff {
@@ -13,7 +11,7 @@ namespace tervane::xliff {
 namespace {
 
 int LineOf(const xmlNode* node) {
-    return static_cast<int>(xmlGetLineNo(node));
+    return static_cast<int>(Xml().xmlGetLineNo(node));
 }
 
 bool IsXliff(const xmlNode* node, const char* name) {
@@ -27,20 +25,20 @@ std::string Name(const xmlNode* node) {
 }
 
 std::string Attribute(const xmlNode* node, const char* name) {
-    xmlChar* value = xmlGetProp(node, reinterpret_cast<const xmlChar*>(name));
+    xmlChar* value = Xml().xmlGetProp(node, reinterpret_cast<const xmlChar*>(name));
     if (value == nullptr)
         return {};
     std::string text(reinterpret_cast<const char*>(value));
-    xmlFree(value);
+    Xml().Free(value);
     return text;
 }
 
 std::string TextOf(const xmlNode* node) {
-    xmlChar* value = xmlNodeGetContent(node);
+    xmlChar* value = Xml().xmlNodeGetContent(node);
     if (value == nullptr)
         return {};
     std::string text(reinterpret_cast<const char*>(value));
-    xmlFree(value);
+    Xml().Free(value);
     return text;
 }
 
@@ -205,24 +203,24 @@ private:
 };
 
 struct FreeDocument {
-    void operator()(xmlDoc* doc) const { xmlFreeDoc(doc); }
+    void operator()(xmlDoc* doc) const { Xml().xmlFreeDoc(doc); }
 };
 
 } // namespace
 
 Document ReadXliff(std::string_view bytes, const std::string& name) {
-    xmlResetLastError();
-    std::unique_ptr<xmlDoc, FreeDocument> doc(xmlReadMemory(
+    Xml().xmlResetLastError();
+    std::unique_ptr<xmlDoc, FreeDocument> doc(Xml().xmlReadMemory(
         bytes.data(), static_cast<int>(bytes.size()), name.c_str(), nullptr,
         XML_PARSE_NONET | XML_PARSE_BIG_LINES | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (!doc) {
-        const xmlError* error = xmlGetLastError();
+        const xmlError* error = Xml().xmlGetLastError();
         std::string message = error && error->message ? error->message : "unreadable";
         while (!message.empty() && (message.back() == '\n' || message.back() == ' '))
             message.pop_back();
         throw DocumentError("malformed XML: " + message, {}, error ? error->line : 0);
     }
-    return Reader().Read(xmlDocGetRootElement(doc.get()));
+    return Reader().Read(Xml().xmlDocGetRootElement(doc.get()));
 }
 
 } // namespace tervane::xliff

@@ -2,9 +2,8 @@
 #include <memory>
 #include <stdexcept>
 
-#include <libxml/xmlwriter.h>
-
 #include "app/xliff/xliff_io.h"
+#include "app/xliff/xml_calls.h"
 #include "platform/locale/utf8.h"
 
 namespace tervane::xliff {
@@ -23,37 +22,39 @@ bool IsSurrogate(char16_t c) {
 
 class XmlOut {
 public:
-    XmlOut() : buffer_(xmlBufferCreate(), xmlBufferFree) {
+    XmlOut() : buffer_(Xml().xmlBufferCreate(), Xml().xmlBufferFree) {
         if (!buffer_)
             throw std::bad_alloc();
         // The default scheme grows by what is added, copying the whole
         // document again and again.
-        xmlBufferSetAllocationScheme(buffer_.get(), XML_BUFFER_ALLOC_DOUBLEIT);
-        writer_.reset(xmlNewTextWriterMemory(buffer_.get(), 0));
+        Xml().xmlBufferSetAllocationScheme(buffer_.get(), XML_BUFFER_ALLOC_DOUBLEIT);
+        writer_.reset(Xml().xmlNewTextWriterMemory(buffer_.get(), 0));
         if (!writer_)
             throw std::bad_alloc();
     }
 
-    void Start(const char* name) { Check(xmlTextWriterStartElement(W(), X(name))); }
+    void Start(const char* name) { Check(Xml().xmlTextWriterStartElement(W(), X(name))); }
     void StartRoot(const char* name, const char* ns) {
-        Check(xmlTextWriterStartElementNS(W(), nullptr, X(name), X(ns)));
+        Check(Xml().xmlTextWriterStartElementNS(W(), nullptr, X(name), X(ns)));
     }
     void Attr(const char* name, const std::string& value) {
-        Check(xmlTextWriterWriteAttribute(W(), X(name), X(value.c_str())));
+        Check(Xml().xmlTextWriterWriteAttribute(W(), X(name), X(value.c_str())));
     }
-    void End() { Check(xmlTextWriterEndElement(W())); }
-    void Text(const std::string& utf8) { Check(xmlTextWriterWriteString(W(), X(utf8.c_str()))); }
+    void End() { Check(Xml().xmlTextWriterEndElement(W())); }
+    void Text(const std::string& utf8) {
+        Check(Xml().xmlTextWriterWriteString(W(), X(utf8.c_str())));
+    }
     void Line(int depth) { Text("\n" + std::string(depth, ' ')); }
 
     std::string Finish() {
-        Check(xmlTextWriterEndDocument(W()));
-        Check(xmlTextWriterFlush(W()));
+        Check(Xml().xmlTextWriterEndDocument(W()));
+        Check(Xml().xmlTextWriterFlush(W()));
         writer_.reset();
-        return std::string(reinterpret_cast<const char*>(xmlBufferContent(buffer_.get())),
-                           static_cast<std::size_t>(xmlBufferLength(buffer_.get())));
+        return std::string(reinterpret_cast<const char*>(Xml().xmlBufferContent(buffer_.get())),
+                           static_cast<std::size_t>(Xml().xmlBufferLength(buffer_.get())));
     }
 
-    void Declaration() { Check(xmlTextWriterStartDocument(W(), "1.0", "UTF-8", nullptr)); }
+    void Declaration() { Check(Xml().xmlTextWriterStartDocument(W(), "1.0", "UTF-8", nullptr)); }
 
 private:
     static const xmlChar* X(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
@@ -64,7 +65,8 @@ private:
     }
 
     std::unique_ptr<xmlBuffer, void (*)(xmlBufferPtr)> buffer_;
-    std::unique_ptr<xmlTextWriter, void (*)(xmlTextWriterPtr)> writer_{nullptr, xmlFreeTextWriter};
+    std::unique_ptr<xmlTextWriter, void (*)(xmlTextWriterPtr)> writer_{nullptr,
+                                                                       Xml().xmlFreeTextWriter};
 };
 
 std::string Utf8(std::u16string_view text) {

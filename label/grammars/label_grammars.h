@@ -41,8 +41,11 @@ class DialogResParseStackElement : public SSYaccStackElement {};
 // Base of the three parsers: holds the caller's list.
 class LabelYaccClass : public SSYacc {
 public:
+    // A label that can't be parsed comes back short: a recovery that fails
+    // at its end ends the parse without a raise.
     LabelYaccClass(SSLex* lex, const SSYaccTable* table) : SSYacc(lex, table) {
         setLazyElements(true);
+        setEndOnFailedRecovery(true);
     }
     // Where reductions put their tokens: at the end of a list, or written
     // over the kept records of a reused one.

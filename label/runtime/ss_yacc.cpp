@@ -324,11 +324,17 @@ int SSYacc::error(std::uint32_t, SSLexLexeme*) {
                 sync.add(errorRow.action(i).symbol);
         }
     }
-    if (sync.empty())
+    if (sync.empty()) {
+        if (endOnFailedRecovery_)
+            return 1;
         raise(ss_error::kNoValidToken, "SSYacc0105e: Error token failed, no valid token");
+    }
     while (!sync.contains(lookahead_.parseToken())) {
-        if (queue_.count() == 0 && eofSeen_)
+        if (queue_.count() == 0 && eofSeen_) {
+            if (endOnFailedRecovery_)
+                return 1;
             raise(ss_error::kErrorTokenEof, "SSYacc0106e: Error token failed, eof");
+        }
         if (!readLookahead(false))
             return 1;
     }

@@ -96,6 +96,11 @@ protected:
     // lookaheadRead() are not called, and plain productions make no
     // element; elementFromProduction() makes one when asked.
     void setLazyElements(bool lazy) { lazy_ = lazy; }
+    // For callers that take a failed recovery as the end of the parse: a
+    // recovery with no token to resume at, or that reaches the end of the
+    // input, ends parse() with 1 instead of raising, since a raise costs a
+    // label more than its parse.
+    void setEndOnFailedRecovery(bool end) { endOnFailedRecovery_ = end; }
     // For reduce() of a lazy parser: stands for an element that carries
     // nothing, which is made only when asked for.
     SSYaccStackElement* blankElement() { return &blank_; }
@@ -148,6 +153,7 @@ private:
     const SSYaccProduction* productions_ = nullptr;
     std::uint64_t plainProductions_ = 0;
     bool lazy_ = false;
+    bool endOnFailedRecovery_ = false;
     // Never pushed, and its count never reaches 0.
     SSYaccStackElement blank_;
 };

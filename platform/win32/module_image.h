@@ -2,14 +2,11 @@
 // What an HMODULE, HRSRC and HGLOBAL of the resource calls stand for, and the
 // platform's own entries beside the Win32 calls.
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <span>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "platform/pe/pe_image.h"
@@ -38,14 +35,14 @@ struct ModuleImage {
     tervane::Result<tervane::pe::ResourceTree> tree{tervane::pe::ResourceTree{}};
     std::vector<std::span<const std::uint8_t>> builtinData;
 
-    // Handles given out stay valid until FreeLibrary; a lookup repeated
-    // gives the same handle, so repeated calls don't grow the module.
+    // One handle per resource of the tree, all made on the first lookup in
+    // an array that never moves: a lookup repeated gives the same handle, a
+    // handle is valid while it points at one of them (until FreeLibrary), and
+    // checking one is an address compare, not a search.
     std::mutex mutex;
-    std::map<std::tuple<std::size_t, std::size_t, std::size_t>, std::unique_ptr<ResourceInfo>>
-        infos;
-    std::unordered_set<const ResourceInfo*> validInfos;
-    std::unordered_map<const ResourceInfo*, std::unique_ptr<LoadedResource>> loaded;
-    std::unordered_set<const LoadedResource*> validLoaded;
+    std::vector<ResourceInfo> handles;
+    std::vector<std::vector<std::size_t>> firstHandles;  // per type and name: its first language's
+    std::vector<std::unique_ptr<LoadedResource>> loaded; // per handle, once loaded
 };
 
 namespace tervane {

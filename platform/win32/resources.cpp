@@ -144,21 +144,48 @@ const pe::ResourceName* FindNameOrFail(const pe::ResourceType& type, const ResNa
     return nullptr;
 }
 
-HRSRC Handle(ModuleImage& module, std::size_t type, std::size_t name, std::size_t language) {
+// Under the module's lock.
+void MakeHandles(ModuleImage& module) {
+    if (!module.handles.empty() || !module.tree)
+        return;
     const pe::ResourceTree& tree = *module.tree;
+    std::vector<ResourceInfo> handles;
+    handles.reserve(tree.ResourceCount());
+    std::vector<std::vector<std::size_t>> first(tree.types.size());
+    for (std::size_t type = 0; type < tree.types.size(); ++type)
+        for (std::size_t name = 0; name < tree.types[type].names.size(); ++name) {
+            first[type].push_back(handles.size());
+            const auto& languages = tree.types[type].names[name].languages;
+            for (std::size_t language = 0; language < languages.size(); ++language)
+                handles.push_back({type, name, language, languages[language].data});
+        }
+    module.loaded.resize(handles.size());
+    module.firstHandles = std::move(first);
+    module.handles = std::move(handles);
+}
+
+HRSRC Handle(ModuleImage& module, std::size_t type, std::size_t name, std::size_t language) {
     std::lock_guard lock(module.mutex);
-    auto& slot = module.infos[{type, name, language}];
-    if (!slot) {
-        slot = std::make_unique<ResourceInfo>(ResourceInfo{
-            type, name, language, tree.types[type].names[name].languages[language].data});
-        module.validInfos.insert(slot.get());
-    }
-    return slot.get();
+    MakeHandles(module);
+    return &module.handles[module.firstHandles[type][name] + language];
+}
+
+// Where a handle stands among the module's, if it is one of them; under the lock.
+std::optional<std::size_t> HandleIndex(const ModuleImage& module, HRSRC resource) {
+    const auto at = reinterpret_cast<std::uintptr_t>(resource);
+    const auto first = reinterpret_cast<std::uintptr_t>(module.handles.data());
+    if (!resource || at < first)
+        return std::nullopt;
+    const std::uintptr_t offset = at - first;
+    if (offset % sizeof(ResourceInfo) != 0 ||
+        offset / sizeof(ResourceInfo) >= module.handles.size())
+        return std::nullopt;
+    return offset / sizeof(ResourceInfo);
 }
 
 bool ValidInfo(ModuleImage& module, HRSRC resource) {
     std::lock_guard lock(module.mutex);
-    return resource && module.validInfos.contains(resource);
+    return HandleIndex(module, resource).has_value();
 }
 
 Result<std::vector<std::uint8_t>> DataOf(const ModuleImage& module,
@@ -375,15 +402,13 @@ HRSRC FindResourceExA(HMODULE module, const ResName& type, const ResName& name, 
     // FindResourceA asks for) goes on to the user's and the system's
     // language, which are English (United States) here, then to English, and
     // at last to the first language stored.
-    std::vector<WORD> candidates = {language, MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL),
-                                    MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL)};
     const bool neutral = PRIMARYLANGID(language) == LANG_NEUTRAL;
-    if (neutral)
-        candidates.insert(candidates.end(), {kDefaultLanguage, PRIMARYLANGID(kDefaultLanguage)});
+    const WORD candidates[] = {language, MAKELANGID(PRIMARYLANGID(language), SUBLANG_NEUTRAL),
+                               MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL), kDefaultLanguage,
+                               PRIMARYLANGID(kDefaultLanguage)};
     std::optional<std::size_t> match;
-    for (WORD candidate : candidates)
-        if ((match = FindLanguage(*found, candidate)))
-            break;
+    for (std::size_t i = 0; i < (neutral ? 5u : 3u) && !match; ++i)
+        match = FindLanguage(*found, candidates[i]);
     if (!match && neutral && !found->languages.empty())
         match = 0;
     if (!match) {
@@ -401,21 +426,24 @@ HRSRC FindResourceA(HMODULE module, const ResName& name, const ResName& type) {
 
 HGLOBAL LoadResource(HMODULE module, HRSRC resource) {
     ModuleImage* image = Resolve(module);
-    if (!image || !ValidInfo(*image, resource)) {
+    if (!image) {
         SetLastError(ERROR_INVALID_HANDLE);
         return nullptr;
     }
     std::lock_guard lock(image->mutex);
-    auto& slot = image->loaded[resource];
+    const std::optional<std::size_t> index = HandleIndex(*image, resource);
+    if (!index) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return nullptr;
+    }
+    std::unique_ptr<LoadedResource>& slot = image->loaded[*index];
     if (!slot) {
         auto bytes = LoadedData(*image, resource->data);
         if (!bytes) {
-            image->loaded.erase(resource);
             Fail(bytes.error());
             return nullptr;
         }
         slot = std::make_unique<LoadedResource>(std::move(*bytes));
-        image->validLoaded.insert(slot.get());
     }
     return slot.get();
 }

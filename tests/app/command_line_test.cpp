@@ -65,6 +65,9 @@ TEST(CommandLine, MistakesAreNamedWithStatusTwo) {
          Wrong("res get", "--lang: bad language '0x1g'")},
         {"res put reader.dll --type 10 --name 1 --lang 0", Wrong("res put", "--data is required")},
         {"extract --events --bogus reader.dll", Wrong("extract", "unknown option '--bogus'")},
+        // Another command's name as a word further on.
+        {"list reader.dll extract",
+         Wrong("list", "The following argument was not expected: extract")},
     };
     for (const Case& c : cases) {
         Outcome outcome = Tervane(c.arguments);
@@ -127,6 +130,11 @@ TEST(CommandLine, HelpAtEveryLevelAndVersion) {
         {"merge --help",
          {"Usage: tervane merge [OPTIONS]", "--events EVENTS", "--no-scan",
           "First the scanner is asked"}},
+        {"pseudo --help", {"Usage: tervane pseudo [OPTIONS] FILE"}},
+        {"stats --help", {"Usage: tervane stats [OPTIONS] FILE"}},
+        {"scan --help", {"Usage: tervane scan [OPTIONS] FILE..."}},
+        {"preview --help", {"Usage: tervane preview [OPTIONS]"}},
+        {"verify --help", {"Usage: tervane verify [OPTIONS] FILE"}},
     };
     for (const Case& c : cases) {
         Outcome outcome = Tervane(c.arguments);

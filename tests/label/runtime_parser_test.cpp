@@ -27,7 +27,7 @@ constexpr Holding kHoldings[] = {Holding::objects, Holding::lazy, Holding::texts
 
 Outcome RunToy(const YaccGrammar& grammar, std::u16string_view text, std::uint32_t magic = kCyss,
                std::optional<int> probe = std::nullopt, std::uint64_t plain = 0,
-               Holding holding = Holding::objects) {
+               Holding holding = Holding::objects, bool endOnFailedRecovery = false) {
     SSLexTable lexTable(ToyLexImage(), "TOY");
     SSYaccTable yaccTable(BuildYaccTable(grammar, magic), "TOY");
     SSLexStringConsumer consumer(text);
@@ -38,6 +38,8 @@ Outcome RunToy(const YaccGrammar& grammar, std::u16string_view text, std::uint32
     if (holding != Holding::objects)
         yacc.setLazy();
     yacc.textsOnly = holding == Holding::textsOnly;
+    if (endOnFailedRecovery)
+        yacc.setEndOnFailure();
     Outcome out;
     try {
         out.result = yacc.parse();
@@ -164,6 +166,35 @@ TEST(ParserErrors, RaisedWithTheirCodesAndMessages) {
         EXPECT_EQ(out.code, c.code) << c.name;
         EXPECT_EQ(out.message, c.message) << c.name;
     }
+}
+
+// Asked to, the parser ends with 1 where a recovery fails, instead of
+// raising; it still raises what no recovery causes.
+TEST(ParserErrors, AFailedRecoveryEndsTheParseWhenAsked) {
+    auto marked = Changed([](YaccGrammar& g) {
+        g.rows[2].flags = 0x1;
+        g.rows[2].actions[1].value |= 0x80000000;
+    });
+    auto noGoto = Changed([](YaccGrammar& g) { g.productions[2] = {1, 0x4009}; });
+    struct Case {
+        const char* name;
+        YaccGrammar grammar;
+        std::u16string text;
+        int result;
+        std::int32_t code;
+    };
+    const Case cases[] = {
+        {"no valid token", ToyGrammar(), u"1 a", 1, 0},
+        {"no sync token at the end", marked, u"1 a", 1, 0},
+        {"no goto for the left side", noGoto, u"1", -1, 18},
+        {"a good text", ToyGrammar(), u"1 2", 0, 0},
+    };
+    for (const Case& c : cases)
+        for (Holding holding : kHoldings) {
+            Outcome out = RunToy(c.grammar, c.text, kCyss, std::nullopt, 0, holding, true);
+            EXPECT_EQ(out.result, c.result) << c.name;
+            EXPECT_EQ(out.code, c.code) << c.name;
+        }
 }
 
 // The looked-up actions and gotos against the row searches.

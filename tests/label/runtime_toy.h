@@ -102,6 +102,7 @@ public:
     void setPlain(std::uint64_t mask) { setPlainProductions(mask); }
     // Elements made only when asked for, and texts read without them.
     void setLazy() { setLazyElements(true); }
+    void setEndOnFailure() { setEndOnFailedRecovery(true); }
     bool textsOnly = false;
 
     SSYaccStackElement* reduce(std::uint32_t production, std::uint32_t size) override {

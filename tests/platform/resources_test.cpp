@@ -1,5 +1,7 @@
 #include "platform/win32/resources.h"
 
+#include <cstdint>
+
 #include <gtest/gtest.h>
 
 #include "platform/win32/last_error.h"
@@ -94,6 +96,45 @@ TEST(Resources, FindsAsWin32Does) {
         HRSRC found = FindResourceA(module.handle, "AB", RT_RCDATA);
         ASSERT_TRUE(found);
         EXPECT_EQ(found, FindResourceExA(module.handle, RT_RCDATA, "AB", 0x409));
+    }
+}
+
+TEST(Resources, HandlesAreCheckedAgainstTheirModule) {
+    Module module(test::FixturePath("reader", "x64"));
+    ASSERT_TRUE(module.handle);
+    // The first and the last resource of the directory, in its order.
+    HRSRC first = FindResourceExA(module.handle, "MYTYPE", "NAMED", 1033);
+    HRSRC last = FindResourceExA(module.handle, ResName(240), ResName(1), 1033);
+    ASSERT_TRUE(first && last);
+    EXPECT_EQ(first, FindResourceExA(module.handle, "MYTYPE", "NAMED", 1033));
+    HGLOBAL loaded = LoadResource(module.handle, last);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(LoadResource(module.handle, last), loaded); // loaded once
+    HRSRC own = FindResourceA(TervaneModuleHandle(), ResName(1), RT_VERSION);
+    ASSERT_TRUE(own);
+    struct Case {
+        const char* what;
+        HRSRC handle;
+        bool valid;
+    };
+    auto at = [](HRSRC handle, std::ptrdiff_t bytes) {
+        return reinterpret_cast<HRSRC>(reinterpret_cast<std::uintptr_t>(handle) + bytes);
+    };
+    constexpr auto kSize = static_cast<std::ptrdiff_t>(sizeof(ResourceInfo));
+    const Case cases[] = {
+        {"first", first, true},
+        {"last", last, true},
+        {"null", nullptr, false},
+        {"past the last", at(last, kSize), false},
+        {"before the first", at(first, -kSize), false},
+        {"inside the last", at(last, 1), false},
+        {"another module's", own, false},
+    };
+    for (const Case& c : cases) {
+        SetLastError(0);
+        EXPECT_EQ(LoadResource(module.handle, c.handle) != nullptr, c.valid) << c.what;
+        EXPECT_EQ(SizeofResource(module.handle, c.handle) != 0, c.valid) << c.what;
+        EXPECT_EQ(GetLastError(), c.valid ? 0u : DWORD{ERROR_INVALID_HANDLE}) << c.what;
     }
 }
 
