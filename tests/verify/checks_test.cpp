@@ -109,6 +109,16 @@ const CheckRow kRows[] = {
      },
      "texts",
      {{3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 4}}},
+    {"string id three times, another between",
+     [] {
+         return Words({"<stringtable>", "<string id=\"5\">", "a", "</string>", "<string id=\"6\">",
+                       "b", "</string>", "<string id=\"5\">", "c", "</string>", "<string id=\"5\">",
+                       "d", "</string>", "</stringtable>"});
+     },
+     "texts",
+     {{3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 7},
+      {3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 10},
+      {3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 10}}},
     {"hotkeys Save and send in one dialog",
      [] {
          return Words({"<dialogs>", "<dialog id=\"1\">", "<button>", "&", "Save", "</button>",
