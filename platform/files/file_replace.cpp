@@ -58,7 +58,12 @@ mode_t PermissionsFor(const std::string& path) {
     return 0666 & ~mask;
 }
 
-std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mode_t mode) {
+namespace {
+
+// Writes the content through fill (which returns 0 or an errno) into a
+// temporary file beside path, then renames it over path.
+template <typename Fill>
+std::optional<Error> ReplaceThrough(const std::string& path, mode_t mode, const Fill& fill) {
     auto [folder, name] = SplitPath(path);
     std::string temporary = folder + "/." + name + ".tervane-XXXXXX";
     int fd = ::mkstemp(temporary.data());
@@ -69,16 +74,8 @@ std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mo
         ::unlink(temporary.c_str());
         return Error{Win32ErrorFromErrno(error), path};
     };
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        ssize_t got = ::write(fd, bytes.data() + written, bytes.size() - written);
-        if (got < 0) {
-            if (errno == EINTR)
-                continue;
-            return fail(errno);
-        }
-        written += static_cast<std::size_t>(got);
-    }
+    if (int error = fill(fd))
+        return fail(error);
     // Keep the owner where we may (as root); elsewhere the new file is ours,
     // as on any rewrite.
     struct stat old {};
@@ -99,6 +96,68 @@ std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mo
         return Error{Win32ErrorFromErrno(error), path};
     }
     return std::nullopt;
+}
+
+int WriteAll(int fd, const std::uint8_t* bytes, std::size_t size) {
+    std::size_t written = 0;
+    while (written < size) {
+        ssize_t got = ::write(fd, bytes + written, size - written);
+        if (got < 0) {
+            if (errno == EINTR)
+                continue;
+            return errno;
+        }
+        written += static_cast<std::size_t>(got);
+    }
+    return 0;
+}
+
+// The kernel copies where it can, without the bytes passing through this
+// process; where it cannot (another file system on an old kernel), they do.
+int CopyAll(int from, int to) {
+    bool started = false;
+    for (;;) {
+        ssize_t got = ::copy_file_range(from, nullptr, to, nullptr, 1 << 30, 0);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0 && !started &&
+            (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP))
+            break;
+        if (got < 0)
+            return errno;
+        if (got == 0)
+            return 0;
+        started = true;
+    }
+    std::uint8_t buffer[1 << 16];
+    for (;;) {
+        ssize_t got = ::read(from, buffer, sizeof buffer);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return errno;
+        if (got == 0)
+            return 0;
+        if (int error = WriteAll(to, buffer, static_cast<std::size_t>(got)))
+            return error;
+    }
+}
+
+} // namespace
+
+std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mode_t mode) {
+    return ReplaceThrough(path, mode,
+                          [&](int fd) { return WriteAll(fd, bytes.data(), bytes.size()); });
+}
+
+std::optional<Error> ReplaceFileWithCopy(const std::string& path, const std::string& from,
+                                         mode_t mode) {
+    int source = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0)
+        return Error{Win32ErrorFromErrno(errno), from};
+    auto error = ReplaceThrough(path, mode, [&](int fd) { return CopyAll(source, fd); });
+    ::close(source);
+    return error;
 }
 
 } // namespace tervane::files
