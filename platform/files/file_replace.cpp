@@ -61,9 +61,11 @@ mode_t PermissionsFor(const std::string& path) {
 namespace {
 
 // Writes the content through fill (which returns 0 or an errno) into a
-// temporary file beside path, then renames it over path.
+// temporary file beside path, then renames it over path; with sync, once
+// the content is on the disk.
 template <typename Fill>
-std::optional<Error> ReplaceThrough(const std::string& path, mode_t mode, const Fill& fill) {
+std::optional<Error> ReplaceThrough(const std::string& path, mode_t mode, bool sync,
+                                    const Fill& fill) {
     auto [folder, name] = SplitPath(path);
     std::string temporary = folder + "/." + name + ".tervane-XXXXXX";
     int fd = ::mkstemp(temporary.data());
@@ -83,7 +85,7 @@ std::optional<Error> ReplaceThrough(const std::string& path, mode_t mode, const 
         errno = 0;
     // The rename below is what makes the new content visible; it must not
     // become visible before the content itself is on the disk.
-    if (::fchmod(fd, mode) != 0 || ::fsync(fd) != 0)
+    if (::fchmod(fd, mode) != 0 || (sync && ::fsync(fd) != 0))
         return fail(errno);
     if (::close(fd) != 0) {
         int error = errno;
@@ -146,7 +148,7 @@ int CopyAll(int from, int to) {
 } // namespace
 
 std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mode_t mode) {
-    return ReplaceThrough(path, mode,
+    return ReplaceThrough(path, mode, true,
                           [&](int fd) { return WriteAll(fd, bytes.data(), bytes.size()); });
 }
 
@@ -155,7 +157,11 @@ std::optional<Error> ReplaceFileWithCopy(const std::string& path, const std::str
     int source = ::open(from.c_str(), O_RDONLY | O_CLOEXEC);
     if (source < 0)
         return Error{Win32ErrorFromErrno(errno), from};
-    auto error = ReplaceThrough(path, mode, [&](int fd) { return CopyAll(source, fd); });
+    // A copy under a new name replaces nothing that a crash could cost, and
+    // Win32's CopyFile does not flush either; a copy over a file does.
+    struct stat target {};
+    const bool replaces = ::stat(path.c_str(), &target) == 0;
+    auto error = ReplaceThrough(path, mode, replaces, [&](int fd) { return CopyAll(source, fd); });
     ::close(source);
     return error;
 }
