@@ -33,7 +33,7 @@ files=("$work/strings.dll")
 wine=/usr/lib/x86_64-linux-gnu/wine/x86_64-windows
 # A copy: the merges write their work files beside the source.
 if [ -d "$wine" ]; then
-  largest=$(ls -S "$wine" | head -1)
+  largest=$(ls -S "$wine" | sed -n 1p) # reads all: no SIGPIPE under pipefail
   cp "$wine/$largest" "$work/$largest"
   files+=("$work/$largest")
 fi
