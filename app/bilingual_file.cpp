@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "app/language_tags.h"
 #include "app/xliff/sha256.h"
 #include "app/xliff/xliff_io.h"
 #include "platform/files/file_content.h"
@@ -73,17 +74,11 @@ std::string SourceFromOriginal(const std::string& original, const std::string& d
 }
 
 std::string LanguageTagOption(const std::string& text, const std::string& option) {
-    std::optional<locale::LanguageCodePages> found;
-    char* end = nullptr;
-    unsigned long number = std::strtoul(text.c_str(), &end, 0);
-    if (!text.empty() && end && *end == '\0' && number <= 0xFFFF)
-        found = locale::FindLanguageCodePages(static_cast<LANGID>(number));
-    else
-        found = locale::FindLanguageByName(text);
-    if (!found || std::string(found->name).empty())
+    std::optional<LANGID> language = ParseLanguage(text);
+    std::string tag = language ? TagOf(*language) : std::string();
+    if (tag.empty())
         throw CommandFailure(option, "unknown language '" + text + "'");
-    std::string name = found->name;
-    return name.substr(0, name.find('_'));
+    return tag;
 }
 
 CommandFailure DocumentFailure(const std::string& path, const xliff::DocumentError& error) {
@@ -97,16 +92,22 @@ CommandFailure DocumentFailure(const std::string& path, const xliff::DocumentErr
 }
 
 xliff::Document LoadDocument(const std::string& path) {
+    return LoadReadDocument(path).document;
+}
+
+ReadDocument LoadReadDocument(const std::string& path) {
     auto content = files::ReadFileContent(path);
     if (!content)
         throw CommandFailure(path, SystemText(content.error().code, path));
     Bytes bytes = content->bytes();
+    ReadDocument read;
+    read.xml.assign(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     try {
-        return xliff::ReadXliff(
-            std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()), path);
+        read.document = xliff::ReadXliff(read.xml, path);
     } catch (const xliff::DocumentError& error) {
         throw DocumentFailure(path, error);
     }
+    return read;
 }
 
 void SaveDocument(const xliff::Document& document, OutputFile& output) {

@@ -7,6 +7,7 @@
 #include "app/failure.h"
 #include "app/output_file.h"
 #include "app/xliff/document.h"
+#include "app/xliff/events.h"
 
 namespace tervane::app {
 
@@ -31,6 +32,17 @@ std::string LanguageTagOption(const std::string& text, const std::string& option
 
 // Throws CommandFailure with the path and the line for a fault of the document.
 xliff::Document LoadDocument(const std::string& path);
+
+// A bilingual document with its bytes, and the events of its source file
+// once they are converted (source: that file's absolute path).
+struct ReadDocument {
+    std::string xml;
+    xliff::Document document;
+    std::string source;
+    xliff::EventList events;
+};
+// LoadDocument, keeping the bytes.
+ReadDocument LoadReadDocument(const std::string& path);
 // Writes and commits the whole document.
 void SaveDocument(const xliff::Document& document, OutputFile& output);
 

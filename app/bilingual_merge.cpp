@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <regex>
 
 #include "app/bilingual_file.h"
@@ -47,8 +48,10 @@ void CheckSource(const xliff::Document& document, const std::string& file,
 
 // A document that verification finds broken is not merged: the same
 // findings as `tervane verify`, the first of them named.
-void RefuseVerificationErrors(const std::string& documentPath, const std::string& source) {
-    const std::vector<Finding> errors = TranslatorErrors(VerifyDocument(documentPath, source));
+void RefuseVerificationErrors(const ReadDocument& read, const std::string& documentPath,
+                              const std::string& source) {
+    const std::vector<Finding> errors =
+        TranslatorErrors(VerifyReadDocument(read, documentPath, source));
     if (errors.empty())
         return;
     const Finding& first = errors.front();
@@ -108,22 +111,26 @@ DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
                                    const std::string& sourceOverride, bool verify,
                                    const char* command) {
     DocumentMerge merge;
-    merge.document = LoadDocument(documentPath);
+    // Read and converted once: the verification below works on the same.
+    ReadDocument read = LoadReadDocument(documentPath);
     merge.source = !sourceOverride.empty()
                        ? sourceOverride
-                       : SourceFromOriginal(merge.document.original, documentPath);
-    CheckSource(merge.document, documentPath, merge.source, ReadSourceFacts(merge.source));
-    xliff::EventList events = ExtractEvents(merge.source);
+                       : SourceFromOriginal(read.document.original, documentPath);
+    CheckSource(read.document, documentPath, merge.source, ReadSourceFacts(merge.source));
+    read.events = ExtractEvents(merge.source);
+    std::error_code error;
+    read.source = std::filesystem::absolute(merge.source, error).string();
     xliff::Merged merged;
     try {
-        merged = xliff::ApplyDocument(events, merge.document);
+        merged = xliff::ApplyDocument(read.events, read.document);
     } catch (const xliff::DocumentError& error) {
         throw DocumentFailure(documentPath, error);
     }
     if (command != nullptr)
         ReportWarnings(command, documentPath, merged.warnings);
     if (verify)
-        RefuseVerificationErrors(documentPath, merge.source);
+        RefuseVerificationErrors(read, documentPath, merge.source);
+    merge.document = std::move(read.document);
     merge.events = std::move(merged.events);
     return merge;
 }

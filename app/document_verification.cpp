@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "app/bilingual_file.h"
 #include "app/failure.h"
@@ -46,18 +44,20 @@ const char* SeverityWord(LONG severity) {
 }
 
 Verification VerifyDocument(const std::string& documentPath, const std::string& sourceOverride) {
-    const xliff::Document document = LoadDocument(documentPath);
-    std::ifstream in(documentPath, std::ios::binary);
-    std::stringstream bytes;
-    bytes << in.rdbuf();
+    return VerifyReadDocument(LoadReadDocument(documentPath), documentPath, sourceOverride);
+}
+
+Verification VerifyReadDocument(const ReadDocument& read, const std::string& documentPath,
+                                const std::string& sourceOverride) {
     const std::string named = !sourceOverride.empty()
                                   ? sourceOverride
-                                  : SourceFromOriginal(document.original, documentPath);
+                                  : SourceFromOriginal(read.document.original, documentPath);
     std::error_code error;
     std::string source;
     if (fs::is_regular_file(named, error))
         source = fs::absolute(named, error).string();
-    return VerifyBytes(bytes.str(), documentPath, source, named);
+    SharedReadDocument shared(read);
+    return VerifyBytes(read.xml, documentPath, source, named);
 }
 
 Verification VerifyBytes(const std::string& bytes, const std::string& documentPath,

@@ -18,6 +18,10 @@ struct Verification {
 // Throws CommandFailure for a document that cannot be read and for a run the
 // plug-in ended with an error.
 Verification VerifyDocument(const std::string& documentPath, const std::string& sourceOverride);
+// The same on a document read already, whose events serve when they are
+// those of the source the verification finds.
+Verification VerifyReadDocument(const ReadDocument& read, const std::string& documentPath,
+                                const std::string& sourceOverride);
 
 // The same on a document's bytes, with its source file found already (empty
 // when it is gone); the view names the document by named, else by source.

@@ -1,6 +1,7 @@
 #include "app/editor_objects.h"
 
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "app/forward_run.h"
@@ -18,6 +19,11 @@ using Model = std::shared_ptr<const EditorElements>;
 std::string& EditorSource() {
     static std::string source;
     return source;
+}
+
+const ReadDocument*& SharedRead() {
+    static const ReadDocument* read = nullptr;
+    return read;
 }
 
 HRESULT GetString(std::u16string_view value, BSTR* out) {
@@ -286,12 +292,20 @@ public:
             std::stringstream bytes;
             bytes << in.rdbuf();
             const std::string xml = bytes.str();
-            const xliff::Document document = xliff::ReadXliff(xml, file);
-            xliff::EventList events;
-            if (!EditorSource().empty())
-                events = ExtractEvents(EditorSource());
-            model_ =
-                std::make_shared<const EditorElements>(BuildEditorElements(document, events, xml));
+            const ReadDocument* read = SharedRead();
+            if (read != nullptr && read->xml != xml)
+                read = nullptr;
+            std::optional<xliff::Document> parsed;
+            if (read == nullptr)
+                parsed = xliff::ReadXliff(xml, file);
+            const xliff::Document& document = read ? read->document : *parsed;
+            xliff::EventList converted;
+            const bool known =
+                read != nullptr && !read->source.empty() && read->source == EditorSource();
+            if (!known && !EditorSource().empty())
+                converted = ExtractEvents(EditorSource());
+            model_ = std::make_shared<const EditorElements>(
+                BuildEditorElements(document, known ? read->events : converted, xml));
             return S_OK;
         } catch (...) {
             return E_FAIL;
@@ -306,6 +320,14 @@ private:
 
 void SetEditorSource(const std::string& path) {
     EditorSource() = path;
+}
+
+SharedReadDocument::SharedReadDocument(const ReadDocument& read) {
+    SharedRead() = &read;
+}
+
+SharedReadDocument::~SharedReadDocument() {
+    SharedRead() = nullptr;
 }
 
 void RegisterHostDocumentClass() {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/bilingual_file.h"
 #include "app/editor_elements.h"
 #include "host/editor.h"
 #include "platform/com/component.h"
@@ -17,6 +18,17 @@ namespace tervane::app {
 void SetEditorSource(const std::string& path);
 // Makes HostDocument known to CoCreateInstance in this process.
 void RegisterHostDocumentClass();
+
+// Hands a document read already to the host's document class while it
+// lives: a copy with the same bytes is not parsed again, nor its source
+// converted again. Merge has done both before it verifies.
+class SharedReadDocument {
+public:
+    explicit SharedReadDocument(const ReadDocument& read);
+    ~SharedReadDocument();
+    SharedReadDocument(const SharedReadDocument&) = delete;
+    SharedReadDocument& operator=(const SharedReadDocument&) = delete;
+};
 
 class EditorView : public ComObjectRoot, public DispatchWithoutTypeInfo<IEditorView> {
 public:

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <vector>
+
 #include "platform/com/bstr.h"
 #include "platform/com/com_error.h"
 #include "platform/com/com_ptr.h"
@@ -57,19 +60,29 @@ void CleanReport(IVerificationReport* report) {
     HRESULT hr = report->get_Count(&count);
     if (FAILED(hr))
         _com_issue_errorex(hr, report, IVerificationReport::iid);
+    // Each entry is read once and the pairs compared here: reading both of
+    // every pair through the report made two objects per pair.
+    std::vector<EntryFacts> entries;
+    entries.reserve(static_cast<std::size_t>(std::max<LONG>(count, 0)));
+    for (LONG k = 0; k < count; ++k)
+        entries.push_back(ReadEntry(report, k));
+    auto drop = [&](LONG index) {
+        Remove(report, index);
+        entries.erase(entries.begin() + index);
+    };
     for (LONG i = count - 1; i >= 1; --i) {
         for (LONG j = 0; j < i; ++j) {
-            const EntryFacts later = ReadEntry(report, i);
-            const EntryFacts earlier = ReadEntry(report, j);
+            const EntryFacts& later = entries[static_cast<std::size_t>(i)];
+            const EntryFacts& earlier = entries[static_cast<std::size_t>(j)];
             if (later.first != earlier.first || later.second != earlier.second)
                 continue;
             if (later.severity < earlier.severity ||
                 (later.severity == earlier.severity && later.text == earlier.text)) {
-                Remove(report, i);
+                drop(i);
                 break;
             }
             if (earlier.severity < later.severity) {
-                Remove(report, j);
+                drop(j);
                 --i;
                 --j;
             }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cwctype>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace tervane::verify {
 
@@ -233,11 +236,29 @@ int TextChecks::CheckMenus(const Pieces& pieces) {
 }
 
 int TextChecks::CheckDuplicateIds(const Pieces& pieces) {
+    // Each tag of an identifier against every later one, as FindDuplicates
+    // does, in the same order: through the tags of each text rather than all
+    // later pieces, since a string table holds thousands.
+    std::vector<const CTagLabelPiece*> tags;
+    std::unordered_map<std::u16string_view, std::vector<std::size_t>> sameText;
+    for (CLabelPiece* piece : pieces) {
+        const CTagLabelPiece* tag = piece->AsTag();
+        if (tag == nullptr || !HasIdAttribute(tag->tag))
+            continue;
+        sameText[tag->tag.tagText.view()].push_back(tags.size());
+        tags.push_back(tag);
+    }
     int found = 0;
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        const CTagLabelPiece* tag = pieces[i]->AsTag();
-        if (tag != nullptr && HasIdAttribute(tag->tag))
-            found |= FindDuplicates(*tag, Pieces(pieces.begin() + i + 1, pieces.end()));
+    for (std::size_t i = 0; i < tags.size(); ++i) {
+        const std::vector<std::size_t>& same = sameText[tags[i]->tag.tagText.view()];
+        for (auto later = std::upper_bound(same.begin(), same.end(), i); later != same.end();
+             ++later) {
+            const CTagLabelPiece& other = *tags[*later];
+            Report(report_, kError, 91,
+                   Compose("The tag '%s' is a duplicate tag.", {other.tag.tagText.view()}),
+                   other.range);
+            found = 1;
+        }
     }
     return found;
 }

@@ -99,10 +99,9 @@ std::string NarrowPath(const char16_t* path) {
 
 // Copies through a temporary file, so that the target is never half-written.
 bool CopyContent(const char* from, const char* to) {
-    auto bytes = files::ReadFileBytes(from);
-    if (!bytes)
-        return Fail(bytes.error().code);
-    if (auto error = files::ReplaceFileContent(to, *bytes, files::PermissionsFor(from)))
+    if (auto error = tervane::update::FlushPendingFile(from))
+        return Fail(error->code);
+    if (auto error = files::ReplaceFileWithCopy(to, from, files::PermissionsFor(from)))
         return Fail(error->code);
     return true;
 }

@@ -17,6 +17,10 @@ std::string CanonicalPath(const std::string& path);
 // Replaces (or creates) path with bytes, giving it the permission bits mode.
 // On any failure the target is untouched and the temporary file removed.
 std::optional<Error> ReplaceFileContent(const std::string& path, Bytes bytes, mode_t mode);
+// The same with the content of the file from, copied by the kernel where it
+// can. The caller writes out from's pending updates first.
+std::optional<Error> ReplaceFileWithCopy(const std::string& path, const std::string& from,
+                                         mode_t mode);
 
 // The Win32 code for a failed look at path: a missing folder on the way is
 // ERROR_PATH_NOT_FOUND, a missing file ERROR_FILE_NOT_FOUND.

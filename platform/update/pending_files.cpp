@@ -37,6 +37,7 @@ std::optional<Stamp> StampOf(const std::string& path) {
 struct Entry {
     PendingFile file;
     Stamp stamp;
+    int holds = 0; // open transactions
 };
 
 class Registry {
@@ -56,7 +57,8 @@ public:
     }
 
     std::optional<Error> With(const std::string& path,
-                              const std::function<std::optional<Error>(PendingFile&)>& work) {
+                              const std::function<std::optional<Error>(PendingFile&)>& work,
+                              bool hold) {
         std::lock_guard lock(mutex_);
         auto stamp = StampOf(path);
         auto it = entries_.find(path);
@@ -77,14 +79,25 @@ public:
                 file.tree = std::move(*tree);
             else
                 file.treeError = std::move(tree.error()).With(path);
-            auto entry = std::make_unique<Entry>(Entry{std::move(file), stamp.value_or(Stamp{})});
+            auto entry =
+                std::make_unique<Entry>(Entry{std::move(file), stamp.value_or(Stamp{}), 0});
             it = entries_.emplace(path, std::move(entry)).first;
         }
         auto result = work(it->second->file);
-        // Clean state costs memory and buys nothing once the caller is done.
-        if (!it->second->file.dirty)
-            entries_.erase(it);
+        if (hold && !result)
+            ++it->second->holds;
+        DropIfIdle(it);
         return result;
+    }
+
+    void Release(const std::string& path) {
+        std::lock_guard lock(mutex_);
+        auto it = entries_.find(path);
+        if (it == entries_.end())
+            return;
+        if (it->second->holds > 0)
+            --it->second->holds;
+        DropIfIdle(it);
     }
 
     std::optional<Error> Flush(const std::string& path) {
@@ -124,6 +137,14 @@ public:
     }
 
 private:
+    using Entries = std::map<std::string, std::unique_ptr<Entry>>;
+
+    // Clean state costs memory and buys nothing once no transaction needs it.
+    void DropIfIdle(Entries::iterator it) {
+        if (!it->second->file.dirty && it->second->holds == 0)
+            entries_.erase(it);
+    }
+
     static std::optional<Error> Write(const std::string& path, Entry& entry) {
         if (!entry.file.dirty)
             return std::nullopt;
@@ -136,7 +157,7 @@ private:
     }
 
     std::mutex mutex_;
-    std::map<std::string, std::unique_ptr<Entry>> entries_;
+    Entries entries_;
 };
 
 } // namespace
@@ -157,10 +178,14 @@ bool HasPendingUpdates(const std::string& path) {
     return Registry::Instance().Has(files::CanonicalPath(path));
 }
 
-std::optional<Error>
-WithPendingFile(const std::string& canonicalPath,
-                const std::function<std::optional<Error>(PendingFile&)>& work) {
-    return Registry::Instance().With(canonicalPath, work);
+std::optional<Error> WithPendingFile(const std::string& canonicalPath,
+                                     const std::function<std::optional<Error>(PendingFile&)>& work,
+                                     bool hold) {
+    return Registry::Instance().With(canonicalPath, work, hold);
+}
+
+void ReleasePendingFile(const std::string& canonicalPath) {
+    Registry::Instance().Release(canonicalPath);
 }
 
 } // namespace tervane::update

@@ -35,8 +35,13 @@ struct PendingFile {
 
 // Runs work on the file's state, read from the disk first when the registry
 // does not hold it or the disk copy changed behind its back. canonicalPath
-// comes from files::CanonicalPath.
+// comes from files::CanonicalPath. With hold, a successful work keeps the
+// state even while it is clean, until ReleasePendingFile: an update
+// transaction reads the file once, not at its start and again at its end.
 std::optional<Error> WithPendingFile(const std::string& canonicalPath,
-                                     const std::function<std::optional<Error>(PendingFile&)>& work);
+                                     const std::function<std::optional<Error>(PendingFile&)>& work,
+                                     bool hold = false);
+// Gives up one hold; a clean state without holds is dropped.
+void ReleasePendingFile(const std::string& canonicalPath);
 
 } // namespace tervane::update

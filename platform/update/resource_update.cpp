@@ -63,9 +63,9 @@ HANDLE BeginUpdateResourceA(const char* path, BOOL deleteExistingResources) {
     t->path = files::CanonicalPath(path);
     t->deleteExisting = deleteExistingResources != FALSE;
     // The image must be readable now, as Win32 maps it here.
-    auto error = WithPendingFile(t->path, [&](PendingFile& file) {
-        return t->deleteExisting ? std::nullopt : file.treeError;
-    });
+    auto error = WithPendingFile(
+        t->path,
+        [&](PendingFile& file) { return t->deleteExisting ? std::nullopt : file.treeError; }, true);
     if (error) {
         SetLastError(error->code);
         return nullptr;
@@ -106,6 +106,11 @@ BOOL EndUpdateResourceA(HANDLE update, BOOL discard) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
     }
+    // The state read at the start serves until here, on every way out.
+    struct Release {
+        const std::string& path;
+        ~Release() { ReleasePendingFile(path); }
+    } release{t->path};
     if (discard)
         return TRUE;
     if (DWORD error = CheckWritable(t->path.c_str())) {

@@ -89,7 +89,7 @@ TEST(ScanCommand, VerdictsAndExitStatus) {
 
 // Every PE file that wine64 installs, through links in a folder of the
 // test's own, so that the copies land there: no crash, no hang, a verdict a
-// file, nothing left behind, and a file the scanner accepts extracts.
+// file, nothing left behind, and the conversions agree with the verdicts.
 TEST(ScanCommand, EveryFileOfWine) {
     if (!fs::exists(test::WineDir() + "/shell32.dll"))
         GTEST_SKIP() << "wine64 is not installed";
@@ -119,20 +119,42 @@ TEST(ScanCommand, EveryFileOfWine) {
             << "the verdicts differ with " << jobs << " jobs";
         lines = run;
     }
-    std::size_t accepted = 0;
+    // A file the scanner accepts extracts (MergeIdentity.WinesFiles merges
+    // each through the scanner); one it refuses, extract and merge refuse
+    // with its text.
+    const std::string tervane = std::string(TERVANE_BINARY_DIR) + "/tervane";
+    const std::string events = dir + "/none.jsonl";
+    test::WriteFile(events, {});
+    std::size_t accepted = 0, refused = 0;
     for (const std::string& line : lines) {
         EXPECT_EQ(line.find("\"verdict\": \"skipped\""), std::string::npos) << line;
-        if (line.find("\"verdict\": \"ok\"") == std::string::npos)
-            continue;
-        ++accepted;
         const std::string file = line.substr(10, line.find('"', 10) - 10);
-        int extracted = -1;
-        test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane extract '" + file +
-                             "' >/dev/null 2>&1",
-                         &extracted);
-        EXPECT_EQ(extracted, 0) << file;
+        if (line.find("\"verdict\": \"ok\"") != std::string::npos) {
+            ++accepted;
+            int extracted = -1;
+            test::RunCommand(tervane + " extract '" + file + "' >/dev/null 2>&1", &extracted);
+            EXPECT_EQ(extracted, 0) << file;
+        }
+        if (line.find("\"verdict\": \"refused\"") == std::string::npos)
+            continue;
+        ++refused;
+        const std::size_t from = line.find("\"text\": \"") + 9;
+        std::string text = line.substr(from, line.find("\", \"first_language\"") - from);
+        if (const std::size_t end = text.find("\\n"); end != std::string::npos)
+            text.replace(end, 2, "\n");
+        for (const std::string& command :
+             {tervane + " extract '" + file + "' 2>&1 >/dev/null",
+              tervane + " merge --events " + events + " --source '" + file + "' --lang 0x407 -o " +
+                  dir + "/out.dll 2>&1"}) {
+            int status = -1;
+            const std::string said = test::RunCommand(command, &status);
+            EXPECT_EQ(status, 1) << command;
+            EXPECT_NE(said.find(text), std::string::npos) << command << ": " << said;
+        }
     }
     EXPECT_GT(accepted, 0u);
+    EXPECT_GT(refused, 0u);
+    EXPECT_FALSE(fs::exists(dir + "/out.dll"));
     std::size_t left = 0;
     for (const auto& entry : fs::recursive_directory_iterator(dir))
         left += entry.path().filename().string().ends_with("_Sniffer.exe");

@@ -20,6 +20,7 @@ import tempfile
 import pefile
 
 LOCALISABLE = {4, 5, 6, 16}
+REFUSAL = b'The selected file appears to be of an invalid or unsupported format'
 
 
 def run(args):
@@ -70,8 +71,13 @@ def check(tervane, lang, path, work):
     with open(os.path.join(work, 'src.jsonl'), 'w', encoding='utf-8', errors='surrogatepass') as f:
         f.write('\n'.join(source_events) + '\n')
     out = os.path.join(work, 'out' + os.path.splitext(path)[1])
-    merged = run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'src.jsonl'), '--source',
-                  linked(path, work), '--lang', str(lang), '-o', out])
+    # The scanner runs first, on the link (so its copy lands in work): a file
+    # it accepts must merge; one it refuses is checked all the same.
+    merge = [tervane, 'merge', '--events', os.path.join(work, 'src.jsonl'), '--source',
+             linked(path, work), '--lang', str(lang), '-o', out]
+    merged = run(merge)
+    if merged.returncode != 0 and REFUSAL in merged.stderr:
+        merged = run(merge[:2] + ['--no-scan'] + merge[2:])
     if merged.returncode != 0:
         return 'merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()
     try:

@@ -15,13 +15,47 @@ struct Kept {
     LONG line;
 };
 
+class KeptEntry : public ComObjectRoot, public DispatchWithoutTypeInfo<IReportEntry> {
+public:
+    explicit KeptEntry(Kept kept) : kept_(std::move(kept)) {}
+    static InterfaceMap<KeptEntry> Interfaces() {
+        static const InterfaceEntry<KeptEntry> map[] = {
+            Entry<KeptEntry, IReportEntry>(), Entry<KeptEntry, IDispatch, IReportEntry>()};
+        return map;
+    }
+    HRESULT get_Severity(LONG* severity) override {
+        *severity = kept_.severity;
+        return S_OK;
+    }
+    HRESULT get_StartPair(LONG* first, LONG* second) override {
+        *first = kept_.line;
+        *second = 1;
+        return S_OK;
+    }
+    HRESULT get_Message(BSTR* text) override {
+        *text = SysAllocStringLen(kept_.message.data(), static_cast<UINT>(kept_.message.size()));
+        return S_OK;
+    }
+
+private:
+    Kept kept_;
+};
+
 class KeptReport : public ComObjectRoot, public DispatchWithoutTypeInfo<IVerificationReport> {
 public:
     static InterfaceMap<KeptReport> Interfaces() {
         static const InterfaceEntry<KeptReport> map[] = {Entry<KeptReport, IVerificationReport>()};
         return map;
     }
-    HRESULT get_Item(VARIANT, IDispatch**) override { return E_NOTIMPL; }
+    HRESULT get_Item(VARIANT index, IDispatch** item) override {
+        if (index.vt != VT_I4 || index.lVal < 0 ||
+            static_cast<std::size_t>(index.lVal) >= entries.size())
+            return E_INVALIDARG;
+        ComObject<KeptEntry>* entry = nullptr;
+        HRESULT hr = ComObject<KeptEntry>::Create(&entry, entries[index.lVal]);
+        *item = static_cast<IDispatch*>(entry);
+        return hr;
+    }
     HRESULT get_Count(LONG* count) override {
         *count = static_cast<LONG>(entries.size());
         return S_OK;
@@ -31,7 +65,12 @@ public:
         entries.push_back({severity, code, std::u16string(message, SysStringLen(message)), first});
         return S_OK;
     }
-    HRESULT Remove(LONG) override { return E_NOTIMPL; }
+    HRESULT Remove(LONG index) override {
+        if (index < 0 || static_cast<std::size_t>(index) >= entries.size())
+            return E_INVALIDARG;
+        entries.erase(entries.begin() + index);
+        return S_OK;
+    }
 
     std::vector<Kept> entries;
 };
@@ -109,6 +148,16 @@ const CheckRow kRows[] = {
      },
      "texts",
      {{3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 4}}},
+    {"string id three times, another between",
+     [] {
+         return Words({"<stringtable>", "<string id=\"5\">", "a", "</string>", "<string id=\"6\">",
+                       "b", "</string>", "<string id=\"5\">", "c", "</string>", "<string id=\"5\">",
+                       "d", "</string>", "</stringtable>"});
+     },
+     "texts",
+     {{3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 7},
+      {3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 10},
+      {3, 91, u"The tag '<string id=\"5\">' is a duplicate tag.", 10}}},
     {"hotkeys Save and send in one dialog",
      [] {
          return Words({"<dialogs>", "<dialog id=\"1\">", "<button>", "&", "Save", "</button>",
@@ -279,6 +328,24 @@ TEST(TervaneVerifier, CanVerifyKnownExtensionsExactly) {
         view->Release();
         verifier->Release();
     }
+}
+
+// The stages drop a finding that repeats another at its place: the third
+// string 5 is reported twice (after each earlier one), once remains beside
+// its emptiness; the note ends the run.
+TEST(Stages, OneFindingAPlace) {
+    ComObject<KeptReport>* report = nullptr;
+    ASSERT_EQ(ComObject<KeptReport>::Create(&report), S_OK);
+    CLabelPieceList list = Words(
+        {"<resources>", "<stringtable>", "<string id=\"5\">", "a", "</string>", "<string id=\"5\">",
+         "b", "</string>", "<string id=\"5\">", "", "</string>", "</stringtable>", "</resources>"});
+    const Pieces pieces = View(list);
+    RunStages(pieces, pieces, report);
+    std::vector<std::pair<LONG, LONG>> found;
+    for (const Kept& kept : report->entries)
+        found.emplace_back(kept.line, kept.code);
+    EXPECT_EQ(found, (std::vector<std::pair<LONG, LONG>>{{8, 95}, {5, 91}, {8, 91}, {12, 5}}));
+    report->Release();
 }
 
 } // namespace
