@@ -28,5 +28,7 @@ echo
 echo "== TervanePreviewer: dialog 102 of app.de.dll"
 "$root/build/TervanePreviewApp/TervanePreviewer" ?fp app.de.dll ?rd dialog ?rid 102 \
     --png dialog.de.png --svg dialog.de.svg --fit-json
+run preview --all app.pseudo.xlf -o preview
 echo
-echo "The files are in $work (app.xlf, app.pseudo.xlf, app.de.dll, dialog.de.png)."
+echo "The files are in $work (app.xlf, app.pseudo.xlf, app.de.dll, dialog.de.png, and"
+echo "preview/index.html: every dialog and menu, source beside translation, with the fit check)."
