@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/event_recorder.h"
 #include "app/failure.h"
 #include "app/input_file.h"
@@ -50,8 +51,7 @@ std::string ErrorText(HRESULT hr) {
 // Initialize, then raw_Parse: the parser pushes the whole document into sink.
 HRESULT Parse(const std::string& file, IFilterHost* host, IEvents* sink) {
     ComPtr<IFileParser> parser;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
-                                  parser.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneParser, IFileParser::iid, parser.ReceiveVoid());
     if (SUCCEEDED(hr)) {
         Bstr path(Widen(file, CP_UTF8));
         hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host, sink);
@@ -65,10 +65,9 @@ HRESULT Parse(const std::string& file, IFilterHost* host, IEvents* sink) {
 // returns its IEvents, which becomes the parser's sink. The host runs the
 // filter, whose pump makes the host run the parser.
 HRESULT RunChain(const std::string& file, ComObject<ProgressHost>* host, IEvents* sink) {
-    RegisterTervaneInteractiveParserClass();
     ComPtr<IFilterComponent> filter;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneInteractiveParser, nullptr, CLSCTX_ALL,
-                                  IFilterComponent::iid, filter.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneInteractiveParser, IFilterComponent::iid,
+                                 filter.ReceiveVoid());
     if (FAILED(hr))
         return hr;
     ComPtr<IEvents> filterEvents;
@@ -103,7 +102,6 @@ int RunExtract(const ExtractOptions& options) {
         throw CommandFailure(options.trace, "cannot write the trace file");
 
     RegisterItemClasses();
-    RegisterTervaneParserClass();
     auto log = std::make_shared<EventOutput>(options.events);
     ComPtr<ComObject<RecordingSink>> sink;
     ComPtr<ComObject<ProgressHost>> host;

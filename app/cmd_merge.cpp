@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/input_file.h"
 #include "app/items.h"
@@ -125,12 +126,10 @@ int RunMerge(const MergeOptions& options) {
         throw CommandFailure(options.events, readError);
 
     RegisterItemClasses();
-    RegisterTervaneWriterClass();
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
     ComPtr<IFileWriter> writer;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneWriter, nullptr, CLSCTX_ALL, IFileWriter::iid,
-                                  writer.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneWriter, IFileWriter::iid, writer.ReceiveVoid());
     // The writer moves its work file onto the output's temporary file, which
     // takes the target's place only when everything went well.
     const std::string& work = out.WorkPath();

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/items.h"
 #include "app/language_tags.h"
@@ -69,25 +70,6 @@ std::string ErrorText(HRESULT hr) {
     return text;
 }
 
-// The previewer stands beside this program; the class is registered with it
-// as its module unless a module is registered already.
-std::filesystem::path RegisterThisProgram() {
-    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe");
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, kPreviewWriterServerKey, 0, KEY_QUERY_VALUE, &key) == 0) {
-        RegCloseKey(key);
-        return self;
-    }
-    if (RegCreateKeyExA(HKEY_CLASSES_ROOT, kPreviewWriterServerKey, 0, nullptr, 0, KEY_ALL_ACCESS,
-                        nullptr, &key, nullptr) == 0) {
-        const std::string module = self.string();
-        RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(module.c_str()),
-                       static_cast<DWORD>(module.size() + 1));
-        RegCloseKey(key);
-    }
-    return self;
-}
-
 // The place of the cursor: the event behind the resource's start tag.
 std::size_t CursorPlace(const std::vector<ReplayEvent>& events, const PreviewOptions& options) {
     if (options.cursor >= 0)
@@ -128,17 +110,16 @@ int RunPreview(const PreviewOptions& options) {
         target =
             std::string(folder) + "/" + std::filesystem::path(options.source).filename().string();
     }
-    const std::filesystem::path self = RegisterThisProgram();
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe");
 
     RegisterItemClasses();
-    RegisterTervanePreviewWriterClass();
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
     ComPtr<ComObject<CursorProperty>> property;
     ComObject<CursorProperty>::Create(property.Receive());
     ComPtr<IPreviewFileWriter> writer;
-    HRESULT hr = CoCreateInstance(CLSID_TervanePreviewWriter, nullptr, CLSCTX_ALL,
-                                  IPreviewFileWriter::iid, writer.ReceiveVoid());
+    HRESULT hr =
+        CreateComponent(CLSID_TervanePreviewWriter, IPreviewFileWriter::iid, writer.ReceiveVoid());
     if (SUCCEEDED(hr)) {
         Bstr path(Widen(target, CP_UTF8));
         ComPtr<IEvents> sink;

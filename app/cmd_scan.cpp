@@ -22,6 +22,7 @@
 #endif
 
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/input_file.h"
 #include "app/json_lines.h"
@@ -111,8 +112,7 @@ Verdict ScanFile(const std::string& file) {
         return {"skipped", 0, "not scanned: " + file + " " + failure.what(), -1};
     }
     ComPtr<IFileScanner> scanner;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneScanner, nullptr, CLSCTX_ALL, IFileScanner::iid,
-                                  scanner.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneScanner, IFileScanner::iid, scanner.ReceiveVoid());
     if (FAILED(hr))
         return {"refused", 0, "the scanner could not be created", -1};
     Bstr path(Widen(file, CP_UTF8));
@@ -231,7 +231,6 @@ int RunScan(const ScanOptions& options) {
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
 #endif
-    RegisterTervaneScannerClass();
     const std::vector<std::string> files = FilesOf(options.operands);
     const bool bar = ::isatty(STDERR_FILENO) != 0 && files.size() > 1;
     const unsigned jobs =

@@ -33,6 +33,7 @@ void AddCommands(CLI::App& app) {
     AddMergeCommand(app);
     AddScanCommand(app);
     AddPreviewCommand(app);
+    AddRegisterCommands(app);
 }
 
 const std::function<int()>* ChosenRun(const CLI::App& app) {

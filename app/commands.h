@@ -45,5 +45,6 @@ void AddExtractCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
 void AddScanCommand(CLI::App& app);
 void AddPreviewCommand(CLI::App& app);
+void AddRegisterCommands(CLI::App& app);
 
 } // namespace tervane::app

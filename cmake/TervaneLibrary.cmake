@@ -1,13 +1,21 @@
 # One static library per folder, made of every .cpp below it, so that adding a
 # file needs no edit here. A folder without sources yet is an interface library.
+# Position-independent, since the component server links them into a shared
+# object; SHARED makes a shared library instead.
 function(tervane_folder_library name)
-  cmake_parse_arguments(ARG "" "" "DEPS;EXCLUDE" ${ARGN})
+  cmake_parse_arguments(ARG "SHARED" "" "DEPS;EXCLUDE" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   foreach(pattern IN LISTS ARG_EXCLUDE)
     list(FILTER sources EXCLUDE REGEX "${pattern}")
   endforeach()
   if(sources)
-    add_library(${name} STATIC ${sources})
+    if(ARG_SHARED)
+      add_library(${name} SHARED ${sources})
+      target_link_options(${name} PRIVATE -Wl,--no-undefined)
+    else()
+      add_library(${name} STATIC ${sources})
+    endif()
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${ARG_DEPS})
   else()
