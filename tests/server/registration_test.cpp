@@ -204,6 +204,29 @@ TEST(RegistrationScripts, VerifierScriptRegistersItsCategory) {
     ::unsetenv("TERVANE_REGISTRY_DIR");
 }
 
+TEST(RegistrationScripts, TextsAreReplacedAndUnquoted) {
+    ::setenv("TERVANE_REGISTRY_DIR", TempDir().c_str(), 1);
+    struct Case {
+        const char* script;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {"HKCR { k = s '100%% sure' }", "100% sure"},
+        {"HKCR { k = s 'it''s' }", "it's"},
+        {"HKCR { k = s '%A%%B%' }", "ab"},
+        {"HKCR { k = s '' }", ""},
+        {"HKCR { 'k' = s bare }", "bare"},
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(RunRegistrationScript(c.script, {{"A", "a"}, {"B", "b"}}, true), S_OK)
+            << c.script;
+        EXPECT_EQ(ClassesRoot(), (Tree{{"k", {{"", c.expected}}}})) << c.script;
+        ASSERT_EQ(RunRegistrationScript(c.script, {{"A", "a"}, {"B", "b"}}, false), S_OK);
+        EXPECT_EQ(ClassesRoot(), Tree{}) << c.script;
+    }
+    ::unsetenv("TERVANE_REGISTRY_DIR");
+}
+
 TEST(RegistrationScripts, MalformedScriptsAreRefusedBeforeAnyChange) {
     ::setenv("TERVANE_REGISTRY_DIR", TempDir().c_str(), 1);
     const char* const scripts[] = {
