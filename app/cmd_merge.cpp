@@ -129,6 +129,9 @@ int RunMerge(const MergeOptions& options) {
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
     ComPtr<IFileWriter> writer;
+    // In process: the messages are read from g_messages, which the loaded
+    // module's writer would fill in its own copy.
+    RegisterTervaneWriterClass();
     HRESULT hr = CreateComponent(CLSID_TervaneWriter, IFileWriter::iid, writer.ReceiveVoid());
     // The writer moves its work file onto the output's temporary file, which
     // takes the target's place only when everything went well.
