@@ -1,13 +1,18 @@
-// tervane merge --events EVENTS.jsonl --source SRC --lang L -o OUT: the host
-// side of the backward conversion. Replays the events into the writer over
-// several raw_Write calls, as a framework drives it, and reports the run's
-// messages.
+// tervane merge --events EVENTS.jsonl --source SRC --lang L -o OUT, or
+// tervane merge DOC.xlf -o OUT [--lang L] [--source SRC] [--dry-run]: the host
+// side of the backward conversion. Asks the scanner about the source, replays the
+// events (of the file, or of the source with the bilingual document's
+// translations) into the writer over several raw_Write calls, as a framework
+// drives it, and reports the run's messages. --no-scan skips the scanner.
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "app/bilingual_file.h"
+#include "app/bilingual_merge.h"
 #include "app/commands.h"
 #include "app/components.h"
 #include "app/failure.h"
@@ -17,6 +22,7 @@
 #include "app/language_tags.h"
 #include "app/output_file.h"
 #include "app/replay_host.h"
+#include "app/scan_host.h"
 #include "backward/tervane_writer.h"
 #include "frame/conversion_state.h"
 #include "platform/com/class_objects.h"
@@ -32,8 +38,8 @@ namespace tervane::app {
 namespace {
 
 struct MergeOptions {
-    bool json = false;
-    std::string events, source, language, out, trace;
+    bool json = false, dryRun = false, noScan = false;
+    std::string document, events, source, language, out, trace;
 };
 
 // Events a pump delivers at most: a host hands its document over in parts.
@@ -102,7 +108,74 @@ std::string FinalTarget(const std::string& target, const std::string& source) {
     return target + extension;
 }
 
+std::vector<ReplayEvent> ReplayEvents(const xliff::EventList& events) {
+    std::vector<ReplayEvent> replay;
+    replay.reserve(events.size() + 2);
+    replay.push_back({ReplayEvent::kStartOfInput, {}, {}, 0, 0, 0});
+    for (const xliff::Event& event : events)
+        replay.push_back({event.IsTag() ? ReplayEvent::kTag : ReplayEvent::kText, event.text,
+                          event.name, event.start, event.end, event.inlineMark});
+    replay.push_back({ReplayEvent::kEndOfInput, {}, {}, 0, 0, 0});
+    return replay;
+}
+
+// locate: where a message points in the bilingual document, if there is one.
+using Locator = std::function<std::string(const std::string& message)>;
+
+int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const std::string& source,
+           LANGID target, OutputFile& out, const Locator& locate = {});
+
+void AttachTrace(const MergeOptions& options, const std::vector<std::string>& inputs) {
+    if (options.trace.empty())
+        return;
+    CheckOutputPath(options.trace, inputs);
+    if (!AttachTraceFile(options.trace))
+        throw CommandFailure(options.trace, "cannot write the trace file");
+}
+
+// The source's events with the document's translations, into the writer; the
+// target language is the document's unless --lang names one.
+int MergeDocument(const MergeOptions& options) {
+    CheckInputFile(options.document, kMaxDataFileBytes);
+    if (!options.source.empty())
+        CheckInputFile(options.source, kMaxPeFileBytes);
+    OutputFile out(options.out, {options.document, options.source});
+    AttachTrace(options, {options.document, options.source, options.out});
+    if (options.dryRun) {
+        WriteEventLines(PrepareDocumentMerge(options.document, options.source, false).events, out);
+        return 0;
+    }
+    if (out.IsStandardOutput())
+        throw CommandFailure(options.out, "a translated executable is no text: name a file");
+    DocumentMerge merge = PrepareDocumentMerge(options.document, options.source);
+    if (!options.noScan)
+        RequireScannerAccepts(merge.source);
+    std::string language =
+        !options.language.empty() ? options.language : merge.document.targetLanguage;
+    if (language.empty())
+        throw CommandFailure(options.document,
+                             "the document names no target language: give one with --lang");
+    std::optional<LANGID> target = ParseLanguage(language);
+    if (!target)
+        throw CommandFailure(options.document, "'" + language + "' is no language");
+    const std::string& path = options.document;
+    return Replay(
+        ReplayEvents(merge.events), options, merge.source, *target, out,
+        [&](const std::string& message) { return LocateMessage(merge.document, path, message); });
+}
+
 int RunMerge(const MergeOptions& options) {
+    if (options.document.empty() == options.events.empty())
+        throw CommandFailure({}, "give either a bilingual document or --events, not both");
+    if (!options.document.empty())
+        return MergeDocument(options);
+    for (auto [value, name] :
+         {std::pair{&options.source, "--source"}, std::pair{&options.language, "--lang"},
+          std::pair{&options.out, "-o"}})
+        if (value->empty())
+            throw CommandFailure({}, std::string("merge --events needs ") + name);
+    if (options.dryRun)
+        throw CommandFailure({}, "--dry-run goes with a bilingual document");
     const std::string& source = options.source;
     const std::optional<LANGID> target = ParseLanguage(options.language);
     CheckInputFile(options.events, kMaxDataFileBytes);
@@ -110,21 +183,31 @@ int RunMerge(const MergeOptions& options) {
     OutputFile out(options.out, {options.events, source});
     if (out.IsStandardOutput())
         throw CommandFailure(options.out, "a translated executable is no text: name a file");
-    if (!options.trace.empty()) {
-        CheckOutputPath(options.trace, {options.events, source, options.out});
-        if (!AttachTraceFile(options.trace))
-            throw CommandFailure(options.trace, "cannot write the trace file");
-    }
-    auto content = files::ReadFileBytes(options.events);
-    if (!content)
-        throw CommandFailure(options.events, SystemText(content.error().code, options.events));
+    AttachTrace(options, {options.events, source, options.out});
+    if (!options.noScan)
+        RequireScannerAccepts(source);
     std::string readError;
-    std::vector<ReplayEvent> events = ReadReplayEvents(
-        std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
-        readError);
+    std::vector<ReplayEvent> events;
+    {
+        // The file's bytes go as soon as its events are read.
+        auto content = files::ReadFileBytes(options.events);
+        if (!content)
+            throw CommandFailure(options.events, SystemText(content.error().code, options.events));
+        events = ReadReplayEvents(
+            std::string_view(reinterpret_cast<const char*>(content->data()), content->size()),
+            readError);
+    }
     if (!readError.empty())
         throw CommandFailure(options.events, readError);
+    return Replay(std::move(events), options, source, *target, out);
+}
 
+int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const std::string& source,
+           LANGID target, OutputFile& out, const Locator& locate) {
+    auto located = [&](const std::string& message) {
+        std::string where = locate ? locate(message) : std::string();
+        return where.empty() ? message : OneLine(message) + " [" + where + "]";
+    };
     RegisterItemClasses();
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
@@ -140,7 +223,7 @@ int RunMerge(const MergeOptions& options) {
     if (SUCCEEDED(hr)) {
         Bstr path(Widen(work, CP_UTF8));
         ComPtr<IEvents> sink;
-        hr = writer->Initialize(path.get(), nullptr, *target, 0, 0, host.get(), sink.Receive());
+        hr = writer->Initialize(path.get(), nullptr, target, 0, 0, host.get(), sink.Receive());
         if (SUCCEEDED(hr))
             host->Attach(std::move(events), Widen(source, CP_UTF8), sink.get(), kEventsPerPump,
                          ::isatty(STDERR_FILENO) != 0);
@@ -160,14 +243,14 @@ int RunMerge(const MergeOptions& options) {
     for (const std::u16string& message : g_messages) {
         const std::string text = Narrow(message, CP_UTF8);
         if (Severity(text) != "Error")
-            PrintMessage(options.json, source, text);
+            PrintMessage(options.json, source, located(text));
     }
     std::fflush(stdout);
     if (FAILED(hr)) {
         if (options.json)
-            PrintMessage(true, source, failure);
+            PrintMessage(true, source, located(failure));
         std::fflush(stdout);
-        throw CommandFailure(source, failure, LogHint());
+        throw CommandFailure(source, located(failure), LogHint());
     }
     struct stat info {};
     if (::stat(written.c_str(), &info) != 0)
@@ -187,25 +270,36 @@ int RunMerge(const MergeOptions& options) {
 
 void AddMergeCommand(CLI::App& app) {
     auto options = std::make_shared<MergeOptions>();
-    CLI::App* command = AddCommand(
-        app, "merge", "Write a translated copy of a PE file from the events of its document",
-        [options] { return RunMerge(*options); });
+    CLI::App* command =
+        AddCommand(app, "merge",
+                   "Write a translated copy of a PE file from its bilingual document or its events",
+                   [options] { return RunMerge(*options); });
     command->footer(
+        "From a bilingual document (XLIFF 1.2, as extract writes it): reads the source\n"
+        "file again (the document's original, from the document's folder, or SRC), checks\n"
+        "its SHA-256 against the document's header and each unit's source against the\n"
+        "file's, takes each non-empty target (a unit without one keeps its source, with a\n"
+        "warning), turns <ph> back into their codes, and replays the result as below, in\n"
+        "the document's target language unless --lang names one. A unit the file lacks, a\n"
+        "stale source or a target whose <ph> differ from the source's is an error with the\n"
+        "unit's id and line, exit status 1 and no output. --dry-run writes the events\n"
+        "instead, as 'extract --events' does.\n\n"
         "Replays EVENTS (as 'extract --events' writes them, texts edited or not) into the\n"
         "backward converter, which checks their tags against SRC, puts their texts into a\n"
         "copy of SRC with every localisable resource under the language L, and moves that\n"
         "copy onto OUT at the very end.\n\n"
+        "First the scanner is asked, as a host asks it, whether SRC can be handled (see\n"
+        "'tervane scan --help'; it tries a copy beside SRC, so SRC's folder must be\n"
+        "writable). A refused SRC is not converted: the scanner's reason goes to standard\n"
+        "error, OUT is left as it was and the exit status is 1.\n\n"
         "Alerts and Warnings go to standard error, one a line, behind the file's name; the\n"
         "file is written all the same. An Error names the resource, leaves OUT as it was and\n"
         "gives the exit status 1; a wrong command line gives 2.");
     command->add_option("--events", options->events, "the events, one JSON object a line")
-        ->required()
         ->type_name("EVENTS");
     command->add_option("--source", options->source, "the executable the events came from")
-        ->required()
         ->type_name("SRC");
     command->add_option("--lang", options->language, "the target language: 1031, 0x407 or de-DE")
-        ->required()
         ->type_name("L")
         ->check(CLI::Validator(
             [](const std::string& value) {
@@ -216,11 +310,19 @@ void AddMergeCommand(CLI::App& app) {
                                                   "(de-DE)";
             },
             "L"));
-    command->add_option("-o", options->out, "the translated file")->required()->type_name("OUT");
+    command->add_option("-o", options->out, "the translated file (with --dry-run: the events)")
+        ->type_name("OUT");
+    command->add_flag("--dry-run", options->dryRun,
+                      "check the document and write the events a merge replays, one JSON object "
+                      "a line, instead of the translated file");
     command->add_flag("--json", options->json,
                       "print the messages as JSON Lines on standard output");
+    command->add_flag("--no-scan", options->noScan,
+                      "convert SRC without asking the scanner first, whatever it would say");
     command->add_option("--trace", options->trace, "append the conversion's progress texts to FILE")
         ->type_name("FILE");
+    command->add_option("FILE", options->document, "the bilingual document (XLIFF 1.2)")
+        ->type_name("");
 }
 
 } // namespace tervane::app

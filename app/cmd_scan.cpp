@@ -22,14 +22,10 @@
 #endif
 
 #include "app/commands.h"
-#include "app/components.h"
 #include "app/failure.h"
-#include "app/input_file.h"
 #include "app/json_lines.h"
 #include "app/output_file.h"
-#include "platform/com/class_objects.h"
-#include "platform/com/com_ptr.h"
-#include "platform/com/error_info.h"
+#include "app/scan_host.h"
 #include "platform/diag/trace_sink.h"
 #include "platform/locale/code_pages.h"
 #include "scanner/tervane_scanner.h"
@@ -80,66 +76,7 @@ std::vector<std::string> FilesOf(const std::vector<std::string>& operands) {
     return files;
 }
 
-struct Verdict {
-    const char* verdict; // ok, empty, refused, missing, skipped
-    std::uint32_t status = 0;
-    std::string text;
-    LONG firstLanguage = -1;
-};
-
-std::string ErrorText() {
-    ComPtr<IErrorInfo> info;
-    BSTR description = nullptr;
-    if (GetErrorInfo(0, info.Receive()) != S_OK || !info ||
-        info->GetDescription(&description) != S_OK)
-        return std::string();
-    return Narrow(Bstr::Attach(description).view(), CP_UTF8);
-}
-
-Verdict ScanFile(const std::string& file) {
-    // The scanner overwrites and then deletes its copy: a file of that name
-    // that is already there is the user's, not ours to remove.
-    const std::string copy =
-        Narrow(TervaneScanner::TemporaryPathFor(Widen(file, CP_UTF8)), CP_UTF8);
-    std::error_code error;
-    if (fs::exists(fs::symlink_status(copy, error)))
-        return {"skipped", 0, "not scanned: " + copy + " is in the way of the scanner's copy", -1};
-
-    // A FIFO or a device would block the scanner's reads or never end them.
-    try {
-        CheckInputFile(file, kMaxPeFileBytes);
-    } catch (const CommandFailure& failure) {
-        return {"skipped", 0, "not scanned: " + file + " " + failure.what(), -1};
-    }
-    ComPtr<IFileScanner> scanner;
-    HRESULT hr = CreateComponent(CLSID_TervaneScanner, IFileScanner::iid, scanner.ReceiveVoid());
-    if (FAILED(hr))
-        return {"refused", 0, "the scanner could not be created", -1};
-    Bstr path(Widen(file, CP_UTF8));
-    VARIANT_BOOL result = VARIANT_FALSE;
-    SetErrorInfo(0, nullptr);
-    scanner->Initialize(path.get(), 0, 0, 0);
-    try {
-        hr = scanner->raw_Scan(&result);
-    } catch (const std::exception& failure) {
-        return {"refused", 0, std::string("unexpected failure: ") + failure.what(), -1};
-    }
-    // This host is the module's own: it may read what the verdict rests on.
-    const auto* own = dynamic_cast<const TervaneScanner*>(scanner.get());
-    Verdict verdict{"ok", own ? own->Status() : 0, std::string(), own ? own->FirstLanguage() : -1};
-    if (hr == E_ACCESSDENIED) {
-        verdict.verdict = "missing";
-        verdict.text = "File not found";
-    } else if (FAILED(hr)) {
-        verdict.verdict = "refused";
-        verdict.text = ErrorText();
-    } else if (result == VARIANT_FALSE) {
-        verdict.verdict = "empty";
-    }
-    return verdict;
-}
-
-void PrintLine(OutputFile& out, const std::string& file, const Verdict& v) {
+void PrintLine(OutputFile& out, const std::string& file, const ScanVerdict& v) {
     std::string text = v.text;
     std::replace(text.begin(), text.end(), '\n', ' ');
     if (std::string_view(v.verdict) == "ok")
@@ -149,7 +86,7 @@ void PrintLine(OutputFile& out, const std::string& file, const Verdict& v) {
     out.Write(file + ": " + text + "\n");
 }
 
-void PrintJson(OutputFile& out, JsonLine& line, const std::string& file, const Verdict& v) {
+void PrintJson(OutputFile& out, JsonLine& line, const std::string& file, const ScanVerdict& v) {
     std::string_view text = line.Text("file", std::string_view(file))
                                 .Text("verdict", std::string_view(v.verdict))
                                 .Number("status", v.status)
@@ -172,7 +109,7 @@ void DrawBar(std::size_t done, std::size_t total) {
 // this thread, in the order of the files. Files whose copies share a path
 // (a.dll and a.exe) go in turn to one thread, so that no two scans meet there.
 void ScanAll(const std::vector<std::string>& files, unsigned jobs,
-             const std::function<void(std::size_t, const Verdict&)>& report) {
+             const std::function<void(std::size_t, const ScanVerdict&)>& report) {
     std::map<std::u16string, std::vector<std::size_t>> byCopy;
     for (std::size_t i = 0; i < files.size(); ++i)
         byCopy[TervaneScanner::TemporaryPathFor(Widen(files[i], CP_UTF8))].push_back(i);
@@ -181,7 +118,7 @@ void ScanAll(const std::vector<std::string>& files, unsigned jobs,
         groups.push_back(std::move(group));
     std::sort(groups.begin(), groups.end()); // by the first file of each
 
-    std::vector<std::optional<Verdict>> verdicts(files.size());
+    std::vector<std::optional<ScanVerdict>> verdicts(files.size());
     std::mutex mutex;
     std::condition_variable ready;
     std::size_t nextGroup = 0;
@@ -195,7 +132,7 @@ void ScanAll(const std::vector<std::string>& files, unsigned jobs,
                 g = nextGroup++;
             }
             for (std::size_t i : groups[g]) {
-                Verdict verdict{"refused", 0, std::string(), -1};
+                ScanVerdict verdict{"refused", 0, std::string(), -1};
                 try {
                     verdict = ScanFile(files[i]);
                 } catch (const std::exception& failure) {
@@ -213,7 +150,7 @@ void ScanAll(const std::vector<std::string>& files, unsigned jobs,
     for (std::size_t i = 0; i < files.size(); ++i) {
         std::unique_lock lock(mutex);
         ready.wait(lock, [&] { return verdicts[i].has_value(); });
-        const Verdict verdict = std::move(*verdicts[i]);
+        const ScanVerdict verdict = std::move(*verdicts[i]);
         lock.unlock();
         report(i, verdict);
     }
@@ -231,6 +168,7 @@ int RunScan(const ScanOptions& options) {
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
 #endif
+    RegisterTervaneScannerClass();
     const std::vector<std::string> files = FilesOf(options.operands);
     const bool bar = ::isatty(STDERR_FILENO) != 0 && files.size() > 1;
     const unsigned jobs =
@@ -239,7 +177,7 @@ int RunScan(const ScanOptions& options) {
     int status = 0;
     if (bar)
         DrawBar(0, files.size());
-    ScanAll(files, jobs, [&](std::size_t i, const Verdict& verdict) {
+    ScanAll(files, jobs, [&](std::size_t i, const ScanVerdict& verdict) {
         if (bar)
             std::fputs("\r\033[K", stderr);
         if (options.json)

@@ -30,9 +30,12 @@ void AddCommands(CLI::App& app) {
     AddTokensCommand(app);
     AddTablesCommand(app);
     AddExtractCommand(app);
+    AddPseudoCommand(app);
+    AddStatsCommand(app);
     AddMergeCommand(app);
     AddScanCommand(app);
     AddPreviewCommand(app);
+    AddVerifyCommand(app);
     AddRegisterCommands(app);
 }
 

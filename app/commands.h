@@ -42,9 +42,12 @@ void AddResCommand(CLI::App& app);
 void AddTokensCommand(CLI::App& app);
 void AddTablesCommand(CLI::App& app);
 void AddExtractCommand(CLI::App& app);
+void AddPseudoCommand(CLI::App& app);
+void AddStatsCommand(CLI::App& app);
 void AddMergeCommand(CLI::App& app);
 void AddScanCommand(CLI::App& app);
 void AddPreviewCommand(CLI::App& app);
+void AddVerifyCommand(CLI::App& app);
 void AddRegisterCommands(CLI::App& app);
 
 } // namespace tervane::app

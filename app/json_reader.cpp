@@ -14,8 +14,8 @@ class Reader {
 public:
     explicit Reader(std::string_view text) : text_(text) {}
 
-    JsonLine Object() {
-        JsonLine line;
+    ParsedJsonLine Object() {
+        ParsedJsonLine line;
         Blank();
         if (!Take('{'))
             return Fail(std::move(line), "an object must start with '{'");
@@ -59,11 +59,11 @@ public:
 
 private:
     // The line is moved, never copied: its object holds every member.
-    JsonLine Fail(JsonLine line, std::string why) {
+    ParsedJsonLine Fail(ParsedJsonLine line, std::string why) {
         line.error = std::move(why) + " (at byte " + std::to_string(pos_ + 1) + ")";
         return line;
     }
-    JsonLine Finish(JsonLine line) {
+    ParsedJsonLine Finish(ParsedJsonLine line) {
         Blank();
         if (pos_ != text_.size())
             return Fail(std::move(line), "nothing may follow the object");
@@ -204,7 +204,7 @@ private:
 
 } // namespace
 
-JsonLine ParseJsonLine(std::string_view line) {
+ParsedJsonLine ParseJsonLine(std::string_view line) {
     return Reader(line).Object();
 }
 

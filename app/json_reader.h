@@ -16,12 +16,12 @@ using JsonValue = std::variant<std::u16string, double, bool>;
 using JsonObject = std::vector<std::pair<std::string, JsonValue>>;
 
 // The object of one line, or the reason it is not one.
-struct JsonLine {
+struct ParsedJsonLine {
     JsonObject object;
     std::string error; // empty when the line was read
 };
 
-JsonLine ParseJsonLine(std::string_view line);
+ParsedJsonLine ParseJsonLine(std::string_view line);
 
 // The member as a string, or null when it is missing or of another type.
 const std::u16string* JsonText(const JsonObject& object, const std::string& key);

@@ -1,5 +1,6 @@
 #include "app/replay_host.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "app/json_reader.h"
@@ -10,6 +11,7 @@ namespace tervane::app {
 
 std::vector<ReplayEvent> ReadReplayEvents(std::string_view content, std::string& error) {
     std::vector<ReplayEvent> events;
+    events.reserve(static_cast<std::size_t>(std::count(content.begin(), content.end(), '\n')) + 1);
     std::size_t lineNumber = 0;
     while (!content.empty()) {
         const std::size_t end = content.find('\n');
@@ -22,7 +24,7 @@ std::vector<ReplayEvent> ReadReplayEvents(std::string_view content, std::string&
             error = "line " + std::to_string(lineNumber) + ": " + why;
             return std::vector<ReplayEvent>();
         };
-        JsonLine parsed = ParseJsonLine(line);
+        ParsedJsonLine parsed = ParseJsonLine(line);
         if (!parsed.error.empty())
             return fail(parsed.error);
         const std::u16string* kind = JsonText(parsed.object, "event");
@@ -71,6 +73,7 @@ void ReplayHost::Attach(std::vector<ReplayEvent> events, std::u16string sourcePa
                         std::size_t perPump, bool showBar) {
     events_ = std::move(events);
     next_ = 0;
+    total_ = events_.size();
     perPump_ = perPump == 0 ? 1 : perPump;
     sourcePath_ = std::move(sourcePath);
     sink_ = ComPtr<IEvents>(sink);
@@ -166,8 +169,11 @@ HRESULT ReplayHost::raw_Pump(LONG_PTR) {
         }
         Note(hr);
     }
-    if (!events_.empty())
-        raw_Progress(static_cast<LONG>(next_ * 100 / events_.size()));
+    if (total_ != 0)
+        raw_Progress(static_cast<LONG>(next_ * 100 / total_));
+    // The writer converts after the last event: it does so without them.
+    if (next_ >= total_)
+        std::vector<ReplayEvent>().swap(events_);
     return S_OK;
 }
 

@@ -44,7 +44,7 @@ public:
     void SetDocumentNumber(LONG number) { documentNumber_ = number; }
     // Drops the sink, which holds this host in turn.
     void Detach() { sink_.Reset(); }
-    bool AllDelivered() const { return next_ >= events_.size(); }
+    bool AllDelivered() const { return next_ >= total_; }
     // The first failure of the sink, S_OK if none.
     HRESULT SinkFailure() const { return sinkFailure_; }
     void FinishBar();
@@ -61,6 +61,7 @@ private:
 
     std::vector<ReplayEvent> events_;
     std::size_t next_ = 0;
+    std::size_t total_ = 0; // events_ is emptied once all are delivered
     std::size_t perPump_ = 1;
     std::u16string sourcePath_;
     ComPtr<IEvents> sink_;

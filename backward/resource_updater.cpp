@@ -22,7 +22,7 @@ void TraceLine(const char* format, const std::string& identifier) {
 
 // O, a new empty object of S's class, takes its pieces from the stream and
 // gives them to S.
-template <typename Model> void MergeInto(Model& source, Model& fresh, CLabelPieceList& stream) {
+template <typename Model> void MergeInto(Model& source, Model& fresh, CPieceStream& stream) {
     fresh.identifierText = source.identifierText;
     fresh.ExtractPieces(stream);
     source.MergePieces(fresh);

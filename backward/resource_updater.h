@@ -41,7 +41,7 @@ public:
     // Joins the verifier's messages and those of the run into report.
     void CollectMessages(const std::u16string& verifierMessages);
 
-    CLabelPieceList pieces;
+    CPieceStream pieces;
     std::u16string errorText;
     DWORD targetLanguage = 0;
     std::u16string sourcePath;

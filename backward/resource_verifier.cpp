@@ -41,7 +41,7 @@ void CResourceVerifier::AddMessage(const std::string& text, int severity) {
     g_messages.push_back(std::move(wide));
 }
 
-int CResourceVerifier::VerifyTagStructure(ResourceRefs resources, const CLabelPieceList& received) {
+int CResourceVerifier::VerifyTagStructure(ResourceRefs resources, const CPieceStream& received) {
     TagList expected;
     BuildExpectedTags(resources, expected);
     if (resources.empty())

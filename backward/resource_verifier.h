@@ -18,7 +18,7 @@ using TagList = std::vector<CTagLabelPiece>;
 class CResourceVerifier {
 public:
     // 1, or throws CVerificationException.
-    int VerifyTagStructure(ResourceRefs resources, const CLabelPieceList& received);
+    int VerifyTagStructure(ResourceRefs resources, const CPieceStream& received);
     // The tags that the forward conversion emits for resources, in order,
     // appended to expected. 1.
     static int BuildExpectedTags(ResourceRefs resources, TagList& expected);

@@ -36,9 +36,13 @@ public:
     virtual std::unique_ptr<CTagLabelPiece> GetOpenTag() const = 0;
     virtual std::unique_ptr<CTagLabelPiece> GetCloseTag() const = 0;
     // Moves this resource's pieces out of the front of the translated stream.
-    virtual void ExtractPieces(CLabelPieceList& stream) = 0;
+    virtual void ExtractPieces(CPieceStream& stream) = 0;
     // Takes over the pieces of other, an object of the same class.
     virtual void MergePieces(CResource& /*other*/) {}
+    // Frees what was read into this object once it has been emitted: the
+    // forward conversion needs it no more, and the next batch reuses the
+    // memory. The object stays on the list with its identity.
+    virtual void ReleaseContent() {}
 
     WORD language = 0;
     WORD targetLanguage = 0;

@@ -1,7 +1,9 @@
 #include "frame/resource_parser_impl.h"
 
 #include <cctype>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "frame/diagnostics/event_logging.h"
 #include "frame/diagnostics/exceptions.h"
@@ -13,6 +15,7 @@
 #include "model/string_block.h"
 #include "model/version_info_resource.h"
 #include "platform/com/com_error.h"
+#include "platform/diag/failure_place.h"
 #include "platform/diag/trace_sink.h"
 #include "platform/files/file_calls.h"
 #include "platform/locale/code_pages.h"
@@ -48,6 +51,34 @@ bool Failed(const char* context) {
     return GetLastError() != 0 && CheckLastError(context) != 0;
 }
 
+// Puts the file and the resource in front of what the readers said, when the
+// resource's extraction fails by a code or by a throw.
+class ResourcePlace {
+public:
+    ResourcePlace(const std::u16string& path, const CResource& resource, WORD type)
+        : path_(path), resource_(resource), type_(type) {
+        ClearFailurePlace();
+    }
+    ResourcePlace(const ResourcePlace&) = delete;
+    ResourcePlace& operator=(const ResourcePlace&) = delete;
+    ~ResourcePlace() {
+        if (done_)
+            return;
+        char language[8];
+        std::snprintf(language, sizeof language, "0x%04X", resource_.language);
+        PrependFailurePlace("resource type " + std::to_string(type_) + ", name " +
+                            resource_.identifierText + ", language " + language);
+        PrependFailurePlace(Narrow(path_));
+    }
+    void Done() { done_ = true; }
+
+private:
+    const std::u16string& path_;
+    const CResource& resource_;
+    WORD type_;
+    bool done_ = false;
+};
+
 } // namespace
 
 CResourceParserImpl::CResourceParserImpl() {
@@ -75,11 +106,16 @@ void CResourceParserImpl::SetHost(IFilterHost* host) {
 
 HRESULT CResourceParserImpl::Load(const char* context) {
     SetLastError(0);
+    ClearFailurePlace();
     module_ = LoadLibraryExW(path_.c_str(), nullptr,
                              DONT_RESOLVE_DLL_REFERENCES | LOAD_LIBRARY_AS_DATAFILE);
     // The last error decides, not the handle.
-    if (CheckLastError(context))
+    if (CheckLastError(context)) {
+        // A file that can't be read at all has nothing to add to its name.
+        if (!FailurePlace().empty())
+            PrependFailurePlace(Narrow(path_));
         return E_ACCESSDENIED;
+    }
     return 0;
 }
 
@@ -314,10 +350,12 @@ HRESULT CResourceParserImpl::ExtractResources(long emit) {
             ++dlgInits;
             if (tracing)
                 Trace(Format("Extracting DlgInit resource %ld .....\n", dlgInits));
+            ResourcePlace where(path_, resource, kDlgInitType);
             if (GetResourceBuffer(resource, place, kDlgInitType))
                 return E_ACCESSDENIED;
             std::unique_ptr<CResourceCommand> command = CreateCommand(kDlgInitType);
             command->Execute(resourceBytes_, &resource);
+            where.Done();
             if (progressWanted_)
                 ReportProgress();
         }
@@ -343,10 +381,12 @@ HRESULT CResourceParserImpl::ExtractResources(long emit) {
                     work.push_back(&resource);
                     continue;
                 }
+                ResourcePlace where(path_, resource, type);
                 if (GetResourceBuffer(resource, place, type))
                     return E_ACCESSDENIED;
                 std::unique_ptr<CResourceCommand> command = CreateCommand(type);
                 CResource* result = command->Execute(resourceBytes_, &resource);
+                where.Done();
                 if (tracing)
                     Trace(Format("Extracting resource %ld .....\n", type));
                 work.push_back(result);
@@ -356,8 +396,12 @@ HRESULT CResourceParserImpl::ExtractResources(long emit) {
             for (CResource* resource : work) {
                 if (tracing)
                     Trace(Format("Displaying resource %ld .....\n", GetResourceType(*resource)));
-                if (emit)
+                if (emit) {
                     resource->Accept(visitor);
+                    // Emitted for good: only the backward conversion, which
+                    // never emits, reads the model after its batch.
+                    resource->ReleaseContent();
+                }
             }
             work.clear();
         }

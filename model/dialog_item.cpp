@@ -12,6 +12,7 @@
 #include "label/grammars/label_parser.h"
 #include "model/dialog_controls.h"
 #include "model/dlginit_table.h"
+#include "model/read_failure.h"
 #include "platform/locale/code_pages.h"
 #include "platform/locale/locale_info.h"
 
@@ -134,7 +135,7 @@ void CDialogItem::ParseDialog(Bytes data, const std::string& identifierText, WOR
         return;
     }
     if (header.itemCount > kMaxDialogControls)
-        throw CParserException(kCorruptedDocumentMessage);
+        ThrowCorrupted(header.isExtended ? 16 : 8, "cDlgItems");
 
     AppendDialogOpen();
     if (!title.empty())

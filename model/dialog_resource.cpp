@@ -10,7 +10,7 @@ int CDialogResource::Accept(CResourceVisitor& visitor) {
     return 0;
 }
 
-void CDialogResource::ExtractPieces(CLabelPieceList& stream) {
+void CDialogResource::ExtractPieces(CPieceStream& stream) {
     const std::optional<std::size_t> after = AfterGroupOpen(stream, u"dialogs");
     if (!after)
         return;

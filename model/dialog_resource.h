@@ -19,10 +19,11 @@ public:
     }
     // Takes the pieces behind the group's tag up to the first end tag that
     // names a dialog, which goes too, into a new dialog of this object.
-    void ExtractPieces(CLabelPieceList& stream) override;
+    void ExtractPieces(CPieceStream& stream) override;
     // The first dialog takes over the pieces of other's first dialog; every
     // other field stays that of the source.
     void MergePieces(CResource& other) override;
+    void ReleaseContent() override { std::vector<std::unique_ptr<CDialogItem>>().swap(dialogs); }
 
     std::vector<std::unique_ptr<CDialogItem>> dialogs;
 };

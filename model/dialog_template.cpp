@@ -1,8 +1,7 @@
 #include "model/dialog_template.h"
 
-#include "frame/diagnostics/exceptions.h"
 #include "frame/diagnostics/trace.h"
-#include "frame/resource.h"
+#include "model/read_failure.h"
 
 namespace tervane {
 
@@ -13,56 +12,52 @@ constexpr DWORD kSetFont = 0x40;
 constexpr DWORD kFixedSys = 0x08;
 constexpr WORD kOrdinalMark = 0xFFFF;
 
-[[noreturn]] void Corrupted() {
-    throw CParserException(kCorruptedDocumentMessage);
-}
-
 } // namespace
 
-WORD CDialogTemplateReader::Word() {
+WORD CDialogTemplateReader::Word(const char* field) {
     auto value = reader_.ReadU16LE();
     if (!value)
-        Corrupted();
+        ThrowCorrupted(reader_.Offset(), field);
     return *value;
 }
 
-DWORD CDialogTemplateReader::Dword() {
+DWORD CDialogTemplateReader::Dword(const char* field) {
     auto value = reader_.ReadU32LE();
     if (!value)
-        Corrupted();
+        ThrowCorrupted(reader_.Offset(), field);
     return *value;
 }
 
-BYTE CDialogTemplateReader::Byte() {
+BYTE CDialogTemplateReader::Byte(const char* field) {
     auto value = reader_.ReadU8();
     if (!value)
-        Corrupted();
+        ThrowCorrupted(reader_.Offset(), field);
     return *value;
 }
 
-WORD CDialogTemplateReader::PeekWord() {
+WORD CDialogTemplateReader::PeekWord(const char* field) {
     ByteReader ahead = reader_;
     auto value = ahead.ReadU16LE();
     if (!value)
-        Corrupted();
+        ThrowCorrupted(reader_.Offset(), field);
     return *value;
 }
 
-std::u16string CDialogTemplateReader::Text() {
+std::u16string CDialogTemplateReader::Text(const char* field) {
     // Measured first, so that the text is made in one piece.
     ByteReader ahead = reader_;
     std::size_t count = 0;
     for (;;) {
         auto unit = ahead.ReadU16LE();
         if (!unit)
-            Corrupted();
+            ThrowCorrupted(reader_.Offset(), field);
         if (*unit == 0)
             break;
         ++count;
     }
     auto units = reader_.ReadBytes(count * 2 + 2);
     if (!units)
-        Corrupted();
+        ThrowCorrupted(reader_.Offset(), field);
     std::u16string text(count, u'\0');
     for (std::size_t i = 0; i < count; ++i)
         text[i] = static_cast<char16_t>(LoadU16LE(units->data() + 2 * i));
@@ -77,59 +72,59 @@ void CDialogTemplateReader::Align() {
 DialogHeader CDialogTemplateReader::ReadHeader(Bytes data) {
     reader_ = ByteReader(data);
     DialogHeader header;
-    const DWORD first = Dword();
+    const DWORD first = Dword("style");
     if (first == kExtendedSignature) {
         isExtended = 1;
-        header.helpId = Dword();
-        header.extendedStyle = Dword();
-        header.style = Dword();
+        header.helpId = Dword("helpID");
+        header.extendedStyle = Dword("exStyle");
+        header.style = Dword("style");
     } else {
         isExtended = 0;
         header.style = first;
-        header.extendedStyle = Dword();
+        header.extendedStyle = Dword("exStyle");
     }
     header.isExtended = isExtended;
-    header.itemCount = Word();
-    header.x = static_cast<std::int16_t>(Word());
-    header.y = static_cast<std::int16_t>(Word());
-    header.cx = static_cast<std::int16_t>(Word());
-    header.cy = static_cast<std::int16_t>(Word());
+    header.itemCount = Word("cDlgItems");
+    header.x = static_cast<std::int16_t>(Word("x"));
+    header.y = static_cast<std::int16_t>(Word("y"));
+    header.cx = static_cast<std::int16_t>(Word("cx"));
+    header.cy = static_cast<std::int16_t>(Word("cy"));
 
-    const WORD menu = PeekWord();
+    const WORD menu = PeekWord("menu");
     if (menu == 0) {
-        Word();
+        Word("menu");
     } else if (menu == kOrdinalMark) {
-        Word();
-        header.menuOrdinal = Word();
+        Word("menu");
+        header.menuOrdinal = Word("menu");
     } else {
-        header.menuName = Text();
+        header.menuName = Text("menu");
     }
 
     // The model keeps no number for a window class.
-    const WORD windowClass = PeekWord();
+    const WORD windowClass = PeekWord("windowClass");
     if (windowClass == 0) {
-        Word();
+        Word("windowClass");
     } else if (windowClass == kOrdinalMark) {
-        Word();
-        Word();
+        Word("windowClass");
+        Word("windowClass");
     } else {
-        header.className = Text();
+        header.className = Text("windowClass");
     }
 
-    if (PeekWord() == 0)
-        Word();
+    if (PeekWord("title") == 0)
+        Word("title");
     else
-        header.title = Text();
+        header.title = Text("title");
 
     if (header.style & (kSetFont | kFixedSys)) {
         Trace("DS_SETFONT is set");
-        header.pointSize = Word();
+        header.pointSize = Word("pointsize");
         if (isExtended) {
-            header.weight = Word();
-            header.italic = Byte();
-            header.charset = Byte();
+            header.weight = Word("weight");
+            header.italic = Byte("italic");
+            header.charset = Byte("charset");
         }
-        header.fontName = Text();
+        header.fontName = Text("typeface");
     }
     Align();
     return header;
@@ -140,7 +135,7 @@ DialogControl CDialogTemplateReader::ReadControl() {
     // The fields before the class come in one read, at fixed places.
     auto fixed = reader_.ReadBytes(isExtended ? 24 : 18);
     if (!fixed)
-        Corrupted();
+        ThrowCorrupted(reader_.Offset(), "control");
     const std::uint8_t* field = fixed->data();
     if (isExtended) {
         control.helpId = LoadU32LE(field);
@@ -160,25 +155,26 @@ DialogControl CDialogTemplateReader::ReadControl() {
     if (isExtended)
         control.idHigh = LoadU16LE(field + 10);
 
-    if (PeekWord() == kOrdinalMark) {
-        Word();
-        control.classOrdinal = Word();
+    if (PeekWord("windowClass") == kOrdinalMark) {
+        Word("windowClass");
+        control.classOrdinal = Word("windowClass");
     } else {
-        control.className = Text();
+        control.className = Text("windowClass");
     }
 
-    if (PeekWord() == kOrdinalMark) {
-        Word();
-        control.titleOrdinal = Word();
+    if (PeekWord("title") == kOrdinalMark) {
+        Word("title");
+        control.titleOrdinal = Word("title");
     } else {
-        control.title = Text();
+        control.title = Text("title");
     }
 
-    const WORD count = Word();
+    const WORD count = Word("extraCount");
     if (count != 0) {
+        const std::size_t at = reader_.Offset();
         auto bytes = reader_.ReadBytes(count);
         if (!bytes)
-            Corrupted();
+            ThrowCorrupted(at, "creation data");
         control.creationData.assign(bytes->begin(), bytes->end());
     }
     Align();

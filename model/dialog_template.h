@@ -70,12 +70,13 @@ public:
     DWORD isExtended = 0;
 
 private:
-    WORD Word();
-    DWORD Dword();
-    BYTE Byte();
-    WORD PeekWord();
+    // Each read names the template's field that a failure reports.
+    WORD Word(const char* field);
+    DWORD Dword(const char* field);
+    BYTE Byte(const char* field);
+    WORD PeekWord(const char* field);
     // A zero-terminated wide text; the terminator is read, not kept.
-    std::u16string Text();
+    std::u16string Text(const char* field);
     // To the next multiple of 4; past the end it stops at the end, where the
     // next read fails.
     void Align();

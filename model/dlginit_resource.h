@@ -14,7 +14,7 @@ public:
         return GroupTag("dlginits::", false);
     }
     // Its strings stand in the dialogs they fill, never in a group of their own.
-    void ExtractPieces(CLabelPieceList&) override {}
+    void ExtractPieces(CPieceStream&) override {}
 };
 
 // Reads the records into the process-wide table under the resource's

@@ -1,7 +1,7 @@
 #include "model/dlginit_table.h"
 
-#include "frame/diagnostics/exceptions.h"
 #include "frame/resource.h"
+#include "model/read_failure.h"
 
 namespace tervane {
 
@@ -19,15 +19,17 @@ void CDlgInitData::Parse(Bytes data, std::size_t size) {
     hasPending = 0;
     while (reader.Remaining() > 2) {
         DlgInitRecord record;
+        const std::size_t start = reader.Offset();
         auto id = reader.ReadU16LE();
         auto message = reader.ReadU16LE();
         auto low = reader.ReadU16LE();
         auto high = reader.ReadU16LE();
         if (!high)
-            throw CParserException(kCorruptedDocumentMessage);
+            ThrowCorrupted(start, "record");
+        const std::size_t at = reader.Offset();
         auto bytes = reader.ReadBytes(*low);
         if (!bytes)
-            throw CParserException(kCorruptedDocumentMessage);
+            ThrowCorrupted(at, "data");
         record = {*id, *message, *low, *high, std::string(bytes->begin(), bytes->end())};
 
         // A control's records that are not next to each other do not add up:

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <limits>
 
-#include "frame/diagnostics/exceptions.h"
 #include "frame/resource.h"
 #include "model/menu_text.h"
+#include "model/read_failure.h"
 
 namespace tervane {
 
@@ -21,37 +21,40 @@ constexpr WORD kExtendedPopup = 0x01;       // bResInfo: a pop-up follows
 constexpr WORD kExtendedEnd = 0x80;         // bResInfo: last item of its menu
 constexpr DWORD kExtendedSeparator = 0x800; // MFT_SEPARATOR
 
-[[noreturn]] void Corrupted() {
-    throw CParserException(kCorruptedDocumentMessage);
-}
-
-ByteReader ReaderAt(Bytes data, std::size_t offset) {
+ByteReader ReaderAt(Bytes data, std::size_t offset, const char* field) {
     ByteReader reader(data);
     if (!reader.Seek(offset))
-        Corrupted();
+        ThrowCorrupted(offset, field);
     return reader;
 }
 
-WORD Read16(ByteReader& reader) {
+WORD Read16(ByteReader& reader, const char* field) {
     auto value = reader.ReadU16LE();
     if (!value)
-        Corrupted();
+        ThrowCorrupted(reader.Offset(), field);
     return *value;
 }
 
-DWORD Read32(ByteReader& reader) {
+DWORD Read32(ByteReader& reader, const char* field) {
     auto value = reader.ReadU32LE();
     if (!value)
-        Corrupted();
+        ThrowCorrupted(reader.Offset(), field);
     return *value;
 }
 
-// UTF-16 units up to the zero word, which is read too.
-std::u16string ReadText(ByteReader& reader) {
+// UTF-16 units up to the zero word, which is read too; a failure names the
+// text's start.
+std::u16string ReadText(ByteReader& reader, const char* field) {
+    const std::size_t start = reader.Offset();
     std::u16string text;
-    for (WORD unit; (unit = Read16(reader)) != 0;)
-        text += static_cast<char16_t>(unit);
-    return text;
+    for (;;) {
+        auto unit = reader.ReadU16LE();
+        if (!unit)
+            ThrowCorrupted(start, field);
+        if (*unit == 0)
+            return text;
+        text += static_cast<char16_t>(*unit);
+    }
 }
 
 constexpr WideText kItemName = WideText::Constant(u"item");
@@ -88,7 +91,7 @@ MenuItemRecord ClosingRecord() {
 void CountTrailingWords(MenuItemRecord& record, std::size_t& offset, int level) {
     while (offset < g_menuSize && level == 0) {
         if (record.trailingWords == std::numeric_limits<WORD>::max())
-            Corrupted();
+            ThrowCorrupted(offset, "trailing words");
         ++record.trailingWords;
         offset += 2;
     }
@@ -101,7 +104,7 @@ void ReadChildren(MenuItemRecord& record, Bytes data, std::size_t& offset, int& 
                   bool isExtended, int depth, EndsMenu endsMenu) {
     for (;;) {
         if (offset >= g_menuSize)
-            Corrupted();
+            ThrowCorrupted(offset, "item");
         MenuItemRecord child;
         child.parser = record.parser;
         ReadItem(child, data, offset, level, isExtended, depth + 1);
@@ -145,7 +148,7 @@ std::unique_ptr<CTagLabelPiece> MakeItemTag(DWORD id) {
 void ReadItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, bool isExtended,
               int depth) {
     if (depth > kMaxMenuDepth)
-        Corrupted();
+        ThrowCorrupted(offset, "popup depth");
     if (isExtended)
         ReadExtendedItem(record, data, offset, level, depth);
     else
@@ -153,15 +156,15 @@ void ReadItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& leve
 }
 
 void ReadPlainItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level, int depth) {
-    ByteReader reader = ReaderAt(data, offset);
-    record.flags = Read16(reader);
+    ByteReader reader = ReaderAt(data, offset, "item");
+    record.flags = Read16(reader, "mtOption");
     const bool popup = (record.flags & kPopup) != 0;
     const bool last = (record.flags & kEnd) != 0;
 
     if (popup) {
         ++level;
         record.id = 0xFFFF;
-        record.text = ReadText(reader);
+        record.text = ReadText(reader, "mtString");
         offset = reader.Offset();
         record.pieces.push_back(MakeItemTag(record.id));
         AnalyseMenuText(record, record.text);
@@ -176,8 +179,8 @@ void ReadPlainItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int&
         return;
     }
 
-    record.id = Read16(reader);
-    record.text = ReadText(reader);
+    record.id = Read16(reader, "mtID");
+    record.text = ReadText(reader, "mtString");
     offset = reader.Offset();
     // A plain separator is told by its empty text, whatever its flags say.
     if (record.text.empty()) {
@@ -200,19 +203,19 @@ void ReadPlainItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int&
 
 void ReadExtendedItem(MenuItemRecord& record, Bytes data, std::size_t& offset, int& level,
                       int depth) {
-    ByteReader reader = ReaderAt(data, offset);
-    record.type = Read32(reader);
-    record.state = Read32(reader);
-    record.itemId = Read32(reader);
-    record.resInfo = Read16(reader);
-    record.extendedText = ReadText(reader);
+    ByteReader reader = ReaderAt(data, offset, "item");
+    record.type = Read32(reader, "dwType");
+    record.state = Read32(reader, "dwState");
+    record.itemId = Read32(reader, "menuId");
+    record.resInfo = Read16(reader, "bResInfo");
+    record.extendedText = ReadText(reader, "szText");
     // Items, and the help identifier of a pop-up, stand on 4-byte boundaries;
     // the padding of the very last item may lie outside the data.
     offset = (reader.Offset() + 3) & ~std::size_t{3};
     const bool popup = (record.resInfo & kExtendedPopup) != 0;
     if (popup) {
-        ByteReader help = ReaderAt(data, offset);
-        record.helpId = Read32(help);
+        ByteReader help = ReaderAt(data, offset, "dwHelpId");
+        record.helpId = Read32(help, "dwHelpId");
         offset = help.Offset();
     }
 

@@ -67,7 +67,7 @@ int CMenuResource::Accept(CResourceVisitor& visitor) {
     return 0;
 }
 
-void CMenuResource::ExtractPieces(CLabelPieceList& stream) {
+void CMenuResource::ExtractPieces(CPieceStream& stream) {
     const std::optional<std::size_t> after = AfterGroupOpen(stream, u"menus");
     if (!after)
         return;
@@ -110,6 +110,12 @@ void CMenuResource::ExtractPieces(CLabelPieceList& stream) {
     }
     stream.erase(stream.begin() + static_cast<std::ptrdiff_t>(start),
                  stream.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+void CMenuResource::ReleaseContent() {
+    std::vector<MenuItemRecord>().swap(items);
+    shortcuts.clear();
+    parser.reset();
 }
 
 void CMenuResource::MergePieces(CResource& other) {

@@ -23,10 +23,11 @@ public:
     }
     // Takes one record for each record of a read menu, in depth-first order,
     // up to the end of the group or the next menu's root tag, which stay.
-    void ExtractPieces(CLabelPieceList& stream) override;
+    void ExtractPieces(CPieceStream& stream) override;
     // Gives the records of this tree, depth first, the pieces of other's flat
     // list, for as many records as other holds.
     void MergePieces(CResource& other) override;
+    void ReleaseContent() override;
 
     bool IsExtended() const { return extendedVersion == 1; }
     bool IsPlain() const { return plainVersion == 0; }

@@ -12,6 +12,7 @@
 #include "label/grammars/label_parser.h"
 #include "label/grammars/token_pieces.h"
 #include "label/pieces/tag_predicates.h"
+#include "model/read_failure.h"
 #include "model/text_run.h"
 #include "model/text_util.h"
 #include "model/unit_runs.h"
@@ -36,13 +37,13 @@ bool BelongsToBlock(long number, long block) {
 Bytes ReadCountedUnits(Bytes data, std::size_t& offset) {
     ByteReader reader(data);
     if (!reader.Seek(offset))
-        throw CParserException(kCorruptedDocumentMessage);
+        ThrowCorrupted(offset, "length");
     auto length = reader.ReadU16LE();
     if (!length)
-        throw CParserException(kCorruptedDocumentMessage);
+        ThrowCorrupted(offset, "length");
     auto units = reader.ReadBytes(std::size_t{*length} * 2);
     if (!units)
-        throw CParserException(kCorruptedDocumentMessage);
+        ThrowCorrupted(offset + 2, "string");
     offset = reader.Offset();
     return *units;
 }
@@ -252,7 +253,7 @@ std::unique_ptr<CTagLabelPiece> CStringBlockResource::GetCloseTag() const {
     return GroupTag("stringtable", false);
 }
 
-void CStringBlockResource::ExtractPieces(CLabelPieceList& stream) {
+void CStringBlockResource::ExtractPieces(CPieceStream& stream) {
     const long block = BlockNumber(*this);
     const std::optional<std::size_t> after = AfterGroupOpen(stream, u"stringtable");
     if (!after)

@@ -16,8 +16,9 @@ public:
     int Accept(CResourceVisitor& visitor) override;
     std::unique_ptr<CTagLabelPiece> GetOpenTag() const override;
     std::unique_ptr<CTagLabelPiece> GetCloseTag() const override;
-    void ExtractPieces(CLabelPieceList& stream) override;
+    void ExtractPieces(CPieceStream& stream) override;
     void MergePieces(CResource& other) override;
+    void ReleaseContent() override { std::vector<PieceEntry>().swap(entries); }
 
     // Entries in ascending order of string number; strings without text have none.
     std::vector<PieceEntry> entries;

@@ -2,16 +2,11 @@
 
 #include <optional>
 
-#include "frame/diagnostics/exceptions.h"
-#include "frame/resource.h"
+#include "model/read_failure.h"
 
 namespace tervane {
 
 namespace {
-
-[[noreturn]] void Corrupted() {
-    throw CParserException(kCorruptedDocumentMessage);
-}
 
 bool HasVarFileInfoKey(const std::u16string& key) {
     return key.find(u"VarFileInfo") != std::u16string::npos;
@@ -24,6 +19,7 @@ public:
     VersionReader(Bytes data, CVersionBlock& block) : in_(data), block_(block) {}
 
     void Root() {
+        node_ = "VS_VERSIONINFO";
         block_.root.length = Word();
         block_.remaining = static_cast<std::uint16_t>(block_.root.length - 2);
         block_.root.valueLength = Word();
@@ -41,6 +37,7 @@ public:
     bool Ended() const { return block_.remaining == 0; }
 
     void Header(VersionBlockHeader& header) {
+        node_ = "block header";
         header.length = Word();
         header.valueLength = Word();
         header.type = Word();
@@ -50,6 +47,7 @@ public:
 
     void Strings() {
         while (!Ended()) {
+            node_ = "String";
             VersionStringEntry entry;
             entry.length = Word();
             entry.valueLength = Word();
@@ -80,6 +78,7 @@ public:
     // The words left of the first entry's length decide where the vars end;
     // they are not computed anew for the later entries.
     void Vars() {
+        node_ = "Var";
         VersionVarEntry entry;
         entry.length = Word();
         auto words = static_cast<std::uint16_t>(entry.length / 2 - 3);
@@ -118,6 +117,9 @@ public:
     }
 
 private:
+    // The node being read is the field that a failure names.
+    [[noreturn]] void Corrupted() const { ThrowCorrupted(in_.Offset(), node_); }
+
     std::uint16_t Word() {
         auto word = in_.ReadU16LE();
         if (!word)
@@ -173,6 +175,7 @@ private:
     }
 
     ByteReader in_;
+    const char* node_ = "VS_VERSIONINFO";
     CVersionBlock& block_;
 };
 

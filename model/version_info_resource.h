@@ -17,7 +17,7 @@ public:
     std::unique_ptr<CTagLabelPiece> GetCloseTag() const override {
         return GroupTag("versioninfo", false);
     }
-    void ExtractPieces(CLabelPieceList& stream) override;
+    void ExtractPieces(CPieceStream& stream) override;
     void MergePieces(CResource& other) override;
 
     // In the fixed order comments, legalcopyright, productversion,

@@ -28,7 +28,7 @@ CLabelPieceList ParseValue(std::string_view key, std::u16string_view value) {
     return entry;
 }
 
-void CVersionInfoResource::ExtractPieces(CLabelPieceList& stream) {
+void CVersionInfoResource::ExtractPieces(CPieceStream& stream) {
     const std::optional<std::size_t> after = AfterGroupOpen(stream, u"versioninfo");
     if (!after)
         return;

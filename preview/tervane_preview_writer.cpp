@@ -185,7 +185,7 @@ HRESULT TervanePreviewWriter::raw_Tag(ITag* item) {
             keepText_ = 0;
 
         // The end of a resource, seen from the tag behind it.
-        CLabelPieceList& pieces = updater_.pieces;
+        CPieceStream& pieces = updater_.pieces;
         if (!pieces.empty() && cursorSettled_ == 0) {
             if (const CTagLabelPiece* previous = pieces.back()->AsTag()) {
                 const TagDescriptor& before = previous->tag;

@@ -9,11 +9,18 @@ packages=(
   python3 python3-pefile icoutils
   # the command line of the tervane program
   libcli11-dev
+  # the bilingual document: XLIFF written and read by libxml2 (xmllint checks
+  # it against the schema), the source file's SHA-256 from nettle
+  libxml2-dev libxml2-utils nettle-dev
+  # translation tools' round trips of the bilingual document, in the tests
+  translate-toolkit omegat
   clang libclang-rt-14-dev clang-format
   # the previewer draws with cairo and pango in Arial's metrics
   libcairo2-dev libpango1.0-dev fonts-liberation
   # real executables: the tests convert every PE file of Wine's Windows side
   wine64
+  # the Windows program that reads a translated file under Wine
+  gcc-mingw-w64-x86-64
 )
 
 missing=()

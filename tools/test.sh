@@ -8,6 +8,7 @@ if [ "${1:-}" = "--sanitize" ]; then
   bash "$root/tools/build.sh" "$dir" -DTERVANE_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug
   export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
   export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+  export LSAN_OPTIONS="suppressions=$root/tools/lsan.supp"
 else
   dir="$root/build"
   bash "$root/tools/build.sh" "$dir"

@@ -1,6 +1,7 @@
 #pragma once
 // The pieces that carry a label's text and tags between the resources and the
 // host: a tag or a run of text, told apart by their dynamic type.
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -101,6 +102,11 @@ public:
 // A list owns its pieces, in document order.
 using CLabelPieceList =
     std::vector<std::unique_ptr<CLabelPiece>, block_pool::Allocator<std::unique_ptr<CLabelPiece>>>;
+
+// The translated stream of a backward conversion. Each resource takes its
+// pieces from just behind the few that stay at the head, so removing them
+// must not shift the rest of the stream.
+using CPieceStream = std::deque<std::unique_ptr<CLabelPiece>>;
 
 // A narrow name or tag text widened with the process's code page.
 WideText WidenTagText(std::string_view text);

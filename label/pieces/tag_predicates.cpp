@@ -269,8 +269,7 @@ bool IsOpen(const CLabelPiece& piece, std::u16string_view word) {
     return tag != nullptr && IsOpen(*tag, word);
 }
 
-std::optional<std::size_t> AfterGroupOpen(const CLabelPieceList& stream,
-                                          std::u16string_view group) {
+std::optional<std::size_t> AfterGroupOpen(const CPieceStream& stream, std::u16string_view group) {
     for (std::size_t at = 0; at < stream.size(); ++at)
         if (IsOpen(*stream[at], group))
             return at + 1;

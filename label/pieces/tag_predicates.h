@@ -62,7 +62,7 @@ bool IsClose(const CLabelPiece& piece, std::u16string_view word);
 // Behind the first opening tag of group in stream, if there is one: a
 // resource's entries start there, and the group's tag stays for the next
 // resource of its kind.
-std::optional<std::size_t> AfterGroupOpen(const CLabelPieceList& stream, std::u16string_view group);
+std::optional<std::size_t> AfterGroupOpen(const CPieceStream& stream, std::u16string_view group);
 int ResourceKindOfOpen(const CLabelPiece& piece);
 int ResourceKindOfClose(const CLabelPiece& piece);
 bool IsResourceOpen(const CLabelPiece& piece);

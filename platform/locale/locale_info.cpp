@@ -32,7 +32,7 @@ std::optional<tervane::locale::LanguageCodePages> Resolve(LCID locale) {
         }
     }
     if (language == LOCALE_INVARIANT)
-        return tervane::locale::LanguageCodePages{language, 1252, 437};
+        return tervane::locale::LanguageCodePages{language, 1252, 437, ""};
     return tervane::locale::FindLanguageCodePages(language);
 }
 

@@ -163,6 +163,19 @@ std::optional<std::vector<std::uint8_t>> PeImage::ReadRva(std::uint32_t rva,
     return ReadSection(s, offset, size);
 }
 
+std::optional<Bytes> PeImage::ViewRva(std::uint32_t rva, std::uint32_t size) const {
+    auto index = SectionIndexForRva(rva);
+    if (!index)
+        return std::nullopt;
+    const SectionHeader& s = sections_[*index];
+    std::uint32_t offset = rva - s.virtualAddress;
+    std::uint64_t rawEnd = std::min<std::uint64_t>(s.sizeOfRawData, s.MappedSize());
+    std::uint64_t fileOffset = std::uint64_t{s.pointerToRawData} + offset;
+    if (!InBounds(offset, size, rawEnd) || !InBounds(fileOffset, size, bytes_.size()))
+        return std::nullopt;
+    return FileBytes().subspan(static_cast<std::size_t>(fileOffset), size);
+}
+
 std::vector<std::uint8_t> PeImage::ReadSection(const SectionHeader& s, std::uint32_t offset,
                                                std::uint32_t size) const {
     std::vector<std::uint8_t> out(size, 0);

@@ -100,6 +100,10 @@ public:
     // Copies [rva, rva + size) when it lies inside one section; the
     // uninitialised tail of a section reads as zeros.
     std::optional<std::vector<std::uint8_t>> ReadRva(std::uint32_t rva, std::uint32_t size) const;
+    // The file's own bytes of [rva, rva + size), valid as long as the image:
+    // empty unless the range lies inside one section and the file holds all
+    // of it, where ReadRva would give the same bytes.
+    std::optional<Bytes> ViewRva(std::uint32_t rva, std::uint32_t size) const;
 
     // End of the last section's raw data: what follows is appended data.
     std::uint64_t EndOfSectionData() const;

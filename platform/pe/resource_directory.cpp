@@ -215,9 +215,12 @@ Result<ResourceTree> ReadResourceTree(const PeImage& image) {
     std::uint32_t skip = directory.rva - section.virtualAddress;
     std::uint64_t length = std::min<std::uint64_t>(section.MappedSize() - skip,
                                                    BackedBytes(section, skip) + kMaxZeroTail);
-    std::vector<std::uint8_t> view =
-        *image.ReadRva(directory.rva, static_cast<std::uint32_t>(length));
-    Bytes bytes(view);
+    // Read in place when the file holds the whole directory, as it nearly always does.
+    std::vector<std::uint8_t> copy;
+    std::optional<Bytes> view = image.ViewRva(directory.rva, static_cast<std::uint32_t>(length));
+    if (!view)
+        copy = *image.ReadRva(directory.rva, static_cast<std::uint32_t>(length));
+    Bytes bytes = view ? *view : Bytes(copy);
 
     ResourceTree tree;
     tree.rva = directory.rva;
@@ -251,6 +254,17 @@ Result<ResourceTree> ReadSoundResourceTree(const PeImage& image) {
             return *damage;
     }
     return tree;
+}
+
+Result<ResourceData> ViewResourceData(const PeImage& image, const ResourceDataEntry& entry) {
+    if (std::optional<Bytes> view = image.ViewRva(entry.rva, entry.size))
+        return ResourceData{{}, *view};
+    auto copy = ReadResourceData(image, entry);
+    if (!copy)
+        return copy.error();
+    ResourceData data{std::move(*copy), {}};
+    data.bytes = data.owned;
+    return data;
 }
 
 Result<std::vector<std::uint8_t>> ReadResourceData(const PeImage& image,

@@ -107,4 +107,13 @@ Result<ResourceTree> ReadSoundResourceTree(const PeImage& image);
 Result<std::vector<std::uint8_t>> ReadResourceData(const PeImage& image,
                                                    const ResourceDataEntry& entry);
 
+// The same bytes, in place in the file when it holds all of them (bytes then
+// live as long as the image), else copied into owned. Moving the value keeps
+// bytes valid.
+struct ResourceData {
+    std::vector<std::uint8_t> owned;
+    Bytes bytes;
+};
+Result<ResourceData> ViewResourceData(const PeImage& image, const ResourceDataEntry& entry);
+
 } // namespace tervane::pe

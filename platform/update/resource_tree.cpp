@@ -5,14 +5,71 @@
 
 namespace tervane::update {
 
+namespace {
+
+constexpr std::size_t kMaxEntries = 0xFFFF;
+
+std::uint64_t StringBytes(const ResKey& key) {
+    return key.named ? 2 + 2 * std::uint64_t{key.name.size()} : 0;
+}
+
+std::uint64_t Aligned4(std::size_t size) {
+    return (std::uint64_t{size} + 3) / 4 * 4;
+}
+
+} // namespace
+
+// Finds or makes the directories down to the name's languages.
+LanguageMap& ResourceTree::Languages(const ResKey& type, const ResKey& name) {
+    auto [t, newType] = types_.try_emplace(type);
+    if (newType)
+        tally_.stringBytes += StringBytes(type);
+    auto [n, newName] = t->second.try_emplace(name);
+    if (newName) {
+        ++tally_.names;
+        tally_.stringBytes += StringBytes(name);
+        if (t->second.size() == kMaxEntries + 1)
+            ++tally_.crowded;
+    }
+    return n->second;
+}
+
+void ResourceTree::Count(const ResourceLeaf& leaf, int sign) {
+    const std::uint64_t bytes = leaf.data ? Aligned4(leaf.data->size()) : 0;
+    const std::uint64_t empty = leaf.data && leaf.data->empty() ? 1 : 0;
+    if (sign > 0) {
+        tally_.dataBytes += bytes;
+        tally_.emptyLeaves += empty;
+    } else {
+        tally_.dataBytes -= bytes;
+        tally_.emptyLeaves -= empty;
+    }
+}
+
 void ResourceTree::Set(const ResKey& type, const ResKey& name, WORD language, Blob data) {
-    ResourceLeaf& leaf = types_[type][name][language];
-    leaf.data = std::move(data);
+    LanguageMap& languages = Languages(type, name);
+    auto [l, added] = languages.try_emplace(language);
+    if (added) {
+        ++tally_.leaves;
+        if (languages.size() == kMaxEntries + 1)
+            ++tally_.crowded;
+    } else {
+        Count(l->second, -1);
+    }
+    l->second.data = std::move(data);
+    Count(l->second, +1);
 }
 
 void ResourceTree::Insert(const ResKey& type, const ResKey& name, WORD language,
                           ResourceLeaf leaf) {
-    types_[type][name].emplace(language, std::move(leaf));
+    LanguageMap& languages = Languages(type, name);
+    auto [l, added] = languages.try_emplace(language, std::move(leaf));
+    if (!added)
+        return;
+    ++tally_.leaves;
+    if (languages.size() == kMaxEntries + 1)
+        ++tally_.crowded;
+    Count(l->second, +1);
 }
 
 bool ResourceTree::Remove(const ResKey& type, const ResKey& name, WORD language) {
@@ -22,12 +79,25 @@ bool ResourceTree::Remove(const ResKey& type, const ResKey& name, WORD language)
     auto n = t->second.find(name);
     if (n == t->second.end())
         return false;
-    if (n->second.erase(language) == 0)
+    auto l = n->second.find(language);
+    if (l == n->second.end())
         return false;
-    if (n->second.empty())
+    Count(l->second, -1);
+    --tally_.leaves;
+    if (n->second.size() == kMaxEntries + 1)
+        --tally_.crowded;
+    n->second.erase(l);
+    if (n->second.empty()) {
+        --tally_.names;
+        tally_.stringBytes -= StringBytes(name);
+        if (t->second.size() == kMaxEntries + 1)
+            --tally_.crowded;
         t->second.erase(n);
-    if (t->second.empty())
+    }
+    if (t->second.empty()) {
+        tally_.stringBytes -= StringBytes(type);
         types_.erase(t);
+    }
     return true;
 }
 

@@ -47,6 +47,19 @@ using LanguageMap = std::map<WORD, ResourceLeaf>;
 using NameMap = std::map<ResKey, LanguageMap, ResKeyLess>;
 using TypeMap = std::map<ResKey, NameMap, ResKeyLess>;
 
+// What the size of the tree's section follows from, kept up to date by every
+// change, so that a transaction learns whether its result fits without a
+// walk of the whole tree.
+struct SectionTally {
+    std::uint64_t names = 0;  // language directories
+    std::uint64_t leaves = 0; // data entries
+    std::uint64_t stringBytes = 0;
+    std::uint64_t dataBytes = 0; // each blob aligned to 4
+    std::uint64_t emptyLeaves = 0;
+    std::uint64_t crowded = 0; // directories with more entries than 16 bits count
+    bool operator==(const SectionTally&) const = default;
+};
+
 class ResourceTree {
 public:
     // Replaces or adds; a new leaf gets code page 0, a replaced one keeps its own.
@@ -56,14 +69,22 @@ public:
     // Removes the leaf and any directory left empty; false when it was absent.
     bool Remove(const ResKey& type, const ResKey& name, WORD language);
     const ResourceLeaf* Find(const ResKey& type, const ResKey& name, WORD language) const;
-    void Clear() { types_.clear(); }
+    void Clear() {
+        types_.clear();
+        tally_ = {};
+    }
 
     const TypeMap& Types() const { return types_; }
+    const SectionTally& Tally() const { return tally_; }
     std::size_t LeafCount() const;
     bool operator==(const ResourceTree& other) const;
 
 private:
+    LanguageMap& Languages(const ResKey& type, const ResKey& name);
+    void Count(const ResourceLeaf& leaf, int sign);
+
     TypeMap types_;
+    SectionTally tally_;
 };
 
 // The key under which Win32's update functions store a type or name: "#123"

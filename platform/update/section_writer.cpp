@@ -171,11 +171,25 @@ void EntryKey(Cursor& dir, Cursor& strings, Narrowing& narrow, const ResKey& key
 
 } // namespace
 
+// The plan's total from the tree's running tally, without a walk: the
+// directory tables, the data entries, the names, and then the data.
 Result<std::uint32_t> ResourceSectionSize(const ResourceTree& tree) {
-    auto layout = PlanResourceSection(tree);
-    if (!layout)
-        return std::move(layout.error());
-    return static_cast<std::uint32_t>(layout->total); // below 2 GiB, as planned
+    const SectionTally& tally = tree.Tally();
+    const std::uint64_t types = tree.Types().size();
+    if (tally.crowded != 0 || types > 0xFFFF) {
+        // The plan names the directory that is too large.
+        auto layout = PlanResourceSection(tree);
+        if (!layout)
+            return std::move(layout.error());
+    }
+    const std::uint64_t tables = kDirectoryHeader * (1 + types + tally.names) +
+                                 kDirectoryEntry * (types + tally.names + tally.leaves);
+    const std::uint64_t strings = tables + kDataEntry * tally.leaves;
+    const std::uint64_t total =
+        Align(strings + tally.stringBytes, 4) + tally.dataBytes + (tally.emptyLeaves ? 4 : 0);
+    if (total >= kHighBit)
+        return TooLarge("larger than 2 GiB");
+    return static_cast<std::uint32_t>(total);
 }
 
 Result<std::vector<std::uint8_t>> BuildResourceSection(const ResourceTree& tree,

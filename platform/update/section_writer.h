@@ -26,8 +26,9 @@ struct SectionPlan {
 
 Result<SectionPlan> PlanResourceSection(const ResourceTree& tree);
 
-// The size of the section content, without writing it, so that a transaction
-// can learn whether its result fits before anything is written.
+// The size of the section content, without writing it or walking the tree, so
+// that a transaction can learn whether its result fits before anything is
+// written.
 Result<std::uint32_t> ResourceSectionSize(const ResourceTree& tree);
 
 // Data entries hold RVAs, so the content depends on where the section stands.

@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -23,8 +24,10 @@ struct ResourceInfo {
     tervane::pe::ResourceDataEntry data;
 };
 
+// The bytes in place in the module's file, or in owned.
 struct LoadedResource {
-    std::vector<std::uint8_t> bytes;
+    std::vector<std::uint8_t> owned;
+    tervane::Bytes bytes;
 };
 
 // A PE file loaded as data, or this module with its compiled-in resources
@@ -41,7 +44,7 @@ struct ModuleImage {
     std::map<std::tuple<std::size_t, std::size_t, std::size_t>, std::unique_ptr<ResourceInfo>>
         infos;
     std::unordered_set<const ResourceInfo*> validInfos;
-    std::map<const ResourceInfo*, std::unique_ptr<LoadedResource>> loaded;
+    std::unordered_map<const ResourceInfo*, std::unique_ptr<LoadedResource>> loaded;
     std::unordered_set<const LoadedResource*> validLoaded;
 };
 

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "frame/module_resources/module_resources.h"
+#include "platform/diag/failure_place.h"
 #include "platform/files/file_content.h"
 #include "platform/pe/resource_name_text.h"
 #include "platform/win32/builtin_tree.h"
@@ -52,8 +53,18 @@ ModuleImage* Resolve(HMODULE module) {
     return registry.modules.contains(module) ? module : nullptr;
 }
 
+// The code for the caller; what the reader knew for the failure place.
 void Fail(const Error& error) {
     SetLastError(error.code);
+    tervane::SetFailurePlace(error.context);
+}
+
+// Damage that cut a directory short answers for what could not be found there.
+void FailNotFound(const std::optional<Error>& damage, DWORD notFound) {
+    if (damage)
+        Fail(*damage);
+    else
+        SetLastError(notFound);
 }
 
 pe::ResourceId AskedId(const ResName& asked) {
@@ -122,14 +133,14 @@ const pe::ResourceTree* TreeOrFail(ModuleImage* module) {
 const pe::ResourceType* FindTypeOrFail(const pe::ResourceTree& tree, const ResName& asked) {
     if (auto index = FindId(tree.types, tree.header, AskedId(asked)))
         return &tree.types[*index];
-    SetLastError(tree.damage ? tree.damage->code : ERROR_RESOURCE_TYPE_NOT_FOUND);
+    FailNotFound(tree.damage, ERROR_RESOURCE_TYPE_NOT_FOUND);
     return nullptr;
 }
 
 const pe::ResourceName* FindNameOrFail(const pe::ResourceType& type, const ResName& asked) {
     if (auto index = FindId(type.names, type.header, AskedId(asked)))
         return &type.names[*index];
-    SetLastError(type.damage ? type.damage->code : ERROR_RESOURCE_NAME_NOT_FOUND);
+    FailNotFound(type.damage, ERROR_RESOURCE_NAME_NOT_FOUND);
     return nullptr;
 }
 
@@ -158,6 +169,20 @@ Result<std::vector<std::uint8_t>> DataOf(const ModuleImage& module,
         return Error{ERROR_RESOURCE_DATA_NOT_FOUND, "no such compiled-in resource"};
     auto bytes = module.builtinData[data.rva];
     return std::vector<std::uint8_t>(bytes.begin(), bytes.end());
+}
+
+// The bytes as LoadResource keeps them: in place in the file or the
+// compiled-in data, which outlive the handle, unless the file lacks some.
+Result<LoadedResource> LoadedData(const ModuleImage& module, const pe::ResourceDataEntry& data) {
+    if (module.pe) {
+        auto read = pe::ViewResourceData(*module.pe, data);
+        if (!read)
+            return read.error();
+        return LoadedResource{std::move(read->owned), read->bytes};
+    }
+    if (data.rva >= module.builtinData.size())
+        return Error{ERROR_RESOURCE_DATA_NOT_FOUND, "no such compiled-in resource"};
+    return LoadedResource{{}, module.builtinData[data.rva]};
 }
 
 // The loader gives no access to data that the file does not hold: a section
@@ -231,7 +256,9 @@ HMODULE LoadLibraryExA(const char* path, void* reserved, DWORD flags) {
     }
     auto bytes = tervane::files::ReadFileContent(path);
     if (!bytes) {
-        Fail(bytes.error());
+        // The reader knows the file's name only, which the caller has already.
+        SetLastError(bytes.error().code);
+        tervane::ClearFailurePlace();
         return nullptr;
     }
     return tervane::LoadModuleFromBytes(std::move(*bytes), path);
@@ -360,7 +387,7 @@ HRSRC FindResourceExA(HMODULE module, const ResName& type, const ResName& name, 
     if (!match && neutral && !found->languages.empty())
         match = 0;
     if (!match) {
-        SetLastError(found->damage ? found->damage->code : ERROR_RESOURCE_LANG_NOT_FOUND);
+        FailNotFound(found->damage, ERROR_RESOURCE_LANG_NOT_FOUND);
         return nullptr;
     }
     auto typeIndex = static_cast<std::size_t>(foundType - tree->types.data());
@@ -381,13 +408,13 @@ HGLOBAL LoadResource(HMODULE module, HRSRC resource) {
     std::lock_guard lock(image->mutex);
     auto& slot = image->loaded[resource];
     if (!slot) {
-        auto bytes = DataOf(*image, resource->data);
+        auto bytes = LoadedData(*image, resource->data);
         if (!bytes) {
             image->loaded.erase(resource);
             Fail(bytes.error());
             return nullptr;
         }
-        slot = std::make_unique<LoadedResource>(LoadedResource{std::move(*bytes)});
+        slot = std::make_unique<LoadedResource>(std::move(*bytes));
         image->validLoaded.insert(slot.get());
     }
     return slot.get();

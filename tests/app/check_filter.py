@@ -41,7 +41,7 @@ def expected(events):
 
 
 def events_of(tervane, path, *options):
-    run = subprocess.run([tervane, 'extract', '--events', *options, path], capture_output=True)
+    run = subprocess.run([tervane, 'extract', '--no-scan', '--events', *options, path], capture_output=True)
     return run.returncode, [json.loads(line) for line in run.stdout.splitlines()]
 
 

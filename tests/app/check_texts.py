@@ -182,7 +182,7 @@ def source_texts(path):
 
 
 def document_texts(tervane, path):
-    run = subprocess.run([tervane, 'extract', '--events', path], capture_output=True)
+    run = subprocess.run([tervane, 'extract', '--no-scan', '--events', path], capture_output=True)
     if run.returncode != 0:
         return None, run.stderr.decode(errors='replace').strip()
     texts, current, group = [], None, None

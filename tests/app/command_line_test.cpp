@@ -85,7 +85,9 @@ TEST(CommandLine, DoubleDashEndsTheOptions) {
         {"tokens --kind menu -- --help", "{\"type\": 1, \"text\": \"--help\"}\n"},
         {"list -- -reader.dll", "TYPE "},
         {"list --json -- -reader.dll", "{\"type\": "},
-        {"extract --events -- -reader.dll", "{\"event\": \"StartOfInput\", \"info\": true}\n"},
+        // The scanner refuses reader.dll: a rewrite of one resource shrinks it.
+        {"extract --no-scan --events -- -reader.dll",
+         "{\"event\": \"StartOfInput\", \"info\": true}\n"},
     };
     for (const Case& c : cases) {
         Outcome outcome = Tervane(c.arguments);
@@ -121,7 +123,10 @@ TEST(CommandLine, HelpAtEveryLevelAndVersion) {
         {"tables --help", {"Usage: tervane tables [OPTIONS]"}},
         {"extract --help",
          {"Usage: tervane extract [OPTIONS] FILE", "--events", "--document", "-o OUT",
-          "--trace FILE"}},
+          "--trace FILE", "--no-scan", "First the scanner is asked"}},
+        {"merge --help",
+         {"Usage: tervane merge [OPTIONS]", "--events EVENTS", "--no-scan",
+          "First the scanner is asked"}},
     };
     for (const Case& c : cases) {
         Outcome outcome = Tervane(c.arguments);

@@ -22,7 +22,12 @@ TEST(Extract, EdgesOfTheStream) {
         std::vector<const char*> fixtures;
         int status;
         std::vector<std::string> events;
+        // The line behind the failure's text, after the file's name.
+        std::string place = "";
     };
+    const std::vector<std::string> broken = {R"({"event": "StartOfInput", "info": true})",
+                                             R"({"event": "Progress", "value": 0})",
+                                             R"({"event": "Progress", "value": 50})"};
     const Case cases[] = {
         // Nothing of interest: no host progress, an empty document.
         {{"fwd_none"},
@@ -34,12 +39,22 @@ TEST(Extract, EdgesOfTheStream) {
          {R"({"event": "StartOfInput", "info": true})", R"({"event": "Progress", "value": 0})",
           R"({"event": "Progress", "value": 50})", R"({"event": "Progress", "value": 100})",
           R"({"event": "Progress", "value": 100})", R"({"event": "EndOfInput"})"}},
+        // A dialog with nothing to translate opens no group, even when alone.
+        {{"fwd_skipped_only"},
+         0,
+         {R"({"event": "StartOfInput", "info": true})", R"({"event": "Progress", "value": 0})",
+          R"({"event": "Progress", "value": 100})", R"({"event": "Progress", "value": 100})",
+          R"({"event": "EndOfInput"})"}},
         // A block that can't be read takes everything with it: no end of input,
         // not even the good menu read before a broken one.
-        {{"fwd_corrupt", "fwd_menu_corrupt"},
+        {{"fwd_corrupt"},
          1,
-         {R"({"event": "StartOfInput", "info": true})", R"({"event": "Progress", "value": 0})",
-          R"({"event": "Progress", "value": 50})"}},
+         broken,
+         ": resource type 6, name 2, language 0x0409: offset 0x2, field string"},
+        {{"fwd_menu_corrupt"},
+         1,
+         broken,
+         ": resource type 4, name 2, language 0x0409: offset 0x14, field mtString"},
     };
     for (const Case& c : cases) {
         for (const char* fixture : c.fixtures) {
@@ -48,6 +63,11 @@ TEST(Extract, EdgesOfTheStream) {
                 EXPECT_EQ(run.status, c.status) << image;
                 EXPECT_EQ(Lines(run.out), c.events) << image;
                 EXPECT_EQ(run.err.find(kCorrupted) != std::string::npos, c.status != 0) << run.err;
+                if (!c.place.empty()) {
+                    EXPECT_NE(run.err.find(std::string(kCorrupted) + "\n" + image + c.place + "\n"),
+                              std::string::npos)
+                        << run.err;
+                }
             }
         }
     }
@@ -76,6 +96,10 @@ TEST(Extract, UnloadableResourceInTheThirdBatch) {
         ExtractRun run = Extract("--events", broken);
         EXPECT_EQ(run.status, 1);
         EXPECT_NE(run.err.find("An Error has occured during opening the Executable file..!"),
+                  std::string::npos)
+            << run.err;
+        EXPECT_NE(run.err.find("\n" + broken + ": resource type 6, name 9, language 0x0409: " +
+                               "resource data at RVA 0x7FFFFF00"),
                   std::string::npos)
             << run.err;
         std::vector<std::string> lines = Lines(run.out);

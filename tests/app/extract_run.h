@@ -1,5 +1,7 @@
 #pragma once
-// Runs `tervane extract` on a file as a user would, and keeps what it wrote.
+// Runs `tervane extract --no-scan` on a file as a user would, and keeps what it
+// wrote. Without the scan: the files are fixtures in the build tree and Wine's
+// own, where a scan would write its copy, and tests run side by side on them.
 #include <sstream>
 
 #include "tests/support/fixtures.h"
@@ -15,7 +17,7 @@ inline ExtractRun Extract(const std::string& options, const std::string& path,
                           bool withTrace = false) {
     const std::string dir = TempDir();
     ExtractRun run;
-    std::string command = std::string(TERVANE_BINARY_DIR) + "/tervane extract " + options;
+    std::string command = std::string(TERVANE_BINARY_DIR) + "/tervane extract --no-scan " + options;
     if (withTrace)
         command += " --trace " + dir + "/trace";
     run.out = RunCommand(command + " '" + path + "' 2>" + dir + "/err", &run.status);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <tuple>
 
 #include "platform/byte_reader.h"
 #include "tests/support/fixtures.h"
@@ -62,9 +63,15 @@ std::string WithName(const std::u16string& units) {
     return path;
 }
 
-// A lone surrogate, a pair, control characters and characters beyond ASCII.
+// A lone surrogate, pairs up to the last one, every control character (three
+// to a name) and characters beyond ASCII.
 TEST(List, NamesNoCompilerWritesAreEscaped) {
-    for (const char16_t* units : {u"\xD800-B", u"\xD83D\xDE00", u"\n\x01\t", u"\xE9\x20AC\x7F"})
+    std::vector<std::u16string> names = {u"\xD800-B", u"\xD83D\xDE00", u"\xDBFF\xDFFF",
+                                         u"\xE9\x20AC\x7F"};
+    for (char16_t c = 0; c < 0x20; c += 3)
+        names.push_back(
+            {c, static_cast<char16_t>(c + 1), static_cast<char16_t>(c + 2 < 0x20 ? c + 2 : 'x')});
+    for (const std::u16string& units : names)
         ExpectSameAsPefile(WithName(units));
     int status = -1;
     EXPECT_NE(ListJson(WithName(u"\xD800-B"), &status)
@@ -84,17 +91,19 @@ TEST(List, TableAndFailures) {
 
     std::string dir = test::TempDir();
     test::WriteFile(dir + "/bad.dll", {'M', 'Z', 0, 0});
-    const std::pair<std::string, std::string> cases[] = {
-        {dir + "/missing.dll", "The system cannot find the file specified."},
-        {dir, "is a directory, not a regular file; not read"},
-        {dir + "/bad.dll", dir + "/bad.dll is not a valid Win32 application."},
+    // The file's name stands in the first line; the second says what the reader knew.
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {dir + "/missing.dll", "The system cannot find the file specified.", ""},
+        {dir, "is a directory, not a regular file; not read", ""},
+        {dir + "/bad.dll", dir + "/bad.dll is not a valid Win32 application.",
+         "DOS header is truncated\n"},
     };
-    for (const auto& [file, message] : cases) {
+    for (const auto& [file, message, place] : cases) {
         for (const char* json : {"", "--json "}) {
             std::string out = test::RunCommand(
                 kTervane + " list " + json + "'" + file + "' 2>&1 >/dev/null", &status);
             EXPECT_EQ(status, 1) << file;
-            EXPECT_EQ(out, "tervane list: " + file + ": " + message + "\n");
+            EXPECT_EQ(out, "tervane list: " + file + ": " + message + "\n" + place);
         }
     }
 }

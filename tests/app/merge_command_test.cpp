@@ -59,9 +59,10 @@ public:
     Merge Run(const std::string& events, const std::string& options = "--lang de-DE") {
         test::WriteFile(dir_ + "/ev.jsonl", {events.begin(), events.end()});
         Merge merge;
-        merge.out = test::RunCommand(std::string(TERVANE_BINARY_DIR) + "/tervane merge --events " +
-                                         dir_ + "/ev.jsonl --source " + source_ + " -o " + target_ +
-                                         " " + options + " 2>" + dir_ + "/err",
+        merge.out = test::RunCommand(std::string(TERVANE_BINARY_DIR) +
+                                         "/tervane merge --no-scan --events " + dir_ +
+                                         "/ev.jsonl --source " + source_ + " -o " + target_ + " " +
+                                         options + " 2>" + dir_ + "/err",
                                      &merge.status);
         auto err = test::ReadFile(dir_ + "/err");
         merge.err.assign(err.begin(), err.end());

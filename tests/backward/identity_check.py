@@ -43,7 +43,7 @@ def resources(path):
 
 
 def events(tervane, path):
-    done = run([tervane, 'extract', '--events', path])
+    done = run([tervane, 'extract', '--no-scan', '--events', path])
     if done.returncode != 0:
         return None
     return [l for l in done.stdout.decode('utf-8', 'surrogatepass').splitlines()
@@ -54,6 +54,15 @@ def localisable(key, dialogs):
     return key[0] in LOCALISABLE or (key[0] == 240 and key[1] in dialogs)
 
 
+
+def linked(path, work):
+    """A link to path in work: the writer makes its work file beside the source
+    it is given, and the source's own folder may be a system folder."""
+    link = os.path.join(work, 'source' + os.path.splitext(path)[1])
+    if not os.path.lexists(link):
+        os.symlink(os.path.abspath(path), link)
+    return link
+
 def check(tervane, lang, path, work):
     source_events = events(tervane, path)
     if source_events is None:
@@ -61,8 +70,8 @@ def check(tervane, lang, path, work):
     with open(os.path.join(work, 'src.jsonl'), 'w', encoding='utf-8', errors='surrogatepass') as f:
         f.write('\n'.join(source_events) + '\n')
     out = os.path.join(work, 'out' + os.path.splitext(path)[1])
-    merged = run([tervane, 'merge', '--events', os.path.join(work, 'src.jsonl'), '--source', path,
-                  '--lang', str(lang), '-o', out])
+    merged = run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'src.jsonl'), '--source',
+                  linked(path, work), '--lang', str(lang), '-o', out])
     if merged.returncode != 0:
         return 'merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()
     try:
@@ -99,7 +108,7 @@ def check(tervane, lang, path, work):
     with open(os.path.join(work, 'out.jsonl'), 'w', encoding='utf-8', errors='surrogatepass') as f:
         f.write('\n'.join(out_events) + '\n')
     again = os.path.join(work, 'again' + os.path.splitext(path)[1])
-    merged = run([tervane, 'merge', '--events', os.path.join(work, 'out.jsonl'), '--source', out,
+    merged = run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'out.jsonl'), '--source', out,
                   '--lang', str(lang), '-o', again])
     if merged.returncode != 0:
         return 'second merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()

@@ -138,8 +138,8 @@ inline std::u16string SpeltPieces(const CResource& resource) {
 
 // The stream of the resource's group as the writer receives it: its own
 // pieces, with each change's text replaced by its translation.
-inline CLabelPieceList Stream(const CResource& resource,
-                              const std::vector<std::pair<std::string, std::u16string>>& changes) {
+inline CPieceStream Stream(const CResource& resource,
+                           const std::vector<std::pair<std::string, std::u16string>>& changes) {
     std::u16string spelt = SpeltPieces(resource);
     for (const auto& [from, to] : changes) {
         const std::u16string wide = Widen(from, CP_UTF8);
@@ -148,7 +148,7 @@ inline CLabelPieceList Stream(const CResource& resource,
         if (at != std::u16string::npos)
             spelt.replace(at, wide.size(), to);
     }
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(resource.GetOpenTag());
     for (auto& piece : Pieces(spelt))
         stream.push_back(std::move(piece));
@@ -157,7 +157,7 @@ inline CLabelPieceList Stream(const CResource& resource,
 }
 
 // Takes the resource's pieces out of stream into a new object and merges them.
-inline void Merge(CResource& source, CLabelPieceList stream) {
+inline void Merge(CResource& source, CPieceStream stream) {
     std::unique_ptr<CResource> other = CreateResource(CResourceParserImpl::GetResourceType(source));
     other->identifierText = source.identifierText;
     if (auto* menu = dynamic_cast<CMenuResource*>(&source)) {

@@ -25,7 +25,7 @@ def pseudo(text):
 
 
 def events(tervane, path):
-    done = subprocess.run([tervane, 'extract', '--events', path], capture_output=True)
+    done = subprocess.run([tervane, 'extract', '--no-scan', '--events', path], capture_output=True)
     if done.returncode != 0:
         return None
     return [json.loads(l) for l in done.stdout.decode('utf-8').splitlines()
@@ -65,6 +65,15 @@ def single_language(tervane, path):
     return True
 
 
+
+def linked(path, work):
+    """A link to path in work: the writer makes its work file beside the source
+    it is given, and the source's own folder may be a system folder."""
+    link = os.path.join(work, 'source' + os.path.splitext(path)[1])
+    if not os.path.lexists(link):
+        os.symlink(os.path.abspath(path), link)
+    return link
+
 def check(tervane, lang, path, work):
     document = events(tervane, path)
     if document is None:
@@ -74,8 +83,8 @@ def check(tervane, lang, path, work):
         for event in wanted:
             f.write(json.dumps(event, ensure_ascii=False) + '\n')
     out = os.path.join(work, 'out.dll')
-    merged = subprocess.run([tervane, 'merge', '--events', os.path.join(work, 'ev.jsonl'),
-                             '--source', path, '--lang', str(lang), '-o', out],
+    merged = subprocess.run([tervane, 'merge', '--no-scan', '--events', os.path.join(work, 'ev.jsonl'),
+                             '--source', linked(path, work), '--lang', str(lang), '-o', out],
                             capture_output=True)
     if merged.returncode != 0:
         return 'merge failed: ' + merged.stderr.decode('utf-8', 'replace').strip()

@@ -37,12 +37,14 @@ std::string Slurp(const std::string& path) {
 class EventLogFile : public ::testing::Test {
 protected:
     void SetUp() override {
+        saved_ = std::getenv(kEventLogVariable) ? std::getenv(kEventLogVariable) : "";
         path_ = test::TempDir() + "/events.log";
         setenv(kEventLogVariable, path_.c_str(), 1);
     }
-    void TearDown() override { unsetenv(kEventLogVariable); }
+    void TearDown() override { setenv(kEventLogVariable, saved_.c_str(), 1); }
     std::string Log() const { return Slurp(path_); }
     std::string path_;
+    std::string saved_;
 };
 
 TEST_F(EventLogFile, CheckLastErrorLogsOnlyASetError) {

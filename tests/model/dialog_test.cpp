@@ -33,6 +33,7 @@ struct TemplateDialog {
     std::optional<NameOrOrdinal> menu; // none: a zero word
     std::u16string title;
     bool fontBlock = false; // written where the style asks for one
+    std::u16string typeface = u"MS Shell Dlg";
     std::vector<TemplateControl> controls;
     std::optional<std::uint16_t> itemCount; // none: the number of controls
 };
@@ -62,7 +63,7 @@ inline std::vector<std::uint8_t> BuildTemplate(const TemplateDialog& d) {
         b.U16(8);
         if (d.extended)
             b.U16(700).U8(1).U8(204);
-        b.Text(u"MS Shell Dlg");
+        b.Text(d.typeface);
     }
     for (const TemplateControl& c : d.controls) {
         b.Align();
@@ -249,6 +250,9 @@ TEST(DialogTemplate, ShortAndOverlongTemplatesAreCorrupted) {
     dialog.extended = true;
     dialog.style = 0x40;
     dialog.fontBlock = true;
+    // A typeface with a unit whose low byte is zero: each byte of the font
+    // block must be read where it stands for the controls to follow.
+    dialog.typeface = u"MS\x3000Gothic";
     dialog.title = u"Title";
     dialog.menu = u"M";
     TemplateControl control;
@@ -284,7 +288,7 @@ TEST(DialogTemplate, ShortAndOverlongTemplatesAreCorrupted) {
 
 // A translated stream as the writer gathers it, white space included.
 TEST(DialogResource, ExtractTakesItsOwnDialog) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("dialogs", "<dialogs>"));
     for (const char* id : {"1", "2"}) {
         stream.push_back(MakeText(u"\t\t"));

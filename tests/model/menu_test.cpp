@@ -111,6 +111,16 @@ TEST(MenuRecords, TreesOfPiecesFromTemplates) {
          },
          {"<menu id=\"1\">", "<item>[a]</item>", "<item id=\"65534\">[b]</item>", "<separator/>",
           "<item>[Z]</item>", "<item>[End]</item></menu>"}},
+        // The separator that ends a pop-up closes it; the items behind are the menu's.
+        {"pop-up ending in a separator, items behind",
+         false,
+         [](MenuImage& m) {
+             m.Popup(0, u"File").Plain(0, 1, u"Open").Plain(kEnd, 0, u"");
+             m.Plain(0, 2, u"Help").Plain(kEnd, 3, u"Exit");
+         },
+         {"<menu id=\"1\">", "<item>[File]</item><menu>", "  <item id=\"1\">[Open]</item>",
+          "  <separator/></menu>", "<item id=\"2\">[Help]</item>",
+          "<item id=\"3\">[Exit]</item></menu>"}},
         {"extended",
          true,
          [](MenuImage& m) {
@@ -191,7 +201,7 @@ std::unique_ptr<CMenuResource> SourceMenu(const std::string& id) {
 }
 
 // The records' pieces in document order, texts "translated" to upper case.
-void Flatten(const MenuItemRecord& record, CLabelPieceList& out) {
+void Flatten(const MenuItemRecord& record, CPieceStream& out) {
     for (const auto& piece : record.pieces) {
         out.push_back(ClonePiece(*piece));
         if (auto* text = dynamic_cast<CTextLabelPiece*>(out.back().get())) {
@@ -217,7 +227,7 @@ const std::vector<std::string> kTranslated = {
 };
 
 TEST(MenuResource, ExtractAndMergeByPosition) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("menus", "<menus>"));
     for (const char* id : {"1", "NAMED"}) {
         auto menu = SourceMenu(id);

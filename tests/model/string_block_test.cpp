@@ -54,30 +54,31 @@ TEST(StringBlock, CountedStringsStayInsideTheData) {
     }
 }
 
-// A translated stream of two blocks: block 1 holds strings 0 to 15.
+// A translated stream of three blocks, with the first and the last string of
+// each: block 1 holds strings 0 to 15, block 2 16 to 31.
 TEST(StringBlock, ExtractPiecesTakesOnlyItsOwnBlock) {
-    CLabelPieceList stream;
+    CPieceStream stream;
     stream.push_back(MakeOpenTag("stringtable", "<stringtable>"));
-    for (int id : {1, 2, 17}) {
+    for (int id : {0, 15, 16, 31, 32}) {
         stream.push_back(MakeText(u"\t\t"));
         stream.push_back(MakeOpenTag("string", "<string id=\"" + std::to_string(id) + "\">"));
         stream.push_back(MakeText(u"T"));
         stream.push_back(MakeCloseTag("string", "</string>"));
     }
     stream.push_back(MakeCloseTag("stringtable", "</stringtable>"));
-    auto take = [&](const char* block) {
+    const std::pair<const char*, std::vector<int>> takes[] = {
+        {"1", {0, 15}}, {"9", {}}, {"2", {16, 31}}, {"3", {32}}};
+    for (const auto& [block, ids] : takes) {
         CStringBlockResource resource;
         resource.identifierText = block;
         resource.ExtractPieces(stream);
-        std::string out;
+        std::string taken, expected;
         for (const auto& entry : resource.entries)
-            out += test::Spell(entry) + "|";
-        return out;
-    };
-    EXPECT_EQ(take("1"),
-              "[\t\t]<string id=\"1\">[T]</string>|[\t\t]<string id=\"2\">[T]</string>|");
-    EXPECT_EQ(take("9"), "");
-    EXPECT_EQ(take("2"), "[\t\t]<string id=\"17\">[T]</string>|");
+            taken += test::Spell(entry) + "|";
+        for (int id : ids)
+            expected += "[\t\t]<string id=\"" + std::to_string(id) + "\">[T]</string>|";
+        EXPECT_EQ(taken, expected) << "block " << block;
+    }
     EXPECT_EQ(test::Spell(stream), "<stringtable></stringtable>");
 }
 

@@ -33,7 +33,7 @@ struct Bytes {
     std::vector<std::uint8_t> bytes;
 };
 
-inline std::string Spell(const CLabelPieceList& pieces) {
+template <typename Pieces> std::string Spell(const Pieces& pieces) {
     std::u16string out;
     for (const auto& piece : pieces) {
         if (const auto* text = TextOf(*piece))

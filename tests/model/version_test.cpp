@@ -150,9 +150,10 @@ TEST(VersionBlock, LimitsOfTheModelHoldExactly) {
             {"header key", header, 49},
         };
     for (const auto& [name, image, limit] : limits) {
-        CVersionBlock block;
-        EXPECT_NO_THROW(block.Parse(image(limit))) << name;
-        EXPECT_THROW(block.Parse(image(limit + 1)), CParserException) << name;
+        // A block of its own for each: a second parse would add to the first's strings.
+        CVersionBlock atLimit, beyond;
+        EXPECT_NO_THROW(atLimit.Parse(image(limit))) << name;
+        EXPECT_THROW(beyond.Parse(image(limit + 1)), CParserException) << name;
     }
     // Blocks may end early.
     EXPECT_NO_THROW(Parsed(VersionImage({})));
@@ -192,7 +193,7 @@ std::string SpellAll(const std::vector<CLabelPieceList>& entries) {
 // The translated stream as the writer gathers it, cut where the input ends.
 TEST(VersionPieces, ExtractPiecesTakesEntriesUpToTheGroupsEnd) {
     auto gather = [](bool closed) {
-        CLabelPieceList stream;
+        CPieceStream stream;
         stream.push_back(MakeOpenTag("versioninfo", "<versioninfo>"));
         stream.push_back(MakeText(u"\t\t"));
         for (auto& piece : ParseValue("comments", u"C"))
@@ -206,7 +207,7 @@ TEST(VersionPieces, ExtractPiecesTakesEntriesUpToTheGroupsEnd) {
         }
         return stream;
     };
-    CLabelPieceList stream = gather(true);
+    CPieceStream stream = gather(true);
     CVersionInfoResource resource;
     resource.ExtractPieces(stream);
     EXPECT_EQ(SpellAll(resource.entries),

@@ -1,9 +1,12 @@
 // Damaged files made from a good one: each ends in a clean failure of the
 // step that meets the damage, with Win32's last error, and nothing else.
+#include <cstdio>
 #include <functional>
 #include <gtest/gtest.h>
+#include <string>
 
 #include "platform/byte_reader.h"
+#include "platform/diag/failure_place.h"
 #include "platform/pe/pe_image.h"
 #include "platform/win32/last_error.h"
 #include "platform/win32/module_image.h"
@@ -61,6 +64,8 @@ TEST(MalformedResources, DamageFailsTheStepThatMeetsIt) {
         std::function<BOOL(HMODULE)> step; // the step that must fail
         DWORD error;
         std::function<bool(HMODULE)> stillWorks; // a step that must not
+        // What the failure place must say, where the code alone can't tell.
+        std::function<std::string(const Layout&)> place = nullptr;
     };
     auto set = [](Layout& l, std::size_t at, std::uint32_t v) { StoreU32LE(&l.bytes[at], v); };
     auto enumTypes = [](HMODULE m) {
@@ -88,7 +93,33 @@ TEST(MalformedResources, DamageFailsTheStepThatMeetsIt) {
         std::size_t names = l.Child(l.Entry(l.root, kStringType));
         return l.Entry(l.Child(l.Entry(names, 0)), 0);
     };
+    // The readable section ends where the root's five entries end, or a byte
+    // before: at the limit the entries are read and the names behind fail.
+    auto cutAfterRoot = [&](long less) {
+        return [=](Layout& l) {
+            const std::uint32_t sectionStart = l.U32(l.sectionHeader + 20);
+            set(l, l.sectionHeader + 8,
+                static_cast<std::uint32_t>(l.root - sectionStart + 16 + 8 * 5 - less));
+        };
+    };
     const Case cases[] = {
+        {"root entries ending at the section's end", cutAfterRoot(0), enumTypes,
+         ERROR_BAD_EXE_FORMAT, nullptr,
+         [](const Layout& l) {
+             char name[16];
+             std::snprintf(name, sizeof name, "0x%X", l.U32(l.Entry(l.root, 0)) & 0x7FFFFFFF);
+             return "resource directory at offset 0x0: name at " + std::string(name) +
+                    " lies outside the section";
+         }},
+        {"root entries a byte past the section's end", cutAfterRoot(1), enumTypes,
+         ERROR_BAD_EXE_FORMAT, nullptr,
+         [](const Layout&) {
+             return std::string("resource directory at offset 0x0: 5 entries run past the section");
+         }},
+        // The loader looks ordinals up behind the named entries the header counts.
+        {"named entries counted over an ordinal type",
+         [&](Layout& l) { StoreU16LE(&l.bytes[l.root + 12], 3); }, find(RT_STRING, 1, 0x409),
+         ERROR_RESOURCE_TYPE_NOT_FOUND, find(RT_RCDATA, "AB", 0x409)},
         {"no resource directory", [&](Layout& l) { set(l, l.dataDirectory, 0); }, enumTypes,
          ERROR_RESOURCE_DATA_NOT_FOUND, nullptr},
         {"huge root entry count", [&](Layout& l) { StoreU16LE(&l.bytes[l.root + 14], 0xFFFF); },
@@ -129,6 +160,9 @@ TEST(MalformedResources, DamageFailsTheStepThatMeetsIt) {
             SetLastError(0);
             EXPECT_FALSE(c.step(module)) << arch << ": " << c.what;
             EXPECT_EQ(GetLastError(), c.error) << arch << ": " << c.what;
+            if (c.place) {
+                EXPECT_EQ(FailurePlace(), c.place(layout)) << arch << ": " << c.what;
+            }
             if (c.stillWorks) {
                 EXPECT_TRUE(c.stillWorks(module)) << arch << ": " << c.what;
             }

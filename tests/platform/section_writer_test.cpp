@@ -72,5 +72,65 @@ TEST(SectionWriter, NameLongerThanItsLengthField) {
     }
 }
 
+// The size a transaction checks comes from the tree's running tally; after
+// every change it must be the total that the full plan arrives at.
+TEST(SectionWriter, RunningSizeMatchesThePlanAfterEveryChange) {
+    using Step = std::function<void(ResourceTree&)>;
+    auto set = [](ResKey type, ResKey name, WORD language, std::vector<std::uint8_t> bytes) {
+        return Step([=](ResourceTree& t) { t.Set(type, name, language, MakeBlob(bytes)); });
+    };
+    auto remove = [](ResKey type, ResKey name, WORD language) {
+        return Step([=](ResourceTree& t) { t.Remove(type, name, language); });
+    };
+    const ResKey blob = ResKey::Name(u"BLOB"), note = ResKey::Name(u"NOTE");
+    const ResKey six = ResKey::Id(6), one = ResKey::Id(1);
+    const std::pair<const char*, Step> steps[] = {
+        {"a numbered leaf", set(six, one, 0x409, {1, 2, 3})},
+        {"a second language", set(six, one, 0x407, {1})},
+        {"a named type and name", set(blob, note, 0, {1, 2, 3, 4, 5})},
+        {"replaced by a longer blob", set(six, one, 0x409, {1, 2, 3, 4, 5, 6, 7, 8, 9})},
+        {"replaced by an empty blob", set(six, one, 0x407, {})},
+        {"a second empty blob", set(blob, one, 0, {})},
+        {"one empty blob gone", remove(blob, one, 0)},
+        {"an empty blob filled", set(six, one, 0x407, {7})},
+        {"an absent leaf removed", remove(six, one, 0x40C)},
+        {"an absent type removed", remove(ResKey::Id(99), one, 0)},
+        {"inserted over a leaf that is there",
+         Step([](ResourceTree& t) { t.Insert(ResKey::Id(6), ResKey::Id(1), 0x409, {}); })},
+        {"a named name's last leaf", remove(blob, note, 0)},
+        {"a name of another type", set(ResKey::Id(4), note, 0x409, {1, 2})},
+        {"the last leaf of a type", remove(ResKey::Id(4), note, 0x409)},
+        {"a copy of the tree", Step([](ResourceTree& t) { t = ResourceTree(t); })},
+        {"cleared", Step([](ResourceTree& t) { t.Clear(); })},
+        {"after the clear", set(blob, ResKey::Name(u"ODD"), 0, {1})},
+    };
+    ResourceTree tree;
+    for (const auto& [what, step] : steps) {
+        step(tree);
+        auto plan = PlanResourceSection(tree);
+        auto size = ResourceSectionSize(tree);
+        ASSERT_TRUE(plan && size) << what;
+        EXPECT_EQ(*size, plan->total) << what;
+    }
+}
+
+// One type with more names than its directory can count fails as the plan
+// does, and fits again when one is gone.
+TEST(SectionWriter, RunningSizeOfACrowdedDirectory) {
+    ResourceTree tree;
+    const Blob data = MakeBlob({1});
+    for (std::uint32_t id = 0; id < 0xFFFF; ++id)
+        tree.Set(ResKey::Id(6), ResKey::Id(static_cast<WORD>(id)), 0, data);
+    ASSERT_TRUE(ResourceSectionSize(tree));
+    tree.Set(ResKey::Id(6), ResKey::Name(u"ONE_MORE"), 0, data);
+    auto crowded = ResourceSectionSize(tree);
+    ASSERT_FALSE(crowded);
+    EXPECT_NE(crowded.error().context.find("more than 65535 names"), std::string::npos);
+    tree.Remove(ResKey::Id(6), ResKey::Id(0), 0);
+    auto size = ResourceSectionSize(tree);
+    ASSERT_TRUE(size);
+    EXPECT_EQ(*size, PlanResourceSection(tree)->total);
+}
+
 } // namespace
 } // namespace tervane::update

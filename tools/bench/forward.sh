@@ -4,6 +4,8 @@
 # blocks with their version block and dialog init data: `tervane extract`
 # writes the whole tagged document, `windres -i` the whole .rc script. Prints
 # both times (mean of several runs), their ratio, and the peak memory of each.
+# --no-scan: the conversion alone is timed, as the peer asks no scanner
+# (tools/bench/scan.sh times the scan).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${BUILD_DIR:-$root/build-bench}
@@ -85,7 +87,7 @@ RC
 x86_64-w64-mingw32-windres --preprocessor=cpp -I "$root/tests/fixtures" "$work/forward.rc" \
   -O coff -o "$work/forward.o"
 x86_64-w64-mingw32-ld -shared -e 0 "$work/forward.o" -o "$work/forward.dll"
-"$build/tervane" extract -o "$work/out.txt" "$work/forward.dll"
+"$build/tervane" extract --no-scan -o "$work/out.txt" "$work/forward.dll"
 echo "$dialogs dialogs, $dialogs menus, $((dialogs * 4)) strings, $(stat -c %s "$work/forward.dll") bytes;" \
   "document of $(wc -l < "$work/out.txt") lines, $(grep -c '<dialog ' "$work/out.txt" || true) dialogs"
 
@@ -104,7 +106,7 @@ def peak(cmd):
             "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)")
     return int(subprocess.run([sys.executable, "-c", code] + cmd, check=True,
                               capture_output=True, text=True).stdout)
-ours_cmd = [tervane, "extract", "-o", f"{work}/out.txt", f"{work}/forward.dll"]
+ours_cmd = [tervane, "extract", "--no-scan", "-o", f"{work}/out.txt", f"{work}/forward.dll"]
 peer_cmd = ["x86_64-w64-mingw32-windres", "-i", f"{work}/forward.dll", "-O", "rc",
             "-o", f"{work}/out.rc"]
 ours, peer = measure(ours_cmd), measure(peer_cmd)

@@ -6,6 +6,8 @@
 # the best CPU time (user + system) of a few runs of each is kept. Prints the
 # totals, their ratio, on how many files each was faster, and the files where
 # tervane lost most.  usage: real.sh [FOLDER]
+# --no-scan: the conversion alone is timed, as the peer asks no scanner
+# (tools/bench/scan.sh times the scan).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${BUILD_DIR:-$root/build-bench}
@@ -38,7 +40,7 @@ for name in sorted(os.listdir(folder)):
     path = os.path.join(folder, name)
     if not os.path.isfile(path):
         continue
-    ours = cpu([tervane, "extract", "-o", out, path])
+    ours = cpu([tervane, "extract", "--no-scan", "-o", out, path])
     peer = cpu(["x86_64-w64-mingw32-windres", "-i", path, "-O", "rc", "-o", out])
     rows.append((ours, peer, name))
 for leftover in (out,):
