@@ -16,6 +16,7 @@
 #include "preview/tervane_preview_writer.h"
 #include "scanner/tervane_scanner.h"
 #include "stream/interactive_parser.h"
+#include "verify/tervane_verifier.h"
 
 namespace tervane {
 
@@ -91,6 +92,7 @@ std::span<const CTervaneFilterModule::ObjectEntry> CTervaneFilterModule::Objects
         {&CLSID_TervanePreviewWriter, &CachedClassFactory<TervanePreviewWriter>},
         {&CLSID_TervaneScanner, &CachedClassFactory<TervaneScanner>},
         {&CLSID_TervaneInteractiveParser, &CachedClassFactory<TervaneInteractiveParser>},
+        {&CLSID_TervaneVerifier, &CachedClassFactory<TervaneVerifier>},
     };
     return objects;
 }

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "frame/component_ids.h"
+#include "host/editor.h"
 #include "host/events.h"
 #include "host/filter_components.h"
 #include "platform/com/class_objects.h"
@@ -61,6 +62,14 @@ const std::vector<ClassRow>& Classes() {
          IID_ITervaneInteractiveParser,
          {&IID_ITervaneInteractiveParser, &IEvents::iid, &IFilterComponent::iid},
          &IEvents::iid},
+        {"TervaneVerifier",
+         CLSID_TervaneVerifier,
+         u"TervaneFilter.TervaneVerifier.1",
+         u"TervaneFilter.TervaneVerifier",
+         IID_ITervaneVerifier,
+         {&IID_ITervaneVerifier, &IID_ISupportErrorInfo, &IKestrinPlugIn::iid,
+          &IVerificationPlugIn::iid},
+         &IID_ITervaneVerifier},
     };
     return rows;
 }
@@ -80,6 +89,8 @@ const IID* const kAsked[] = {
     &IFileScanner::iid,
     &IFilterComponent::iid,
     &IEvents::iid,
+    &IKestrinPlugIn::iid,
+    &IVerificationPlugIn::iid,
     &IFilterHost::iid,
     &IID_IClassFactory,
 };

@@ -99,6 +99,18 @@ void AddClass(Tree& tree, const ClassRow& row, const std::string& module) {
     tree[key + "\\typelib"] = {{"", kLibrary}};
 }
 
+// The plug-in is found by the host through its category.
+void AddVerifier(Tree& tree, const std::string& module) {
+    AddClass(tree,
+             {"TervaneVerifier", "{D6054293-4139-462C-8654-4EE69B00234B}",
+              "TervaneFilter.TervaneVerifier", true, false},
+             module);
+    const std::string key = "clsid\\{d6054293-4139-462c-8654-4ee69b00234b}";
+    tree[key]["description"] = "Zelkor Tervane Verifier";
+    tree[key + "\\implemented categories"] = {{"", module}};
+    tree[key + "\\implemented categories\\{8ac3b6b0-b698-11d5-8911-00b0d0777f8b}"];
+}
+
 Tree Registered(const std::string& module) {
     Tree tree = {
         {"appid", {}},
@@ -117,6 +129,7 @@ Tree Registered(const std::string& module) {
     tree[library + "\\1.0\\helpdir"] = {{"", module.substr(0, module.rfind('/'))}};
     for (const ClassRow& row : kServed)
         AddClass(tree, row, module);
+    AddVerifier(tree, module);
     return tree;
 }
 
@@ -177,7 +190,7 @@ TEST_F(Registration, ForceRemovedKeysAreRewrittenAndOthersKeysSurvive) {
     EXPECT_EQ(removed.count(parserKey), 0u);
 }
 
-// Script 107 waits for its class in the object table; its text is checked here.
+// Script 107 alone, with a module path of its own.
 TEST(RegistrationScripts, VerifierScriptRegistersItsCategory) {
     ::setenv("TERVANE_REGISTRY_DIR", TempDir().c_str(), 1);
     HMODULE module = TervaneModuleHandle();
@@ -189,14 +202,7 @@ TEST(RegistrationScripts, VerifierScriptRegistersItsCategory) {
     ASSERT_EQ(RunRegistrationScript(script, replacements, true), S_OK);
 
     Tree expected = {{"clsid", {}}};
-    AddClass(expected,
-             {"TervaneVerifier", "{D6054293-4139-462C-8654-4EE69B00234B}",
-              "TervaneFilter.TervaneVerifier", true, false},
-             "/m/lib.so");
-    const std::string key = "clsid\\{d6054293-4139-462c-8654-4ee69b00234b}";
-    expected[key]["description"] = "Zelkor Tervane Verifier";
-    expected[key + "\\implemented categories"] = {{"", "/m/lib.so"}};
-    expected[key + "\\implemented categories\\{8ac3b6b0-b698-11d5-8911-00b0d0777f8b}"];
+    AddVerifier(expected, "/m/lib.so");
     EXPECT_EQ(ClassesRoot(), expected);
 
     ASSERT_EQ(RunRegistrationScript(script, replacements, false), S_OK);
