@@ -23,8 +23,9 @@
 #include "app/output_file.h"
 #include "app/replay_host.h"
 #include "app/scan_host.h"
-#include "backward/tervane_writer.h"
+#include "frame/component_ids.h"
 #include "frame/conversion_state.h"
+#include "host/filter_components.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
@@ -212,9 +213,6 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
     ComPtr<IFileWriter> writer;
-    // In process: the messages are read from g_messages, which the loaded
-    // module's writer would fill in its own copy.
-    RegisterTervaneWriterClass();
     HRESULT hr = CreateComponent(CLSID_TervaneWriter, IFileWriter::iid, writer.ReceiveVoid());
     // The writer moves its work file onto the output's temporary file, which
     // takes the target's place only when everything went well.
@@ -240,6 +238,8 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
     host->Detach();
     const std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
+    // The writer hands Alerts and Warnings to no one; g_messages is
+    // process-wide, one copy shared with the loaded module, and keeps them.
     for (const std::u16string& message : g_messages) {
         const std::string text = Narrow(message, CP_UTF8);
         if (Severity(text) != "Error")

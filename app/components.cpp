@@ -2,16 +2,42 @@
 
 #include <dlfcn.h>
 #include <filesystem>
-#include <mutex>
+#include <optional>
 
+#include "frame/component_ids.h"
 #include "platform/com/class_objects.h"
 #include "platform/win32/last_error.h"
 
 namespace tervane::app {
 
+namespace {
+
+namespace fs = std::filesystem;
+
+// Whether every class names the module at own.
+bool RegisteredAt(const fs::path& own) {
+    for (const ComponentClass& c : ComponentClasses()) {
+        const std::optional<std::string> path = InprocServerPath(c.clsid);
+        std::error_code error;
+        if (!path || !fs::equivalent(*path, own, error))
+            return false;
+    }
+    return true;
+}
+
+HRESULT RegisterOwnModule() {
+    const fs::path own = ModuleBesideProgram();
+    std::error_code error;
+    if (!fs::exists(own, error) || RegisteredAt(own))
+        return S_OK;
+    return RunModuleRegistration(true);
+}
+
+} // namespace
+
 std::string ModuleBesideProgram() {
     std::error_code error;
-    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+    const fs::path self = fs::read_symlink("/proc/self/exe", error);
     return (self.parent_path() / TERVANE_MODULE_FILE).string();
 }
 
@@ -27,12 +53,8 @@ HRESULT RunModuleRegistration(bool registering) {
 }
 
 HRESULT CreateComponent(REFCLSID clsid, REFIID riid, void** object) {
-    HRESULT hr = CoCreateInstance(clsid, nullptr, CLSCTX_ALL, riid, object);
-    if (hr != REGDB_E_CLASSNOTREG && hr != HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND))
-        return hr;
-    static std::once_flag registered;
-    static HRESULT registration = S_OK;
-    std::call_once(registered, [] { registration = RunModuleRegistration(true); });
+    // Once a process; scans create from several threads.
+    static const HRESULT registration = RegisterOwnModule();
     if (FAILED(registration))
         return registration;
     return CoCreateInstance(clsid, nullptr, CLSCTX_ALL, riid, object);

@@ -7,10 +7,11 @@
 
 namespace tervane::app {
 
-// CoCreateInstance of clsid for riid. A class that the store doesn't know, or
-// whose module can't be loaded, is registered on first use from the module
-// beside this program, into the user's store; a module registered elsewhere
-// that loads is used, as with any framework.
+// CoCreateInstance of clsid for riid. The program and the module beside it are
+// one build: before the first creation, a store that names no module or
+// another one (an older build, another checkout) for any of the six classes
+// gets the registration of the module beside this program, in the user's
+// store. Without a module beside it, whatever the store names is used.
 HRESULT CreateComponent(REFCLSID clsid, REFIID riid, void** object);
 
 // The module's DllRegisterServer or DllUnregisterServer, run from the module
