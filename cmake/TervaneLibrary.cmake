@@ -2,6 +2,14 @@
 # file needs no edit here. A folder without sources yet is an interface library.
 # Position-independent, since the component server links them into a shared
 # object; SHARED makes a shared library instead.
+# A shared object binds every symbol when it is linked; not in the fuzz build,
+# where clang leaves the sanitizers' runtime to the program that loads it.
+if(TERVANE_FUZZ)
+  set(TERVANE_NO_UNDEFINED "")
+else()
+  set(TERVANE_NO_UNDEFINED -Wl,--no-undefined)
+endif()
+
 function(tervane_folder_library name)
   cmake_parse_arguments(ARG "SHARED" "" "DEPS;EXCLUDE" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
@@ -11,7 +19,7 @@ function(tervane_folder_library name)
   if(sources)
     if(ARG_SHARED)
       add_library(${name} SHARED ${sources})
-      target_link_options(${name} PRIVATE -Wl,--no-undefined)
+      target_link_options(${name} PRIVATE ${TERVANE_NO_UNDEFINED})
     else()
       add_library(${name} STATIC ${sources})
     endif()
