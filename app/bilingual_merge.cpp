@@ -18,17 +18,18 @@ namespace {
 // So many warnings are shown one by one; the rest are counted.
 constexpr std::size_t kWarningsShown = 10;
 
-void ReportWarnings(const std::string& document, const std::vector<xliff::Notice>& warnings) {
+void ReportWarnings(const char* command, const std::string& document,
+                    const std::vector<xliff::Notice>& warnings) {
     for (std::size_t i = 0; i < warnings.size() && i < kWarningsShown; ++i) {
         const xliff::Notice& notice = warnings[i];
         std::string where = document;
         if (notice.line > 0)
             where += ":" + std::to_string(notice.line);
-        std::fprintf(stderr, "tervane merge: warning: %s: unit %s: %s\n", where.c_str(),
+        std::fprintf(stderr, "tervane %s: warning: %s: unit %s: %s\n", command, where.c_str(),
                      notice.unitId.c_str(), notice.text.c_str());
     }
     if (warnings.size() > kWarningsShown)
-        std::fprintf(stderr, "tervane merge: warning: %zu more units as above\n",
+        std::fprintf(stderr, "tervane %s: warning: %zu more units as above\n", command,
                      warnings.size() - kWarningsShown);
 }
 
@@ -104,7 +105,8 @@ std::string LocateMessage(const xliff::Document& document, const std::string& do
 }
 
 DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
-                                   const std::string& sourceOverride, bool verify) {
+                                   const std::string& sourceOverride, bool verify,
+                                   const char* command) {
     DocumentMerge merge;
     merge.document = LoadDocument(documentPath);
     merge.source = !sourceOverride.empty()
@@ -118,11 +120,23 @@ DocumentMerge PrepareDocumentMerge(const std::string& documentPath,
     } catch (const xliff::DocumentError& error) {
         throw DocumentFailure(documentPath, error);
     }
-    ReportWarnings(documentPath, merged.warnings);
+    if (command != nullptr)
+        ReportWarnings(command, documentPath, merged.warnings);
     if (verify)
         RefuseVerificationErrors(documentPath, merge.source);
     merge.events = std::move(merged.events);
     return merge;
+}
+
+std::vector<ReplayEvent> ReplayEventsOf(const xliff::EventList& events) {
+    std::vector<ReplayEvent> replay;
+    replay.reserve(events.size() + 2);
+    replay.push_back({ReplayEvent::kStartOfInput, {}, {}, 0, 0, 0});
+    for (const xliff::Event& event : events)
+        replay.push_back({event.IsTag() ? ReplayEvent::kTag : ReplayEvent::kText, event.text,
+                          event.name, event.start, event.end, event.inlineMark});
+    replay.push_back({ReplayEvent::kEndOfInput, {}, {}, 0, 0, 0});
+    return replay;
 }
 
 } // namespace tervane::app

@@ -109,17 +109,6 @@ std::string FinalTarget(const std::string& target, const std::string& source) {
     return target + extension;
 }
 
-std::vector<ReplayEvent> ReplayEvents(const xliff::EventList& events) {
-    std::vector<ReplayEvent> replay;
-    replay.reserve(events.size() + 2);
-    replay.push_back({ReplayEvent::kStartOfInput, {}, {}, 0, 0, 0});
-    for (const xliff::Event& event : events)
-        replay.push_back({event.IsTag() ? ReplayEvent::kTag : ReplayEvent::kText, event.text,
-                          event.name, event.start, event.end, event.inlineMark});
-    replay.push_back({ReplayEvent::kEndOfInput, {}, {}, 0, 0, 0});
-    return replay;
-}
-
 // locate: where a message points in the bilingual document, if there is one.
 using Locator = std::function<std::string(const std::string& message)>;
 
@@ -161,7 +150,7 @@ int MergeDocument(const MergeOptions& options) {
         throw CommandFailure(options.document, "'" + language + "' is no language");
     const std::string& path = options.document;
     return Replay(
-        ReplayEvents(merge.events), options, merge.source, *target, out,
+        ReplayEventsOf(merge.events), options, merge.source, *target, out,
         [&](const std::string& message) { return LocateMessage(merge.document, path, message); });
 }
 

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <poll.h>
 #include <sstream>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -179,6 +180,89 @@ std::optional<pid_t> StartDetached(const std::string& program,
     if (!gotId || failed)
         return std::nullopt;
     return started;
+}
+
+std::optional<ProgramRun> RunToEnd(const std::string& program,
+                                   const std::vector<std::string>& arguments) {
+    std::vector<char*> argv;
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+
+    update::FlushAllPendingFiles();
+    int out[2], err[2], report[2];
+    if (::pipe2(out, O_CLOEXEC) != 0)
+        return std::nullopt;
+    if (::pipe2(err, O_CLOEXEC) != 0) {
+        ::close(out[0]);
+        ::close(out[1]);
+        return std::nullopt;
+    }
+    if (::pipe2(report, O_CLOEXEC) != 0) {
+        for (int fd : {out[0], out[1], err[0], err[1]})
+            ::close(fd);
+        return std::nullopt;
+    }
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(out[1], STDOUT_FILENO);
+        ::dup2(err[1], STDERR_FILENO);
+        sigset_t none;
+        sigemptyset(&none);
+        ::sigprocmask(SIG_SETMASK, &none, nullptr);
+        ::execv(program.c_str(), argv.data());
+        const int error = errno;
+        (void)!::write(report[1], &error, sizeof error);
+        ::_exit(127);
+    }
+    for (int fd : {out[1], err[1], report[1]})
+        ::close(fd);
+    if (child < 0) {
+        for (int fd : {out[0], err[0], report[0]})
+            ::close(fd);
+        return std::nullopt;
+    }
+    // Both outputs at once: a child blocked on a full pipe that nobody reads
+    // would never end.
+    ProgramRun run;
+    pollfd ends[2] = {{out[0], POLLIN, 0}, {err[0], POLLIN, 0}};
+    std::string* into[2] = {&run.out, &run.err};
+    int open = 2;
+    while (open > 0) {
+        if (::poll(ends, 2, -1) < 0) {
+            if (errno == EINTR)
+                continue;
+            break;
+        }
+        for (int i = 0; i < 2; ++i) {
+            if (ends[i].fd < 0 || ends[i].revents == 0)
+                continue;
+            char buffer[4096];
+            const ssize_t got = ::read(ends[i].fd, buffer, sizeof buffer);
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got <= 0) {
+                ::close(ends[i].fd);
+                ends[i].fd = -1;
+                --open;
+                continue;
+            }
+            into[i]->append(buffer, static_cast<std::size_t>(got));
+        }
+    }
+    for (const pollfd& end : ends)
+        if (end.fd >= 0)
+            ::close(end.fd);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    int error = 0;
+    const bool failed = ReadFull(report[0], &error, sizeof error) == sizeof error;
+    ::close(report[0]);
+    if (failed)
+        return std::nullopt;
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return run;
 }
 
 } // namespace tervane

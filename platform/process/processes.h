@@ -44,6 +44,19 @@ private:
 std::optional<pid_t> StartDetached(const std::string& program,
                                    const std::vector<std::string>& arguments);
 
+// What a program that ran to its end left: its exit status (128 + the signal
+// that ended it) and what it wrote to standard output and error.
+struct ProgramRun {
+    int status = 0;
+    std::string out, err;
+};
+
+// Runs program with the arguments (the first is the program's name) and
+// waits for its end, reading both of its outputs as they come. None when it
+// could not be started.
+std::optional<ProgramRun> RunToEnd(const std::string& program,
+                                   const std::vector<std::string>& arguments);
+
 // The program and start time of a process by number, from /proc.
 std::optional<ProcessIdentity> IdentityOf(pid_t id);
 

@@ -29,7 +29,7 @@ TEST(FilterChain, EveryFixtureOnlyRenamedAndCut) {
 }
 
 TEST(FilterChain, EveryFileOfWineOnlyRenamedAndCut) {
-    const std::string dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    const std::string dir = test::WineDir();
     if (!std::filesystem::exists(dir + "/shell32.dll"))
         GTEST_SKIP() << "wine64 is not installed";
     ExpectNoDifference(CheckFilter(dir + "/*"));

@@ -36,7 +36,7 @@ TEST(List, MatchesPefileOnFixturesAndWinesFiles) {
         if (entry.path().extension() == ".dll")
             files.push_back(entry.path());
     EXPECT_GE(files.size(), 4u);
-    const std::filesystem::path wine = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    const std::filesystem::path wine = test::WineDir();
     std::vector<std::filesystem::path> wines;
     if (std::filesystem::is_directory(wine))
         for (const auto& entry : std::filesystem::directory_iterator(wine))

@@ -25,7 +25,7 @@ const char* const kFixtures[] = {
     "update_names", "bwd_dialogs", "bwd_menus"};
 
 std::string WineFiles() {
-    const std::string dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    const std::string dir = test::WineDir();
     if (test::RunCommand("ls " + dir + "/shell32.dll 2>/dev/null").empty())
         return {};
     return test::RunCommand("for f in " + dir + "/*; do " + TERVANE_BINARY_DIR +

@@ -1,36 +1,16 @@
 // tervane preview on a fixture's document, with a HOME and a registry store of
 // the test's own: the whole chain from the events to the started previewer
 // and the fit findings of the translated dialog.
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <regex>
 
 #include "tests/app/extract_run.h"
+#include "tests/app/preview_run.h"
 #include "tests/support/fixtures.h"
 
 namespace tervane::test {
 namespace {
-
-// The destination side's process number in the store, 0 if none is recorded.
-unsigned RecordedPreviewer(const std::string& home) {
-    std::ifstream store(home + "/config/tervane/current_user.reg");
-    // The value name "DestProcessId", hex-coded, and its four bytes.
-    static const std::regex kValue("6465737470726f636573736964\t4\t([0-9a-f]{8})");
-    for (std::string line; std::getline(store, line);) {
-        std::smatch m;
-        if (std::regex_search(line, m, kValue)) {
-            const std::string hex = m[1].str();
-            unsigned value = 0;
-            for (int i = 3; i >= 0; --i)
-                value = value << 8 |
-                        static_cast<unsigned>(std::stoul(hex.substr(2 * i, 2), nullptr, 16));
-            return value == 0xFFFFFFFF ? 0 : value;
-        }
-    }
-    return 0;
-}
 
 TEST(PreviewCommand, FromTheDocumentToThePreviewer) {
     const std::string source = FixturePath("preview_dialogs", "x64");
@@ -64,8 +44,7 @@ TEST(PreviewCommand, FromTheDocumentToThePreviewer) {
         }
         WriteFile(home + "/events.jsonl",
                   std::vector<unsigned char>(document.begin(), document.end()));
-        const std::string environment = "HOME='" + home + "' XDG_CONFIG_HOME='" + home +
-                                        "/config' XDG_CACHE_HOME='" + home + "/cache' ";
+        const std::string environment = HomeEnvironment(home);
         const bool draws = c.options.find("--resource") != std::string::npos;
         int status = -1;
         const std::string out =

@@ -91,16 +91,15 @@ TEST(ScanCommand, VerdictsAndExitStatus) {
 // test's own, so that the copies land there: no crash, no hang, a verdict a
 // file, nothing left behind, and a file the scanner accepts extracts.
 TEST(ScanCommand, EveryFileOfWine) {
-    const std::string wine = "/usr/lib/x86_64-linux-gnu/wine";
-    if (!fs::exists(wine + "/x86_64-windows/shell32.dll"))
+    if (!fs::exists(test::WineDir() + "/shell32.dll"))
         GTEST_SKIP() << "wine64 is not installed";
     const std::string dir = test::TempDir();
     std::size_t files = 0;
     for (const std::string arch : {"x86_64-windows", "i386-windows"}) {
-        if (!fs::exists(wine + "/" + arch))
+        if (!fs::exists(test::WineDir(arch)))
             continue;
         fs::create_directory(dir + "/" + arch);
-        for (const auto& entry : fs::directory_iterator(wine + "/" + arch)) {
+        for (const auto& entry : fs::directory_iterator(test::WineDir(arch))) {
             fs::create_symlink(entry.path(),
                                dir + "/" + arch + "/" + entry.path().filename().string());
             ++files;

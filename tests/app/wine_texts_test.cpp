@@ -10,7 +10,7 @@ namespace {
 // string tables and version values comes out exactly once, as an independent
 // reader of the templates finds them, and no file fails.
 TEST(Extract, EveryTextOfWinesFiles) {
-    const std::string dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    const std::string dir = test::WineDir();
     if (test::RunCommand("ls " + dir + "/shell32.dll 2>/dev/null").empty())
         GTEST_SKIP() << "wine64 is not installed";
     std::string report = test::RunCommand("ls " + dir + "/* | xargs " + test::DebianPython() + " " +

@@ -60,7 +60,7 @@ TEST(XliffCommands, WriterTurnsDocumentsIntoFiles) {
 }
 
 TEST(XliffCommands, WineFilesValidateReplayAndPseudo) {
-    const std::string dir = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows";
+    const std::string dir = test::WineDir();
     if (test::RunCommand("ls " + dir + "/shell32.dll 2>/dev/null").empty())
         GTEST_SKIP() << "wine64 is not installed";
     CheckDocuments(dir + "/*");

@@ -87,7 +87,7 @@ std::vector<std::pair<std::string, std::string>> Previewable(const std::string& 
 }
 
 TEST(WineFiles, EveryDialogAndMenuDraws) {
-    const std::string wine = "/usr/lib/x86_64-linux-gnu/wine/x86_64-windows/";
+    const std::string wine = test::WineDir() + "/";
     const char* files[] = {"notepad.exe", "comdlg32.dll"};
     if (!std::filesystem::exists(wine + files[0]))
         GTEST_SKIP() << "wine64 is not installed";

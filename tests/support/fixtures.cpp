@@ -1,6 +1,7 @@
 #include "tests/support/fixtures.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -74,6 +75,11 @@ std::string RunCommand(const std::string& command, int* status) {
     if (status)
         *status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
     return output;
+}
+
+std::string WineDir(const std::string& arch) {
+    const char* root = std::getenv("TERVANE_WINE_ROOT");
+    return std::string(root && *root ? root : "/usr/lib/x86_64-linux-gnu/wine") + "/" + arch;
 }
 
 std::string DebianPython() {

@@ -15,6 +15,9 @@ void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes)
 std::string TempDir();
 // Runs a shell command, returns its standard output; the exit status goes to *status.
 std::string RunCommand(const std::string& command, int* status = nullptr);
+// The folder of Wine's PE files of one architecture ("x86_64-windows"). The
+// sanitizer run points TERVANE_WINE_ROOT at a sample of links to keep its time.
+std::string WineDir(const std::string& arch = "x86_64-windows");
 // The Debian python3 (where python3-pefile is), not whatever python3 is first on PATH.
 std::string DebianPython();
 
