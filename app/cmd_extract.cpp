@@ -11,6 +11,7 @@
 
 #include "app/bilingual_file.h"
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/event_recorder.h"
 #include "app/failure.h"
 #include "app/forward_run.h"
@@ -77,10 +78,9 @@ int RunExtractXliff(const ExtractOptions& options, OutputFile& output) {
 // filter, whose pump makes the host run the parser.
 HRESULT RunChain(const std::string& file, ComObject<ProgressHost>* host, IEvents* sink,
                  std::string* failure) {
-    RegisterTervaneInteractiveParserClass();
     ComPtr<IFilterComponent> filter;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneInteractiveParser, nullptr, CLSCTX_ALL,
-                                  IFilterComponent::iid, filter.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneInteractiveParser, IFilterComponent::iid,
+                                 filter.ReceiveVoid());
     if (FAILED(hr))
         return hr;
     ComPtr<IEvents> filterEvents;

@@ -14,6 +14,7 @@
 #include "app/bilingual_file.h"
 #include "app/bilingual_merge.h"
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/input_file.h"
 #include "app/items.h"
@@ -22,8 +23,9 @@
 #include "app/output_file.h"
 #include "app/replay_host.h"
 #include "app/scan_host.h"
-#include "backward/tervane_writer.h"
+#include "frame/component_ids.h"
 #include "frame/conversion_state.h"
+#include "host/filter_components.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
@@ -197,12 +199,10 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
         return where.empty() ? message : OneLine(message) + " [" + where + "]";
     };
     RegisterItemClasses();
-    RegisterTervaneWriterClass();
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
     ComPtr<IFileWriter> writer;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneWriter, nullptr, CLSCTX_ALL, IFileWriter::iid,
-                                  writer.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneWriter, IFileWriter::iid, writer.ReceiveVoid());
     // The writer moves its work file onto the output's temporary file, which
     // takes the target's place only when everything went well.
     const std::string& work = out.WorkPath();
@@ -227,6 +227,8 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
     host->Detach();
     const std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
 
+    // The writer hands Alerts and Warnings to no one; g_messages is
+    // process-wide, one copy shared with the loaded module, and keeps them.
     for (const std::u16string& message : g_messages) {
         const std::string text = Narrow(message, CP_UTF8);
         if (Severity(text) != "Error")

@@ -16,6 +16,7 @@
 #include "app/bilingual_file.h"
 #include "app/bilingual_merge.h"
 #include "app/commands.h"
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/fit_report.h"
 #include "app/input_file.h"
@@ -25,6 +26,7 @@
 #include "app/preview_host.h"
 #include "app/preview_index.h"
 #include "app/xliff/units.h"
+#include "frame/component_ids.h"
 #include "platform/files/file_bytes.h"
 
 namespace tervane::app {
@@ -74,10 +76,9 @@ int Preview(const PreviewOptions& options, std::vector<ReplayEvent> events,
         out.emplace(options.out, inputs);
     }
     const std::string target = PreviewTarget(options, source);
-    RegisterThisProgram();
     try {
         RunPreviewWriter({std::move(events), source, language, cursor, target, options.side == "s",
-                          options.dual});
+                          options.dual, nullptr});
     } catch (const CommandFailure&) {
         // The folder made for a refused preview stays empty: it goes.
         if (options.keep.empty())
@@ -281,10 +282,17 @@ int PreviewAll(const PreviewOptions& options) {
         const PreviewEntry& first = page.entries.front();
         const std::size_t cursor =
             ResourceCursor(events, first.kind + ":" + first.id, options.document);
+        // Made while the user's store names the module: the private one
+        // names no class, so that the writer finds no previewer to start.
+        ComPtr<IPreviewFileWriter> writer;
+        const HRESULT made = CreateComponent(CLSID_TervanePreviewWriter, IPreviewFileWriter::iid,
+                                             writer.ReceiveVoid());
+        if (FAILED(made))
+            throw CommandFailure(merge.source, "the preview writer could not be made");
         {
             PrivateRegistry registry(work / "registry");
-            RunPreviewWriter(
-                {std::move(events), merge.source, language, cursor, target, false, false});
+            RunPreviewWriter({std::move(events), merge.source, language, cursor, target, false,
+                              false, std::move(writer)});
         }
         for (PreviewEntry& entry : page.entries) {
             entry.source =

@@ -168,7 +168,6 @@ int RunScan(const ScanOptions& options) {
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
 #endif
-    RegisterTervaneScannerClass();
     const std::vector<std::string> files = FilesOf(options.operands);
     const bool bar = ::isatty(STDERR_FILENO) != 0 && files.size() > 1;
     const unsigned jobs =

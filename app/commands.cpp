@@ -33,10 +33,19 @@ struct CommandEntry {
 };
 
 constexpr CommandEntry kCommands[] = {
-    {"list", AddListCommand},       {"res", AddResCommand},         {"tokens", AddTokensCommand},
-    {"tables", AddTablesCommand},   {"extract", AddExtractCommand}, {"pseudo", AddPseudoCommand},
-    {"stats", AddStatsCommand},     {"merge", AddMergeCommand},     {"scan", AddScanCommand},
-    {"preview", AddPreviewCommand}, {"verify", AddVerifyCommand},
+    {"list", AddListCommand},
+    {"res", AddResCommand},
+    {"tokens", AddTokensCommand},
+    {"tables", AddTablesCommand},
+    {"extract", AddExtractCommand},
+    {"pseudo", AddPseudoCommand},
+    {"stats", AddStatsCommand},
+    {"merge", AddMergeCommand},
+    {"scan", AddScanCommand},
+    {"preview", AddPreviewCommand},
+    {"verify", AddVerifyCommand},
+    {"register", AddRegisterCommand},
+    {"unregister", AddUnregisterCommand},
 };
 
 const CommandEntry* Named(std::string_view word) {

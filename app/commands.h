@@ -53,5 +53,7 @@ void AddMergeCommand(CLI::App& app);
 void AddScanCommand(CLI::App& app);
 void AddPreviewCommand(CLI::App& app);
 void AddVerifyCommand(CLI::App& app);
+void AddRegisterCommand(CLI::App& app);
+void AddUnregisterCommand(CLI::App& app);
 
 } // namespace tervane::app

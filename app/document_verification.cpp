@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "app/bilingual_file.h"
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/forward_run.h"
 #include "app/xliff/bilingual.h"
@@ -66,11 +67,10 @@ Verification VerifyBytes(const std::string& bytes, const std::string& documentPa
     result.source = source;
     SetEditorSource(result.source);
     RegisterHostDocumentClass();
-    RegisterTervaneVerifierClass();
 
     ComPtr<IVerificationPlugIn> plugIn;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneVerifier, nullptr, CLSCTX_ALL,
-                                  IVerificationPlugIn::iid, plugIn.ReceiveVoid());
+    HRESULT hr =
+        CreateComponent(CLSID_TervaneVerifier, IVerificationPlugIn::iid, plugIn.ReceiveVoid());
     if (FAILED(hr))
         throw CommandFailure(documentPath, ComErrorMessage(hr));
     // The view names the document by its source file, as the editor does.

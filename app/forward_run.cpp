@@ -3,9 +3,11 @@
 #include <cstdio>
 #include <unistd.h>
 
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/items.h"
-#include "frame/tervane_parser.h"
+#include "frame/component_ids.h"
+#include "host/filter_components.h"
 #include "platform/com/class_objects.h"
 #include "platform/com/com_ptr.h"
 #include "platform/com/error_info.h"
@@ -41,10 +43,8 @@ std::u16string Take(BSTR text) {
 HRESULT RunForwardConversion(const std::string& file, IEvents* sink, IFilterHost* host,
                              std::string* failure) {
     RegisterItemClasses();
-    RegisterTervaneParserClass();
     ComPtr<IFileParser> parser;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneParser, nullptr, CLSCTX_ALL, IFileParser::iid,
-                                  parser.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneParser, IFileParser::iid, parser.ReceiveVoid());
     if (SUCCEEDED(hr)) {
         Bstr path(Widen(file, CP_UTF8));
         hr = parser->Initialize(path.get(), nullptr, 0, 0, 0, host, sink);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/items.h"
 #include "platform/com/class_objects.h"
@@ -58,31 +59,16 @@ std::filesystem::path ThisProgram() {
 
 } // namespace
 
-void RegisterThisProgram() {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, kPreviewWriterServerKey, 0, KEY_QUERY_VALUE, &key) == 0) {
-        RegCloseKey(key);
-        return;
-    }
-    if (RegCreateKeyExA(HKEY_CLASSES_ROOT, kPreviewWriterServerKey, 0, nullptr, 0, KEY_ALL_ACCESS,
-                        nullptr, &key, nullptr) == 0) {
-        const std::string module = ThisProgram().string();
-        RegSetValueExA(key, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(module.c_str()),
-                       static_cast<DWORD>(module.size() + 1));
-        RegCloseKey(key);
-    }
-}
-
 void RunPreviewWriter(PreviewRequest request) {
     RegisterItemClasses();
-    RegisterTervanePreviewWriterClass();
     ComPtr<ComObject<ReplayHost>> host;
     ComObject<ReplayHost>::Create(host.Receive());
     ComPtr<ComObject<CursorProperty>> property;
     ComObject<CursorProperty>::Create(property.Receive());
-    ComPtr<IPreviewFileWriter> writer;
-    HRESULT hr = CoCreateInstance(CLSID_TervanePreviewWriter, nullptr, CLSCTX_ALL,
-                                  IPreviewFileWriter::iid, writer.ReceiveVoid());
+    ComPtr<IPreviewFileWriter> writer = std::move(request.writer);
+    HRESULT hr = writer ? S_OK
+                        : CreateComponent(CLSID_TervanePreviewWriter, IPreviewFileWriter::iid,
+                                          writer.ReceiveVoid());
     if (SUCCEEDED(hr)) {
         Bstr path(Widen(request.target, CP_UTF8));
         ComPtr<IEvents> sink;

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "app/replay_host.h"
+#include "host/filter_components.h"
+#include "platform/com/com_ptr.h"
 
 namespace tervane::app {
 
@@ -19,16 +21,14 @@ struct PreviewRequest {
     std::string target;     // the translated copy the writer writes and shows
     bool sourceSide = false;
     bool dual = false;
+    // Made by the caller, or else here from the module.
+    ComPtr<IPreviewFileWriter> writer;
 };
 
 // Runs the preview writer over the events; it writes the target and starts
 // the previewer on it. Throws CommandFailure with the writer's words when it
 // refuses the place of the cursor or the run fails.
 void RunPreviewWriter(PreviewRequest request);
-
-// Registers this program as the writer's module, unless one is registered,
-// so that the writer finds the previewer beside it.
-void RegisterThisProgram();
 
 // The place of the cursor for a resource given as "dialog:ID" or "menu:ID":
 // the event behind its start tag. subject names the events in a failure.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "app/components.h"
 #include "app/failure.h"
 #include "app/input_file.h"
 #include "platform/com/class_objects.h"
@@ -44,8 +45,7 @@ ScanVerdict ScanFile(const std::string& file) {
         return {"skipped", 0, "not scanned: " + file + " " + failure.what(), -1};
     }
     ComPtr<IFileScanner> scanner;
-    HRESULT hr = CoCreateInstance(CLSID_TervaneScanner, nullptr, CLSCTX_ALL, IFileScanner::iid,
-                                  scanner.ReceiveVoid());
+    HRESULT hr = CreateComponent(CLSID_TervaneScanner, IFileScanner::iid, scanner.ReceiveVoid());
     if (FAILED(hr))
         return {"refused", 0, "the scanner could not be created", -1};
     Bstr path(Widen(file, CP_UTF8));
@@ -74,7 +74,6 @@ ScanVerdict ScanFile(const std::string& file) {
 }
 
 void RequireScannerAccepts(const std::string& file) {
-    RegisterTervaneScannerClass();
     const ScanVerdict verdict = ScanFile(file);
     const std::string_view v = verdict.verdict;
     if (v != "ok" && v != "empty")

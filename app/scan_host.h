@@ -15,8 +15,7 @@ struct ScanVerdict {
     LONG firstLanguage = -1;
 };
 
-// Asks the scanner about file. The scanner's class must be registered
-// (RegisterTervaneScannerClass) before the first call; calls on several
+// Asks the scanner, made through the module, about file. Calls on several
 // threads are safe as long as no two files share a copy's path.
 ScanVerdict ScanFile(const std::string& file);
 

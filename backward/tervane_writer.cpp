@@ -51,7 +51,7 @@ HRESULT Report(const char* text, HRESULT hr) {
 InterfaceMap<TervaneWriter> TervaneWriter::Interfaces() {
     static const InterfaceEntry<TervaneWriter> map[] = {
         Entry<TervaneWriter, ITervaneWriter, DispatchWithoutTypeInfo<ITervaneWriter>>(),
-        Entry<TervaneWriter, IDispatch, DispatchWithoutTypeInfo<ITervaneWriter>>(),
+        Entry<TervaneWriter, IDispatch, DispatchWithoutTypeInfo<IEvents>>(),
         Entry<TervaneWriter, ISupportErrorInfo>(),
         Entry<TervaneWriter, IEvents, DispatchWithoutTypeInfo<IEvents>>(),
         Entry<TervaneWriter, IFileWriter>(),

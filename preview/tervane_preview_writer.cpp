@@ -41,7 +41,7 @@ InterfaceMap<TervanePreviewWriter> TervanePreviewWriter::Interfaces() {
     using Self = TervanePreviewWriter;
     static const InterfaceEntry<Self> map[] = {
         Entry<Self, ITervanePreviewWriter, DispatchWithoutTypeInfo<ITervanePreviewWriter>>(),
-        Entry<Self, IDispatch, DispatchWithoutTypeInfo<ITervanePreviewWriter>>(),
+        Entry<Self, IDispatch, DispatchWithoutTypeInfo<IEvents>>(),
         Entry<Self, ISupportErrorInfo>(),
         Entry<Self, IEvents, DispatchWithoutTypeInfo<IEvents>>(),
         Entry<Self, IPreviewFileWriter>(),

@@ -4,7 +4,7 @@ namespace tervane::module_resources {
 
 std::vector<Resource> All() {
     std::vector<Resource> all;
-    for (auto part : {StringTable, VersionInfo, LabelTables}) {
+    for (auto part : {StringTable, VersionInfo, LabelTables, RegistryScripts}) {
         auto resources = part();
         all.insert(all.end(), resources.begin(), resources.end());
     }

@@ -37,5 +37,7 @@ std::vector<Resource> VersionInfo();
 // label_tables.cpp: the six label tables, types SSLEXTABLE and SSYACCTABLE,
 // names STRINGRESPARSE, MENURESPARSE and DIALOGRESPARSE.
 std::vector<Resource> LabelTables();
+// registry_scripts.cpp: the registration scripts 101 to 107, type REGISTRY.
+std::vector<Resource> RegistryScripts();
 
 } // namespace tervane::module_resources

@@ -6,7 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include <dlfcn.h>
+
 #include "platform/com/com_ptr.h"
+#include "platform/registry/registry.h"
 
 namespace tervane {
 namespace {
@@ -122,7 +125,54 @@ HRESULT FindClassObject(REFCLSID clsid, CLSCTX context, ComPtr<IUnknown>& out) {
     return REGDB_E_CLASSNOTREG;
 }
 
+// The default value of a key below HKEY_CLASSES_ROOT, if it is there.
+std::optional<std::string> ClassesRootText(const std::string& path) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_QUERY_VALUE, &key) != ERROR_SUCCESS)
+        return std::nullopt;
+    DWORD type = REG_NONE;
+    DWORD size = 0;
+    std::string text;
+    LONG result = RegQueryValueExA(key, nullptr, nullptr, &type, nullptr, &size);
+    if (result == ERROR_SUCCESS && type == REG_SZ) {
+        text.resize(size);
+        result = RegQueryValueExA(key, nullptr, nullptr, &type,
+                                  reinterpret_cast<BYTE*>(text.data()), &size);
+    }
+    RegCloseKey(key);
+    if (result != ERROR_SUCCESS || type != REG_SZ)
+        return std::nullopt;
+    text.resize(size);
+    while (!text.empty() && text.back() == '\0')
+        text.pop_back();
+    return text;
+}
+
+using GetClassObjectFunction = HRESULT (*)(REFCLSID, REFIID, void**);
+
+// A registered in-process server: the shared object that InprocServer32 names,
+// loaded once and kept for the process, asked for the class object.
+HRESULT LoadServerClassObject(REFCLSID clsid, CLSCTX context, REFIID riid, void** object) {
+    if ((context & CLSCTX_INPROC_SERVER) == 0)
+        return REGDB_E_CLASSNOTREG;
+    const std::optional<std::string> path =
+        ClassesRootText("CLSID\\" + GuidToString(clsid) + "\\InprocServer32");
+    if (!path || path->empty())
+        return REGDB_E_CLASSNOTREG;
+    void* library = ::dlopen(path->c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr)
+        return HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND);
+    auto entry = reinterpret_cast<GetClassObjectFunction>(::dlsym(library, "DllGetClassObject"));
+    if (entry == nullptr)
+        return HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND);
+    return entry(clsid, riid, object);
+}
+
 } // namespace
+
+std::optional<std::string> InprocServerPath(const CLSID& clsid) {
+    return ClassesRootText("CLSID\\" + GuidToString(clsid) + "\\InprocServer32");
+}
 
 void RegisterProgId(const CLSID& clsid, std::u16string progId) {
     ClassTable& table = Table();
@@ -182,8 +232,25 @@ HRESULT CoGetClassObject(REFCLSID clsid, CLSCTX context, void*, REFIID riid, voi
     ComPtr<IUnknown> classObject;
     HRESULT hr = tervane::FindClassObject(clsid, context, classObject);
     if (FAILED(hr))
-        return hr;
+        return tervane::LoadServerClassObject(clsid, context, riid, object);
     return classObject->QueryInterface(riid, object);
+}
+
+HRESULT CLSIDFromProgID(const char16_t* progId, CLSID* clsid) {
+    if (progId == nullptr || clsid == nullptr)
+        return E_INVALIDARG;
+    std::string name;
+    for (const char16_t* unit = progId; *unit; ++unit) {
+        if (*unit > 0x7F)
+            return CO_E_CLASSSTRING;
+        name += static_cast<char>(*unit);
+    }
+    const std::optional<std::string> text = tervane::ClassesRootText(name + "\\CLSID");
+    const std::optional<GUID> parsed = text ? tervane::ParseGuid(*text) : std::nullopt;
+    if (!parsed)
+        return CO_E_CLASSSTRING;
+    *clsid = *parsed;
+    return S_OK;
 }
 
 namespace tervane {

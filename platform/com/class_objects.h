@@ -1,7 +1,8 @@
 #pragma once
 // Creation of objects by class identifier. Classes are found among the class
-// objects that the process has registered; classes served by a shared module
-// through the registry store are not found yet (see FindClassObject).
+// objects that the process has registered, then in the registry store: the
+// shared object that HKCR\\CLSID\\{...}\\InprocServer32 names is loaded and
+// asked through its DllGetClassObject.
 #include <optional>
 #include <string>
 
@@ -15,6 +16,8 @@ HRESULT CoGetClassObject(REFCLSID clsid, CLSCTX context, void* serverInfo, REFII
                          void** object);
 HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, CLSCTX context, REFIID riid,
                          void** object);
+// The class identifier that HKCR\\<progId>\\CLSID names; CO_E_CLASSSTRING if none.
+HRESULT CLSIDFromProgID(const char16_t* progId, CLSID* clsid);
 // In-process objects are always running.
 HRESULT OleRun(IUnknown* object);
 
@@ -24,5 +27,7 @@ namespace tervane {
 // error information names its source.
 void RegisterProgId(const CLSID& clsid, std::u16string progId);
 std::optional<std::u16string> ProgIdOf(const CLSID& clsid);
+// The module registered for a class, as the registry store holds it.
+std::optional<std::string> InprocServerPath(const CLSID& clsid);
 
 } // namespace tervane

@@ -260,3 +260,118 @@ LONG RegCloseKey(HKEY key) {
         return ERROR_SUCCESS;
     return OpenKeys().erase(key) != 0 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
+
+namespace {
+
+bool Below(const std::string& path, const std::string& parent) {
+    return path.size() > parent.size() + 1 && path.compare(0, parent.size(), parent) == 0 &&
+           path[parent.size()] == '\\';
+}
+
+// Subkey names of path, in the store's order.
+std::vector<std::string> Children(const Store& store, const std::string& path) {
+    std::vector<std::string> names;
+    for (const std::string& key : store.keys) {
+        if (path.empty() ? key.find('\\') == std::string::npos
+                         : Below(key, path) && key.find('\\', path.size() + 1) == std::string::npos)
+            names.push_back(path.empty() ? key : key.substr(path.size() + 1));
+    }
+    return names;
+}
+
+LONG DeleteKey(HKEY key, const char* subKey, bool tree) {
+    std::lock_guard guard(g_mutex);
+    if (!Valid(key))
+        return ERROR_INVALID_HANDLE;
+    const std::string path = Join(key->path, subKey);
+    if (path.empty())
+        return ERROR_ACCESS_DENIED; // a root stays
+    return WithStore(key->root, true, [&](Store& store, bool& changed) -> LONG {
+        if (!store.keys.count(path))
+            return ERROR_FILE_NOT_FOUND;
+        if (!tree && !Children(store, path).empty())
+            return ERROR_ACCESS_DENIED;
+        std::erase_if(store.keys,
+                      [&](const std::string& k) { return k == path || Below(k, path); });
+        std::erase_if(store.values, [&](const auto& entry) {
+            return entry.first.first == path || Below(entry.first.first, path);
+        });
+        changed = true;
+        return ERROR_SUCCESS;
+    });
+}
+
+LONG CopyName(const std::string& name, char* out, DWORD* size) {
+    if (out == nullptr || size == nullptr)
+        return ERROR_INVALID_PARAMETER;
+    if (*size < name.size() + 1) {
+        *size = static_cast<DWORD>(name.size() + 1);
+        return ERROR_MORE_DATA;
+    }
+    std::copy(name.begin(), name.end(), out);
+    out[name.size()] = '\0';
+    *size = static_cast<DWORD>(name.size());
+    return ERROR_SUCCESS;
+}
+
+} // namespace
+
+LONG RegDeleteKeyA(HKEY key, const char* subKey) {
+    return DeleteKey(key, subKey, false);
+}
+
+LONG RegDeleteTreeA(HKEY key, const char* subKey) {
+    return DeleteKey(key, subKey, true);
+}
+
+LONG RegDeleteValueA(HKEY key, const char* name) {
+    std::lock_guard guard(g_mutex);
+    if (!Valid(key))
+        return ERROR_INVALID_HANDLE;
+    return WithStore(key->root, true, [&](Store& store, bool& changed) -> LONG {
+        if (store.values.erase({key->path, Lower(name ? name : "")}) == 0)
+            return ERROR_FILE_NOT_FOUND;
+        changed = true;
+        return ERROR_SUCCESS;
+    });
+}
+
+LONG RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* size, DWORD*, char*, DWORD*, void*) {
+    std::lock_guard guard(g_mutex);
+    if (!Valid(key))
+        return ERROR_INVALID_HANDLE;
+    return WithStore(key->root, false, [&](Store& store, bool&) -> LONG {
+        const std::vector<std::string> names = Children(store, key->path);
+        if (index >= names.size())
+            return ERROR_NO_MORE_ITEMS;
+        return CopyName(names[index], name, size);
+    });
+}
+
+LONG RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* size, DWORD*, DWORD* type, BYTE* data,
+                   DWORD* dataSize) {
+    std::lock_guard guard(g_mutex);
+    if (!Valid(key))
+        return ERROR_INVALID_HANDLE;
+    return WithStore(key->root, false, [&](Store& store, bool&) -> LONG {
+        DWORD seen = 0;
+        for (const auto& [where, value] : store.values) {
+            if (where.first != key->path || seen++ != index)
+                continue;
+            if (type)
+                *type = value.type;
+            if (dataSize) {
+                const auto needed = static_cast<DWORD>(value.data.size());
+                if (data != nullptr && *dataSize < needed) {
+                    *dataSize = needed;
+                    return ERROR_MORE_DATA;
+                }
+                if (data != nullptr)
+                    std::copy(value.data.begin(), value.data.end(), data);
+                *dataSize = needed;
+            }
+            return CopyName(where.second, name, size);
+        }
+        return ERROR_NO_MORE_ITEMS;
+    });
+}

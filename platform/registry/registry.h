@@ -27,6 +27,7 @@ inline constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
 inline constexpr DWORD REG_CREATED_NEW_KEY = 1;
 inline constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
 inline constexpr LONG ERROR_MORE_DATA = 234;
+inline constexpr LONG ERROR_NO_MORE_ITEMS = 259;
 
 // The results are Win32's error codes: ERROR_SUCCESS, ERROR_FILE_NOT_FOUND for
 // a missing key or value, ERROR_MORE_DATA where the buffer is too small (size
@@ -41,6 +42,15 @@ LONG RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, 
 LONG RegSetValueExA(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD size);
 LONG RegCloseKey(HKEY key);
+// A key without subkeys, or (Tree) a key with everything below it.
+LONG RegDeleteKeyA(HKEY key, const char* subKey);
+LONG RegDeleteTreeA(HKEY key, const char* subKey);
+LONG RegDeleteValueA(HKEY key, const char* name);
+// ERROR_NO_MORE_ITEMS past the last subkey or value; names come back in lower case.
+LONG RegEnumKeyExA(HKEY key, DWORD index, char* name, DWORD* size, DWORD* reserved, char* keyClass,
+                   DWORD* classSize, void* lastWrite);
+LONG RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* size, DWORD* reserved, DWORD* type,
+                   BYTE* data, DWORD* dataSize);
 
 namespace tervane {
 
