@@ -1,8 +1,11 @@
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <new>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 #if defined(__GLIBC__)
@@ -87,6 +90,9 @@ int main(int argc, char** argv) {
     // which cost more than the bins saved.
     mallopt(M_MXFAST, 0);
 #endif
+    // The writer names its work file beside the source with rand(): two runs
+    // on one source at once must not draw the same name.
+    std::srand(static_cast<unsigned>(getpid()) ^ static_cast<unsigned>(std::time(nullptr)));
     CLI::App app("Localisation filter for the resources of Win32 executables.", "tervane");
     app.set_version_flag("--version", "tervane " TERVANE_VERSION);
     app.require_subcommand(1);

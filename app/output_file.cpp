@@ -140,8 +140,10 @@ void OutputFile::Commit() {
         int fd = ::fileno(stream_);
         if (existed_ && ::fchown(fd, owner_, group_) != 0)
             errno = 0;
-        // The rename makes the new content visible: not before it is on disk.
-        if (std::fflush(stream_) != 0 || ::fchmod(fd, mode_) != 0 || ::fsync(fd) != 0)
+        // The rename over an old file makes the new content visible: not
+        // before it is on disk, or a crash could cost the old file. A new name
+        // risks nothing, and like cp we do not wait for the disk there.
+        if (std::fflush(stream_) != 0 || ::fchmod(fd, mode_) != 0 || (existed_ && ::fsync(fd) != 0))
             Fail(Reason(errno));
         std::FILE* stream = stream_;
         stream_ = nullptr;

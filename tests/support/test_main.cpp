@@ -3,6 +3,7 @@
 // removed at the end, never in the user's files; the programs that the tests
 // start inherit it.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <string>
@@ -13,6 +14,8 @@
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
+    // Test programs that write beside one fixture at once draw different work file names.
+    std::srand(static_cast<unsigned>(getpid()));
     const std::string home = tervane::test::TempDir();
     const struct {
         const char* variable;
