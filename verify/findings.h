@@ -27,8 +27,9 @@ void Report(IVerificationReport* report, LONG severity, LONG code, const std::u1
 // format with each %s, in turn, replaced by the next of args.
 std::u16string Compose(std::string_view format, std::initializer_list<std::u16string_view> args);
 
+// The piece's own answer, not a dynamic_cast: the stages ask it of every piece.
 inline CTagLabelPiece* AsTag(CLabelPiece* piece) {
-    return dynamic_cast<CTagLabelPiece*>(piece);
+    return piece != nullptr ? const_cast<CTagLabelPiece*>(piece->AsTag()) : nullptr;
 }
 inline bool IsStartTag(const CTagLabelPiece& tag) {
     return tag.tag.startTag != 0 && tag.tag.endTag == 0;

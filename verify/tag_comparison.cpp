@@ -1,4 +1,7 @@
-#include <optional>
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "verify/tag_order.h"
 
@@ -10,28 +13,33 @@ namespace {
 // item and resource it stands in. Walks stop at </resources>.
 class KeyWalk {
 public:
-    // Empty at </resources>.
-    std::optional<std::u16string> Next(const CTagLabelPiece& tag) {
+    // False at </resources>. Writes the key when key is given: the walk
+    // must see every tag, but only some keys are looked at.
+    bool Next(const CTagLabelPiece& tag, std::u16string* key) {
         const TagDescriptor& t = tag.tag;
         if (IsResourcesClose(t))
-            return std::nullopt;
+            return false;
+        const bool resourceOpen = IsResourceOpen(t);
+        const bool comboOpen = IsOpen(t, u"combobox");
         if (IsNamedResourceOpen(t)) {
             itemKey_.clear();
-            resourceKey_ = u":" + t.tagText.str();
-        } else if (IsOpen(t, u"item id") || IsOpen(t, u"combobox")) {
-            itemKey_ = u":" + t.tagText.str();
-            if (IsOpen(t, u"combobox"))
+            resourceKey_.assign(u":").append(t.tagText.view());
+        } else if (IsOpen(t, u"item id") || comboOpen) {
+            itemKey_.assign(u":").append(t.tagText.view());
+            if (comboOpen)
                 inCombo_ = true;
         }
-        std::u16string key = t.tagText.str();
-        if (!IsResourceOpen(t)) {
-            key += itemKey_;
-            key += resourceKey_;
+        if (key != nullptr) {
+            key->assign(t.tagText.view());
+            if (!resourceOpen) {
+                key->append(itemKey_);
+                key->append(resourceKey_);
+            }
         }
-        if ((IsClose(t, u"item") || IsResourceOpen(t) || IsClose(t, u"combobox")) &&
-            !(inCombo_ && !IsClose(t, u"combobox")))
+        const bool comboClose = IsClose(t, u"combobox");
+        if ((IsClose(t, u"item") || resourceOpen || comboClose) && !(inCombo_ && !comboClose))
             itemKey_.clear();
-        return key;
+        return true;
     }
 
 private:
@@ -56,13 +64,37 @@ std::u16string TextOfTag(const CLabelPiece* piece) {
 
 int TagComparison::CompareTagSets(const Tags& first, const Tags& second, CLabelPiece* anchor,
                                   LONG severity) {
-    std::map<std::u16string, std::vector<CTagLabelPiece*>> map;
+    // The first list's start tags with their keys, in list order; end tags
+    // are never looked up. Each key leads to its first untaken entry, and
+    // each entry to the next of the same key.
+    constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    struct Entry {
+        std::u16string key;
+        CTagLabelPiece* tag;
+        std::size_t sameKey = kNone;
+        bool taken = false;
+    };
+    std::vector<Entry> entries;
+    entries.reserve(first.size());
     KeyWalk firstWalk;
+    std::u16string key;
     for (CTagLabelPiece* tag : first) {
-        std::optional<std::u16string> key = firstWalk.Next(*tag);
-        if (!key)
+        const bool end = IsEndTag(*tag);
+        if (!firstWalk.Next(*tag, end ? nullptr : &key))
             break;
-        map[*key].push_back(tag);
+        if (!end)
+            entries.push_back({key, tag});
+    }
+    struct Chain {
+        std::size_t head, tail;
+    };
+    std::unordered_map<std::u16string_view, Chain> chains(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        auto [chain, added] = chains.try_emplace(entries[i].key, Chain{i, i});
+        if (!added) {
+            entries[chain->second.tail].sameKey = i;
+            chain->second.tail = i;
+        }
     }
     int result = 0;
     CLabelPiece* last = anchor;
@@ -72,17 +104,17 @@ int TagComparison::CompareTagSets(const Tags& first, const Tags& second, CLabelP
     const PieceRange anchorRange = anchor != nullptr ? anchor->range : PieceRange{};
     KeyWalk secondWalk;
     for (CTagLabelPiece* tag : second) {
-        std::optional<std::u16string> key = secondWalk.Next(*tag);
-        if (!key)
+        const bool end = IsEndTag(*tag);
+        if (!secondWalk.Next(*tag, end ? nullptr : &key))
             break;
-        if (IsEndTag(*tag))
+        if (end)
             continue;
-        auto found = map.find(*key);
-        if (found != map.end()) {
-            CTagLabelPiece* matched = found->second.front();
-            found->second.erase(found->second.begin());
-            if (found->second.empty())
-                map.erase(found);
+        auto found = chains.find(key);
+        if (found != chains.end() && found->second.head != kNone) {
+            Entry& entry = entries[found->second.head];
+            found->second.head = entry.sameKey;
+            entry.taken = true;
+            CTagLabelPiece* matched = entry.tag;
             last = matched;
             if (!IsShortcutOpen(matched->tag))
                 lastPlain = matched;
@@ -119,40 +151,44 @@ int TagComparison::CompareTagSets(const Tags& first, const Tags& second, CLabelP
             result = 1;
         Report(report_, level, 17, message, range);
     }
-    for (auto& [key, tags] : map) {
-        for (CTagLabelPiece* tag : tags) {
-            if (IsEndTag(*tag))
-                continue;
-            const std::u16string text = tag->tag.tagText.str();
-            std::u16string message = Compose("The tag '%s' has been inserted.", {text});
-            LONG level = severity;
-            PieceRange range = tag->range;
-            if (tag->tag.name.view() == u"separator") {
-                level = kError;
-            } else if (IsShortcutTag(*tag)) {
-                message = Compose("The shortcut segment has been inserted.", {});
-                level = kWarning;
-            }
-            if (text == u"<item>" && menuAnchor) {
-                message =
-                    Compose("An extra '<item>' segment has been inserted within the resource '%s'.",
-                            {TextOfTag(anchor)});
-                range = anchorRange;
-            } else if (text == u"<menu>" && menuAnchor) {
-                message =
-                    Compose("An extra '<menu>' segment has been inserted within the resource '%s'.",
-                            {TextOfTag(anchor)});
-                range = anchorRange;
-            } else if (text == u"<groupbox>" && dialogAnchor) {
-                message = Compose("An extra '<groupbox...>' segment has been inserted within the "
-                                  "resource '%s'.",
-                                  {TextOfTag(anchor)});
-                range = anchorRange;
-            }
-            if (!IsShortcutTag(*tag))
-                result = 1;
-            Report(report_, level, 16, message, range);
+    // The untaken ones in key order, and in list order within a key.
+    std::vector<const Entry*> left;
+    for (const Entry& entry : entries)
+        if (!entry.taken)
+            left.push_back(&entry);
+    std::stable_sort(left.begin(), left.end(),
+                     [](const Entry* a, const Entry* b) { return a->key < b->key; });
+    for (const Entry* entry : left) {
+        CTagLabelPiece* tag = entry->tag;
+        const std::u16string text = tag->tag.tagText.str();
+        std::u16string message = Compose("The tag '%s' has been inserted.", {text});
+        LONG level = severity;
+        PieceRange range = tag->range;
+        if (tag->tag.name.view() == u"separator") {
+            level = kError;
+        } else if (IsShortcutTag(*tag)) {
+            message = Compose("The shortcut segment has been inserted.", {});
+            level = kWarning;
         }
+        if (text == u"<item>" && menuAnchor) {
+            message =
+                Compose("An extra '<item>' segment has been inserted within the resource '%s'.",
+                        {TextOfTag(anchor)});
+            range = anchorRange;
+        } else if (text == u"<menu>" && menuAnchor) {
+            message =
+                Compose("An extra '<menu>' segment has been inserted within the resource '%s'.",
+                        {TextOfTag(anchor)});
+            range = anchorRange;
+        } else if (text == u"<groupbox>" && dialogAnchor) {
+            message = Compose("An extra '<groupbox...>' segment has been inserted within the "
+                              "resource '%s'.",
+                              {TextOfTag(anchor)});
+            range = anchorRange;
+        }
+        if (!IsShortcutTag(*tag))
+            result = 1;
+        Report(report_, level, 16, message, range);
     }
     return result;
 }

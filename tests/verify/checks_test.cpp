@@ -348,5 +348,29 @@ TEST(Stages, OneFindingAPlace) {
     report->Release();
 }
 
+// Tags of the first list that the second lacks are reported in the order of
+// their keys, and each tag of the second takes the next unmatched one of its
+// key: the two <string id="5"> of the second take lines 1 and 2, not line 1
+// twice.
+TEST(TagSets, LeftOversInKeyOrder) {
+    ComObject<KeptReport>* report = nullptr;
+    ASSERT_EQ(ComObject<KeptReport>::Create(&report), S_OK);
+    CLabelPieceList first = Words({"<string id=\"9\">", "<string id=\"5\">", "<string id=\"5\">",
+                                   "<string id=\"7\">", "<string id=\"5\">", "<string id=\"5\">"});
+    CLabelPieceList second = Words({"<string id=\"5\">", "<string id=\"6\">", "<string id=\"5\">"});
+    TagComparison compare(report);
+    EXPECT_EQ(compare.CompareTagSets(StructuralTags(View(first)), StructuralTags(View(second)),
+                                     nullptr, kError),
+              1);
+    std::vector<std::pair<LONG, LONG>> found;
+    for (const Kept& kept : report->entries)
+        found.emplace_back(kept.line, kept.code);
+    EXPECT_EQ(found,
+              (std::vector<std::pair<LONG, LONG>>{{1, 17}, {4, 16}, {5, 16}, {3, 16}, {0, 16}}));
+    ASSERT_FALSE(report->entries.empty());
+    EXPECT_EQ(report->entries[0].message, u"The tag '<string id=\"6\">' has been deleted.");
+    report->Release();
+}
+
 } // namespace
 } // namespace tervane::verify
