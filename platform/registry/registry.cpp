@@ -12,6 +12,7 @@
 #include <set>
 #include <sstream>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -129,6 +130,34 @@ bool Save(const std::filesystem::path& file, const Store& store) {
     return !error;
 }
 
+// The last store read or written, with the file's identity then: a program
+// asks the store a score of times, and the file changes only by a rename,
+// which gives it a new inode.
+struct CachedStore {
+    std::filesystem::path file;
+    struct stat identity {};
+    Store store;
+};
+
+std::unique_ptr<CachedStore>& Cache() {
+    static std::unique_ptr<CachedStore> cache;
+    return cache;
+}
+
+bool SameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+void Remember(const std::filesystem::path& file, const Store& store) {
+    struct stat identity {};
+    if (::stat(file.c_str(), &identity) != 0) {
+        Cache().reset();
+        return;
+    }
+    Cache() = std::make_unique<CachedStore>(CachedStore{file, identity, store});
+}
+
 // Runs work on the store of a root under the store's lock; writes it back when
 // work says so. Gives work's result, or ERROR_ACCESS_DENIED.
 template <typename Work> LONG WithStore(int root, bool writes, Work work) {
@@ -140,11 +169,18 @@ template <typename Work> LONG WithStore(int root, bool writes, Work work) {
     if (lock < 0)
         return ERROR_ACCESS_DENIED;
     ::flock(lock, writes ? LOCK_EX : LOCK_SH);
-    Store store = Load(file);
+    struct stat identity {};
+    const bool known = Cache() && Cache()->file == file && ::stat(file.c_str(), &identity) == 0 &&
+                       SameFile(identity, Cache()->identity);
+    Store store = known ? Cache()->store : Load(file);
     bool changed = false;
     LONG result = work(store, changed);
     if (result == ERROR_SUCCESS && changed && !Save(file, store))
         result = ERROR_ACCESS_DENIED;
+    if (changed && result != ERROR_SUCCESS)
+        Cache().reset(); // the file may hold either
+    else if (!known || changed)
+        Remember(file, store);
     ::close(lock);
     return result;
 }

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/registry/registry.h"
 #include "tests/support/fixtures.h"
@@ -74,6 +76,38 @@ TEST_F(RegistryStore, KeysAndValuesAsWin32Answers) {
                               nullptr, &key, &disposition),
               0);
     EXPECT_EQ(disposition, REG_OPENED_EXISTING_KEY);
+    RegCloseKey(key);
+}
+
+// A value another process writes is read here, although this process has
+// read the store before.
+TEST_F(RegistryStore, AnotherProcesssWriteIsSeen) {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\Tervane", 0, nullptr, 0, KEY_ALL_ACCESS,
+                              nullptr, &key, nullptr),
+              0);
+    auto set = [&](DWORD number) {
+        return RegSetValueExA(key, "ProcessId", 0, REG_DWORD,
+                              reinterpret_cast<const BYTE*>(&number), sizeof number);
+    };
+    auto get = [&] {
+        DWORD number = 0, size = sizeof number;
+        RegQueryValueExA(key, "ProcessId", nullptr, nullptr, reinterpret_cast<BYTE*>(&number),
+                         &size);
+        return number;
+    };
+    ASSERT_EQ(set(1), 0);
+    EXPECT_EQ(get(), 1u);
+    for (DWORD value : {2u, 3u}) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0)
+            ::_exit(set(value) == 0 ? 0 : 1);
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        ASSERT_EQ(status, 0);
+        EXPECT_EQ(get(), value);
+    }
     RegCloseKey(key);
 }
 
