@@ -136,9 +136,15 @@ std::uint64_t InitializedDataSize(const std::vector<pe::SectionHeader>& sections
 
 } // namespace
 
+constexpr std::uint32_t kMaxFileAlignment = 0x10000;
+
 Result<ImagePlan> PlanImage(const pe::PeImage& image, std::uint32_t treeSize) {
     if (!PowerOfTwo(image.FileAlignment()) || !PowerOfTwo(image.SectionAlignment()))
         return BadImage("file or section alignment is not a power of two");
+    // Every section is padded to the file alignment: past the 64 KiB that
+    // PE/COFF allows, a file of a few kilobytes would be written as gigabytes.
+    if (image.FileAlignment() > kMaxFileAlignment)
+        return BadImage("file alignment is above 64 KiB");
     if (image.DirectoryCount() <= pe::kResourceDirectory)
         return BadImage("the optional header has no resource directory entry");
     const auto& sections = image.Sections();

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "platform/pe/pe_image.h"
+#include "platform/update/image_layout.h"
 #include "platform/update/pending_files.h"
+#include "platform/update/resource_reader.h"
 #include "platform/update/resource_update.h"
 #include "platform/win32/last_error.h"
 #include "tests/platform/update_test_support.h"
@@ -200,6 +202,30 @@ INSTANTIATE_TEST_SUITE_P(Layouts, UpdateLayoutTest,
                                                               Layout::kShared),
                                             ::testing::Values("x64", "x86")),
                          LayoutName);
+
+// File alignments around the limit: every section is padded to it, so one
+// too large would turn a file of kilobytes into gigabytes.
+TEST(UpdateAlignment, AboveSixtyFourKibibytesIsRefused) {
+    const struct {
+        std::uint32_t alignment;
+        bool written;
+    } rows[] = {{0x200, true}, {0x10000, true}, {0x20000, false}, {0x8000000, false}};
+    for (const auto& row : rows) {
+        std::vector<std::uint8_t> bytes = ReadFile(FixturePath("fwd_strings", "x64"));
+        const std::uint32_t optional = LoadU32LE(&bytes[0x3C]) + 24;
+        for (int i = 0; i < 4; ++i)
+            bytes[optional + 36 + i] = static_cast<std::uint8_t>(row.alignment >> (8 * i));
+        auto image = pe::PeImage::Parse(std::move(bytes));
+        ASSERT_TRUE(image) << row.alignment;
+        auto tree = update::ReadResourceTree(*image);
+        ASSERT_TRUE(tree) << row.alignment;
+        auto written = update::RewriteImage(*image, *tree);
+        EXPECT_EQ(static_cast<bool>(written), row.written) << std::hex << row.alignment;
+        if (written) {
+            EXPECT_LT(written->size(), 4u * 0x10000 * (image->Sections().size() + 1));
+        }
+    }
+}
 
 } // namespace
 } // namespace tervane::test
