@@ -46,20 +46,6 @@ struct MergeOptions {
 // Events a pump delivers at most: a host hands its document over in parts.
 constexpr std::size_t kEventsPerPump = 4096;
 
-std::string ErrorText(HRESULT hr) {
-    ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
-        BSTR description = nullptr;
-        info->GetDescription(&description);
-        Bstr owned = Bstr::Attach(description);
-        if (owned.length())
-            return Narrow(owned.view(), CP_UTF8);
-    }
-    char text[64];
-    std::snprintf(text, sizeof text, "the conversion failed (0x%08X)", static_cast<unsigned>(hr));
-    return text;
-}
-
 // The word a message begins with: Error, Alert or Warning.
 std::string Severity(const std::string& message) {
     for (const char* word : {"Error", "Alert", "Warning"})
@@ -225,7 +211,7 @@ int Replay(std::vector<ReplayEvent> events, const MergeOptions& options, const s
         hr = host->SinkFailure();
     host->FinishBar();
     host->Detach();
-    const std::string failure = FAILED(hr) ? ErrorText(hr) : std::string();
+    const std::string failure = FAILED(hr) ? ComponentErrorText(hr, "conversion") : std::string();
 
     // The writer hands Alerts and Warnings to no one; g_messages is
     // process-wide, one copy shared with the loaded module, and keeps them.

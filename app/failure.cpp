@@ -2,7 +2,10 @@
 
 #include <cstdio>
 
+#include "platform/com/com_ptr.h"
+#include "platform/com/error_info.h"
 #include "platform/diag/failure_place.h"
+#include "platform/locale/code_pages.h"
 #include "platform/win32/system_messages.h"
 
 namespace tervane::app {
@@ -38,6 +41,20 @@ std::string SystemText(unsigned long code, std::string_view subject) {
         text.pop_back();
     if (auto at = text.find("%1"); at != std::string::npos)
         text.replace(at, 2, subject);
+    return text;
+}
+
+std::string ComponentErrorText(std::int32_t hr, const char* what) {
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
+        BSTR description = nullptr;
+        info->GetDescription(&description);
+        Bstr owned = Bstr::Attach(description);
+        if (owned.length())
+            return Narrow(owned.view(), CP_UTF8);
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "the %s failed (0x%08X)", what, static_cast<unsigned>(hr));
     return text;
 }
 

@@ -2,6 +2,7 @@
 // A command's failure, thrown from wherever it is found and reported in one
 // place: "tervane COMMAND: SUBJECT: TEXT", then on a line of its own where the
 // platform or the model saw it go wrong, when they could tell.
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -26,6 +27,10 @@ private:
 
 // Writes the failure to standard error for the command of that name.
 void ReportFailure(std::string_view command, const CommandFailure& failure);
+
+// The error information a component left on this thread, or else "the WHAT
+// failed (0x........)" with the result.
+std::string ComponentErrorText(std::int32_t hr, const char* what);
 
 // The system's text for a Win32 error code, with subject in place of %1.
 std::string SystemText(unsigned long code, std::string_view subject);

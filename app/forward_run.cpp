@@ -18,21 +18,6 @@ namespace tervane::app {
 
 namespace {
 
-// The error information the component left on this thread.
-std::string ErrorText(HRESULT hr) {
-    ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
-        BSTR description = nullptr;
-        info->GetDescription(&description);
-        Bstr owned = Bstr::Attach(description);
-        if (owned.length())
-            return Narrow(owned.view(), CP_UTF8);
-    }
-    char text[64];
-    std::snprintf(text, sizeof text, "the conversion failed (0x%08X)", static_cast<unsigned>(hr));
-    return text;
-}
-
 std::u16string Take(BSTR text) {
     Bstr owned = Bstr::Attach(text);
     return owned.str();
@@ -52,7 +37,7 @@ HRESULT RunForwardConversion(const std::string& file, IEvents* sink, IFilterHost
             hr = parser->raw_Parse(0);
     }
     if (FAILED(hr) && failure)
-        *failure = ErrorText(hr);
+        *failure = ComponentErrorText(hr, "conversion");
     return hr;
 }
 

@@ -39,20 +39,6 @@ public:
     HRESULT put_Value(BSTR) override { return S_OK; }
 };
 
-std::string ErrorText(HRESULT hr) {
-    ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, info.Receive()) == S_OK && info) {
-        BSTR description = nullptr;
-        info->GetDescription(&description);
-        Bstr owned = Bstr::Attach(description);
-        if (owned.length())
-            return Narrow(owned.view(), CP_UTF8);
-    }
-    char text[64];
-    std::snprintf(text, sizeof text, "the preview failed (0x%08X)", static_cast<unsigned>(hr));
-    return text;
-}
-
 std::filesystem::path ThisProgram() {
     return std::filesystem::read_symlink("/proc/self/exe");
 }
@@ -89,7 +75,7 @@ void RunPreviewWriter(PreviewRequest request) {
         hr = writer->raw_Write(0);
     host->Detach();
     if (FAILED(hr))
-        throw CommandFailure(request.source, ErrorText(hr));
+        throw CommandFailure(request.source, ComponentErrorText(hr, "preview"));
 }
 
 std::size_t ResourceCursor(const std::vector<ReplayEvent>& events, const std::string& resource,
