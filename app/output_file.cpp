@@ -161,8 +161,13 @@ void OutputFile::Commit() {
 }
 
 void CloseStandardOutput() {
-    if (std::fclose(stdout) != 0)
+    // A flush on the way may have failed already; its error stays on the stream.
+    const bool failedBefore = std::ferror(stdout) != 0;
+    const int closed = std::fclose(stdout);
+    if (closed != 0)
         throw CommandFailure(kStandardOutput, Reason(errno));
+    if (failedBefore)
+        throw CommandFailure(kStandardOutput, "not everything could be written");
 }
 
 } // namespace tervane::app

@@ -123,6 +123,21 @@ TEST(PreviewDocument, UnitsDrawTheirResourceOrAreRefused) {
     }
 }
 
+// The fit report goes to standard output: a full one fails the command,
+// although the picture was drawn.
+TEST(PreviewDocument, FullStandardOutputFails) {
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    const std::string home = TempDir();
+    Document(home, "sample", {{"dlg.102.c1001", "Beispiel, Version 1.0"}});
+    const PreviewRun run = RunPreview(home, "'" + home + "/doc.xlf' --unit dlg.102.c1001 -o '" +
+                                                home + "/pic.png' >/dev/full");
+    EndRecordedPreviewer(home);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.err.find("standard output: not everything could be written"), std::string::npos)
+        << run.err;
+}
+
 // The section of the index about one resource.
 std::string Section(const std::string& index, const std::string& name) {
     const std::size_t start = index.find("<section id=\"" + name + "\">");
